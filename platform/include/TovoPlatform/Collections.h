@@ -1,0 +1,218 @@
+#ifndef TOVOPLATFORM_COLLECTIONS_H
+#define TOVOPLATFORM_COLLECTIONS_H
+
+#include <iterator>
+#include <list>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <TovoPlatform/InvalidArgument.h>
+#include <TovoPlatform/Object.h>
+#include <TovoPlatform/WideString.h>
+
+// The collections of the host framework, each over a container of the standard library and with
+// the framework's names. They own their elements as values; a pointer kept in one is not owned.
+
+// The base of whatever a POSITION stands for.
+struct __POSITION {};
+
+// A place in a list or a map. Opaque; null is the end. It stays good until its element is removed.
+using POSITION = __POSITION*;
+
+// A sequence read and written by index. An index outside it throws CInvalidArgException.
+template <typename TYPE, typename ARG_TYPE = const TYPE&>
+class CArray : public CObject {
+public:
+    int GetSize() const { return static_cast<int>(m_Elements.size()); }
+    int GetCount() const { return GetSize(); }
+    bool IsEmpty() const { return m_Elements.empty(); }
+
+    const TYPE& GetAt(int index) const { return m_Elements[Checked(index)]; }
+    const TYPE& operator[](int index) const { return m_Elements[Checked(index)]; }
+    TYPE& operator[](int index) { return m_Elements[Checked(index)]; }
+    void SetAt(int index, ARG_TYPE element) { m_Elements[Checked(index)] = element; }
+
+    // Appends and gives the index of the new element.
+    int Add(ARG_TYPE element)
+    {
+        m_Elements.push_back(element);
+        return GetSize() - 1;
+    }
+    // As SetAt, but an index at or behind the count grows the array first.
+    void SetAtGrow(int index, ARG_TYPE element)
+    {
+        if (index >= GetSize())
+            SetSize(index + 1);
+        SetAt(index, element);
+    }
+    // Moves the elements from the index on up and puts the new ones there; an index behind the
+    // count grows the array to it first.
+    void InsertAt(int index, ARG_TYPE element, int count = 1)
+    {
+        if (index > GetSize())
+            SetSize(index);
+        m_Elements.insert(PlaceAt(index), Unsigned(count), element);
+    }
+    void InsertAt(int index, const CArray& other)
+    {
+        const std::vector<TYPE> elements = other.m_Elements;
+        if (index > GetSize())
+            SetSize(index);
+        m_Elements.insert(PlaceAt(index), elements.begin(), elements.end());
+    }
+    void RemoveAt(int index, int count = 1)
+    {
+        if (index < 0 || count < 0 || index > GetSize() - count)
+            AfxThrowInvalidArgException();
+        m_Elements.erase(PlaceAt(index), PlaceAt(index + count));
+    }
+    void RemoveAll() { m_Elements.clear(); }
+    // New elements are zero or empty.
+    void SetSize(int count) { m_Elements.resize(Unsigned(count)); }
+
+private:
+    static std::size_t Unsigned(int count)
+    {
+        if (count < 0)
+            AfxThrowInvalidArgException();
+        return static_cast<std::size_t>(count);
+    }
+    std::size_t Checked(int index) const
+    {
+        if (index < 0 || static_cast<std::size_t>(index) >= m_Elements.size())
+            AfxThrowInvalidArgException();
+        return static_cast<std::size_t>(index);
+    }
+    auto PlaceAt(int index)
+    {
+        return m_Elements.begin() + static_cast<std::ptrdiff_t>(Unsigned(index));
+    }
+
+    std::vector<TYPE> m_Elements;
+};
+
+using CObArray = CArray<CObject*, CObject*>;
+using CStringArray = CArray<CString, const CString&>;
+using CWordArray = CArray<WORD, WORD>;
+
+// A list of strings in which every place found stays good while its element is there.
+class TOVO_API CStringList : public CObject {
+public:
+    // The block size is a hint that this list has no use for.
+    explicit CStringList(int blockSize = 10);
+    CStringList(const CStringList& other);
+    CStringList& operator=(const CStringList& other);
+    ~CStringList() override;
+
+    int GetCount() const { return static_cast<int>(m_Nodes.size()); }
+    bool IsEmpty() const { return m_Nodes.empty(); }
+
+    // Null in an empty list.
+    POSITION GetHeadPosition() const;
+    // Gives the string at the place and moves the place to the next one, or to null.
+    // Requires: a place of this list; null throws CInvalidArgException.
+    const CString& GetNext(POSITION& position) const;
+    const CString& GetAt(POSITION position) const;
+
+    POSITION AddHead(const CString& text);
+    POSITION AddTail(const CString& text);
+    // The first place that holds exactly the text; null for none.
+    POSITION Find(const CString& text) const;
+    // In constant time. Requires: a place of this list; null throws CInvalidArgException.
+    void RemoveAt(POSITION position);
+    void RemoveAll();
+
+private:
+    struct Node;
+    using Nodes = std::list<Node>;
+    struct Node : __POSITION {
+        CString text;
+        Nodes::iterator self;
+    };
+
+    POSITION Insert(Nodes::const_iterator before, const CString& text);
+    static Node& NodeAt(POSITION position);
+
+    Nodes m_Nodes;
+};
+
+// A map with unique keys. Lookups take constant time; a walk follows the order of insertion.
+template <typename KEY, typename ARG_KEY, typename VALUE, typename ARG_VALUE>
+class CMap : public CObject {
+public:
+    CMap() = default;
+    CMap(const CMap&) = delete;
+    CMap& operator=(const CMap&) = delete;
+
+    int GetCount() const { return static_cast<int>(m_Index.size()); }
+    bool IsEmpty() const { return m_Index.empty(); }
+
+    // True, with the value stored, if the key is there; else false with nothing stored.
+    bool Lookup(ARG_KEY key, VALUE& value) const
+    {
+        const auto found = m_Index.find(key);
+        if (found == m_Index.end())
+            return false;
+        value = found->second->value;
+        return true;
+    }
+    // Enters the value, or replaces the one that the key has.
+    void SetAt(ARG_KEY key, ARG_VALUE value)
+    {
+        const auto [found, isNew] = m_Index.try_emplace(key);
+        if (isNew) {
+            m_Entries.push_back(Entry{{}, key, value, {}});
+            found->second = std::prev(m_Entries.end());
+            found->second->self = found->second;
+        } else {
+            found->second->value = value;
+        }
+    }
+    bool RemoveKey(ARG_KEY key)
+    {
+        const auto found = m_Index.find(key);
+        if (found == m_Index.end())
+            return false;
+        m_Entries.erase(found->second);
+        m_Index.erase(found);
+        return true;
+    }
+    void RemoveAll()
+    {
+        m_Index.clear();
+        m_Entries.clear();
+    }
+
+    // Null for an empty map.
+    POSITION GetStartPosition() const
+    {
+        return m_Entries.empty() ? nullptr : const_cast<Entry*>(&m_Entries.front());
+    }
+    // Gives the pair at the place and moves the place to the next one, or to null.
+    // Requires: a place of this map; null throws CInvalidArgException.
+    void GetNextAssoc(POSITION& position, KEY& key, VALUE& value) const
+    {
+        if (!position)
+            AfxThrowInvalidArgException();
+        const Entry& entry = *static_cast<const Entry*>(position);
+        key = entry.key;
+        value = entry.value;
+        const auto next = std::next(typename Entries::const_iterator(entry.self));
+        position = next == m_Entries.end() ? nullptr : const_cast<Entry*>(&*next);
+    }
+
+private:
+    struct Entry;
+    using Entries = std::list<Entry>;
+    struct Entry : __POSITION {
+        KEY key;
+        VALUE value;
+        typename Entries::iterator self;
+    };
+
+    Entries m_Entries;
+    std::unordered_map<KEY, typename Entries::iterator> m_Index;
+};
+
+#endif

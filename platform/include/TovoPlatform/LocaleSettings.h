@@ -1,0 +1,17 @@
+#ifndef TOVOPLATFORM_LOCALESETTINGS_H
+#define TOVOPLATFORM_LOCALESETTINGS_H
+
+#include <TovoPlatform/WideString.h>
+
+// The user's regional settings, as the host gives them. No environment variable and no process
+// locale is read. Safe to call from any thread.
+
+inline constexpr int LOCALE_SLIST = 12;    // the list separator
+inline constexpr int LOCALE_SDECIMAL = 14; // the decimal separator
+
+// What the host set for the code, else the default text.
+TOVO_API CString GetLocaleSetting(int code, CString defaultText);
+// Sets the text of a code for the process; an empty text takes the setting away.
+TOVO_API void SetLocaleSetting(int code, CString text);
+
+#endif

@@ -1,0 +1,29 @@
+#ifndef TOVOPLATFORM_MATHS_H
+#define TOVOPLATFORM_MATHS_H
+
+#include <TovoPlatform/Types.h>
+
+// Comparing and rounding as a person expects of numbers that were written in decimals. "Equal"
+// below means that TvCompareDoubles gives 0.
+
+// Negative, 0 or positive for a less than, equal to or greater than b. An infinity equals only
+// itself; finite values are equal within the greater of 1e-12 and 2^-48 times the larger magnitude;
+// NaN equals NaN and stands above every number, so every pair has an answer.
+TOVO_API int TvCompareDoubles(double a, double b);
+
+// Each gives the nearest integer at once if the value is equal to it, so that 12.3 / 0.1 counts as
+// 123. Otherwise TvRound goes to the nearest integer, with a value equal to an exact half going
+// away from zero; TvRoundUp goes away from zero; TvTrunc goes toward zero. NaN and infinities stay.
+TOVO_API double TvRound(double value);
+TOVO_API double TvRoundUp(double value);
+TOVO_API double TvTrunc(double value);
+
+namespace tovo {
+
+// The value truncated toward zero; outside the range of int the nearer end of it, and for NaN its
+// lower end. Never undefined.
+TOVO_API int NarrowToInt(double value);
+
+} // namespace tovo
+
+#endif

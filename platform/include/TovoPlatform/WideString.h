@@ -1,0 +1,140 @@
+#ifndef TOVOPLATFORM_WIDESTRING_H
+#define TOVOPLATFORM_WIDESTRING_H
+
+#include <compare>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include <TovoPlatform/Types.h>
+
+class CString;
+
+// One argument of CString::Format: a text for %s or a number for %d.
+class TOVO_API CFormatArgument {
+public:
+    CFormatArgument(int number);
+    CFormatArgument(const WCHAR* text);
+    CFormatArgument(const CString& text);
+
+    const WideText& Text() const { return m_Text; }
+
+private:
+    WideText m_Text;
+};
+
+// A text of 16-bit characters, compared exactly and case-sensitively.
+//
+// A value type: copies share their characters until one of them is changed, so passing a CString by
+// value costs no copy of the text. Different objects may be used on different threads, also when
+// they were copied from one another. Positions and lengths count 16-bit characters; every length is
+// below 2^31.
+class TOVO_API CString {
+public:
+    CString() = default;
+    // Ends at the first zero; null gives an empty string.
+    CString(const WCHAR* text);
+    // The character, count times; a count of 0 or below gives an empty string.
+    explicit CString(WCHAR character, int count = 1);
+    explicit CString(WideView text);
+    explicit CString(WideText text);
+    // From UTF-8: each byte that belongs to no well-formed sequence becomes U+FFFD.
+    CString(const char* utf8);
+    explicit CString(std::string_view utf8);
+
+    // In UTF-8; a lone surrogate becomes U+FFFD.
+    std::string ToUtf8() const;
+
+    int GetLength() const noexcept { return m_Text ? static_cast<int>(m_Text->size()) : 0; }
+    bool IsEmpty() const noexcept { return !m_Text || m_Text->empty(); }
+    void Empty() noexcept { m_Text.reset(); }
+
+    // Ends in a zero. Valid until this object is changed or destroyed.
+    const WCHAR* GetString() const noexcept;
+    // The characters, valid as GetString is.
+    WideView View() const noexcept { return m_Text ? WideView(*m_Text) : WideView(); }
+
+    // The character at an index from 0 to the length, where the length gives the terminating zero;
+    // any other index throws CInvalidArgException.
+    WCHAR operator[](int index) const;
+    WCHAR GetAt(int index) const { return (*this)[index]; }
+    // Requires: an index from 0 to the length less 1, else CInvalidArgException.
+    void SetAt(int index, WCHAR character);
+
+    // Parts clipped to the string: a negative count or start counts as 0.
+    CString Left(int count) const;
+    CString Right(int count) const;
+    CString Mid(int start) const;
+    CString Mid(int start, int count) const;
+
+    // Takes white space off the end.
+    void TrimRight();
+
+    // The first position at or behind start, -1 for none. A negative start counts as 0.
+    int Find(const CString& text, int start = 0) const;
+    int Find(WCHAR character, int start = 0) const;
+
+    // Replaces every occurrence, left to right, and gives their count. An empty text has none.
+    int Replace(const CString& text, const CString& replacement);
+    // Puts the text before the character at the index, clipped to the string; gives the new length.
+    int Insert(int index, const CString& text);
+    // Takes out count characters from the index on, clipped to the string; gives the new length.
+    int Delete(int index, int count = 1);
+
+    // Takes the format, with each %s and %d replaced by the next argument and %% by one %. A place
+    // without an argument gives nothing; a surplus argument is passed over.
+    template <typename... Arguments>
+    void Format(const WCHAR* format, const Arguments&... arguments)
+    {
+        FormatList(format, {CFormatArgument(arguments)...});
+    }
+
+    // The string resource of that id from the newest module on the chain that has it. Answers 0,
+    // with this string unchanged, if none has.
+    BOOL LoadString(UINT id);
+
+    CString& operator+=(const CString& text);
+    CString& operator+=(WCHAR character);
+
+    friend TOVO_API bool operator==(const CString& a, const CString& b) noexcept
+    {
+        return a.m_Text == b.m_Text || a.View() == b.View();
+    }
+    friend TOVO_API std::strong_ordering operator<=>(const CString& a, const CString& b) noexcept
+    {
+        return a.View() <=> b.View();
+    }
+
+private:
+    void FormatList(const WCHAR* format, std::initializer_list<CFormatArgument> arguments);
+    WideText& Unshared();
+
+    // Null for an empty string; the characters are not changed while another CString shares them.
+    std::shared_ptr<WideText> m_Text;
+};
+
+TOVO_API CString operator+(const CString& a, const CString& b);
+TOVO_API CString operator+(const CString& a, WCHAR b);
+TOVO_API CString operator+(WCHAR a, const CString& b);
+
+template <>
+struct std::hash<CString> {
+    std::size_t operator()(const CString& text) const noexcept
+    {
+        return std::hash<WideView>()(text.View());
+    }
+};
+
+// The string in which names are passed to a calculation set.
+class TOVO_API CExString : public CString {
+public:
+    CExString() = default;
+    CExString(const CString& text) : CString(text) {}
+    CExString(CString&& text) noexcept : CString(std::move(text)) {}
+    CExString(const WCHAR* text) : CString(text) {}
+};
+
+#endif

@@ -1,0 +1,3 @@
+#include <TovoPlatform/Object.h>
+
+CObject::~CObject() = default;

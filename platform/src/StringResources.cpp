@@ -1,0 +1,110 @@
+#include <TovoPlatform/StringResources.h>
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "ModuleChain.h"
+
+namespace {
+
+using Table = std::vector<AfxStringResource>;
+
+bool HasLowerId(const AfxStringResource& a, const AfxStringResource& b)
+{
+    return a.id < b.id;
+}
+
+bool HasSameId(const AfxStringResource& a, const AfxStringResource& b)
+{
+    return a.id == b.id;
+}
+
+bool HasNoText(const AfxStringResource& string)
+{
+    return !string.text;
+}
+
+// Hosts may list their strings in any order; a lookup wants them by id.
+Table SortedTable(const AfxStringResource* strings, std::size_t count)
+{
+    if (!strings)
+        return {};
+    Table table(strings, strings + count);
+    std::stable_sort(table.begin(), table.end(), HasLowerId);
+    return table;
+}
+
+// A module's place on the chain, with a table of its own, so that what a host later does to the
+// record meets no lookup.
+struct Link {
+    const CDynLinkLibrary* owner;
+    Table table;
+
+    // A text missing from a record that a host filled by hand counts as no entry.
+    const WCHAR* Find(UINT id) const
+    {
+        const AfxStringResource wanted{id, nullptr};
+        const auto found = std::lower_bound(table.begin(), table.end(), wanted, HasLowerId);
+        return found != table.end() && found->id == id ? found->text : nullptr;
+    }
+};
+
+struct Chain {
+    std::mutex mutex;
+    std::vector<Link> links; // the newest last
+};
+
+Chain& TheChain()
+{
+    // Never destroyed, because modules of other libraries join it before main and leave it, or
+    // load a text, while the process ends.
+    static Chain& chain = *new Chain;
+    return chain;
+}
+
+} // namespace
+
+BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& module, const AfxStringResource* strings,
+                            std::size_t stringCount)
+{
+    if (!strings)
+        return 0;
+    // In order, an id that is there twice stands beside itself.
+    const Table table = SortedTable(strings, stringCount);
+    if (std::any_of(table.begin(), table.end(), HasNoText))
+        return 0;
+    if (std::adjacent_find(table.begin(), table.end(), HasSameId) != table.end())
+        return 0;
+    module.strings = strings;
+    module.stringCount = stringCount;
+    return 1;
+}
+
+// The table is sorted before the lock is taken: a lookup on another thread need not wait for it.
+CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE& module, BOOL)
+{
+    Link link{this, SortedTable(module.strings, module.stringCount)};
+    Chain& chain = TheChain();
+    const std::lock_guard lock(chain.mutex);
+    chain.links.push_back(std::move(link));
+}
+
+CDynLinkLibrary::~CDynLinkLibrary()
+{
+    Chain& chain = TheChain();
+    const std::lock_guard lock(chain.mutex);
+    std::erase_if(chain.links, [this](const Link& link) { return link.owner == this; });
+}
+
+const WCHAR* tovo::FindStringResource(UINT id)
+{
+    Chain& chain = TheChain();
+    const std::lock_guard lock(chain.mutex);
+    for (auto link = chain.links.rbegin(); link != chain.links.rend(); ++link) {
+        if (const WCHAR* const text = link->Find(id))
+            return text;
+    }
+    return nullptr;
+}
