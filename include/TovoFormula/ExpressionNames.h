@@ -1,0 +1,20 @@
+#ifndef TOVOFORMULA_EXPRESSIONNAMES_H
+#define TOVOFORMULA_EXPRESSIONNAMES_H
+
+#include <TovoPlatform/Collections.h>
+
+// The spelling of the tokens in the user's language: entry i is the name of token code i, empty for
+// a token that has none. Entry TOK_NUMBER is the set of characters of a number, the decimal
+// separator first; entry TOK_COMMA is the list separator, of one character or more.
+class TOVO_API CExpressionNames : public CStringArray {
+public:
+    CExpressionNames();
+    ~CExpressionNames() override;
+
+    // Loads all names from the string resources and the user's separators from the locale settings,
+    // in place of those that are there. A name without a resource, or with an empty one, is the
+    // English one.
+    void Init();
+};
+
+#endif

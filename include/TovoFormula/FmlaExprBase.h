@@ -1,0 +1,154 @@
+#ifndef TOVOFORMULA_FMLAEXPRBASE_H
+#define TOVOFORMULA_FMLAEXPRBASE_H
+
+#include <vector>
+
+#include <TovoFormula/ExpressionNames.h>
+#include <TovoFormula/TokenCodes.h>
+#include <TovoPlatform/Collections.h>
+
+// The spelling of a text. Any other value acts as TL_ENGLISH.
+enum TEXT_LANGUAGE {
+    TL_ENGLISH = 0, // the fixed English names, "." and ","
+    TL_LOCAL = 1,   // the user's names and separators
+};
+
+// The text limit of a new expression, in characters; it governs editing only.
+inline constexpr int kDefaultTextLimit = 1470;
+
+namespace tovo::detail {
+class Spelling;
+class TokenScanner;
+struct Reference;
+struct Translation;
+} // namespace tovo::detail
+
+// An expression as text, with a table of the stretches that are references.
+//
+// A name may hold anything, so the text alone cannot tell a reference: the table does. A stretch
+// reads blank, name, blank. The text is in the user's language; the encoded string is the form to
+// store, since it can be read back under any language.
+//
+// A position counts 16-bit characters of the text from 0, as the gap before the character at it; -1
+// is none. An index counts references in table order from 0. A message id is 0 for none. The class
+// belongs to one thread at a time; the token names are shared by all threads. Operations that
+// answer int as a yes or no give 1 or 0.
+class TOVO_API CFmlaExprBase : public CObject {
+public:
+    CFmlaExprBase();
+    CFmlaExprBase(const CFmlaExprBase& other) = default;
+    ~CFmlaExprBase() override;
+
+    // A copy on the heap, which the caller owns.
+    virtual CFmlaExprBase* Clone();
+    // Empties text and table. The message and the scan position stay.
+    virtual void ClearExpr();
+    // Copies text, table, invalid position, message, scan position and text limit.
+    virtual CFmlaExprBase& operator=(CFmlaExprBase& other);
+    // Where the scanner reports a fault: stores the message id.
+    virtual void TrackError(unsigned int message);
+
+    // All fields as in a new object, but for the table, which stays.
+    void Init();
+    int GetMessageNum() const { return m_MessageNum; }
+    // The place that a failed check marks for an editor.
+    int GetInvalidPos() const { return m_InvalidPos; }
+    void SetInvalidPos(int pos) { m_InvalidPos = pos; }
+    void ClearInvalidPos() { m_InvalidPos = -1; }
+    int GetExprTextLimit() const { return m_ExprTextLimit; }
+    void SetExprTextLimit(int limit) { m_ExprTextLimit = limit; }
+    CString GetTextStr() const { return m_ExprText; }
+
+    // Replaces text and table, of any length and unchecked, and takes the invalid position back.
+    // The text is taken as it is, in the user's language. A pointer string is what GetPtrStr
+    // writes.
+    void SetExpr(const CString& text);
+    void SetExpr(const CString& text, const CWordArray& pointers);
+    void SetExpr(const CString& text, const CString& pointers);
+
+    int NumVars() const;
+    // For an index outside the table these give 0 or an empty text.
+    int VarPos(int index) const;
+    int VarLength(int index) const;
+    int VarEndPos(int index) const;
+    // The kind: 0 variable, 1 formula, 2 formula table; any other kind word counts as 0.
+    int VarType(int index) const;
+    // The stretch with both its blanks, and the name without them.
+    CString VarText(int index) const;
+    CString VarName(int index) const;
+    // Whether the whole text is one reference, and of which kind.
+    int IsSingleVarElement() const;
+    int IsSingleVariable() const;
+    int IsSingleFormula() const;
+    int IsSingleFormulaTable() const;
+
+    // The names are loaded with the first expression or the first GetTokenString. ReInitExprNames
+    // loads them again, for a host whose language or separators have changed; the next scan of
+    // every expression uses them. It must not run beside a scan on another thread.
+    static void InitExprNames();
+    static void ReInitExprNames();
+    // The user's name of a token. Answers 0, with the text unchanged, for a code outside 0 to 54.
+    static int GetTokenString(int code, CString& text);
+
+    // Scans the next token. Answers 1 with its text, its code and its position. Answers 0 at the
+    // end of the text, with only the position set, and for a fault in a number, with the message id
+    // in GetMessageNum and reported to TrackError. What is no token comes as TOK_ILLEGAL.
+    int FindFirstToken(CString& token, int& tokenCode, int& tokenPos, int startPos,
+                       TEXT_LANGUAGE language);
+    int FindNextToken(CString& token, int& tokenCode, int& tokenPos, TEXT_LANGUAGE language);
+
+    // Puts the text, in place, from the other language into the target; names of references stay.
+    // Ends at a fault in a number, with what stands before it translated. Not to be called with the
+    // language that the text is in already: its separators would be mistaken.
+    void TranslateText(TEXT_LANGUAGE target);
+
+    // The whole expression as one English string, each reference written out as V(name), F(name) or
+    // T(name). The object is unchanged.
+    CString GetEncodedString();
+    // Reads what GetEncodedString writes, under the present language. Never fails: what is no
+    // reference stays literal text.
+    void SetFromEncodedString(CString encoded);
+    // One reference as it is encoded. A kind other than 0, 1 and 2 gives no letter.
+    static CString EncodeVariable(const CString& name, int kind);
+    static CString EncodeFormula(const CString& name);
+    static CString EncodeFormulaTable(const CString& name);
+    // The table as numbers, each followed by a comma. Good only for exactly this text.
+    CString GetPtrStr() const;
+
+protected:
+    // 1 for A to Z, the letters of a word of the language.
+    int IsValidFunctionCharacter(WCHAR character) const;
+    // 1 for the user's list separator, if that is one character, and for the four signs of
+    // arithmetic; the second also for a blank.
+    int IsDelm(WCHAR character) const;
+    int IsDelmOrSpace(WCHAR character) const;
+    // 1 if the token's name differs between the languages.
+    int TokenNeedsTranslation(int code) const;
+
+    // Loaded once for the process, by whichever thread comes first.
+    static CExpressionNames m_ExprNames;
+    static int m_ExpressionNamesInitialized;
+
+    // The same for a loop over all tokens, with a scanner that keeps its place between two of them.
+    int DeliverToken(tovo::detail::TokenScanner& scanner, CString& token, int& tokenCode,
+                     int& tokenPos);
+    static tovo::detail::Spelling SpellingOf(TEXT_LANGUAGE language);
+
+private:
+    int IsSingleOfKind(int kind) const;
+    tovo::detail::Reference EntryAt(int index) const;
+    void ReportFault(unsigned int message);
+    tovo::detail::Translation TranslationOf(std::vector<tovo::detail::Reference> references,
+                                            TEXT_LANGUAGE target) const;
+    void TakeTranslation(const tovo::detail::Translation& translation);
+
+protected:
+    CString m_ExprText;
+    CWordArray m_VarPtrs; // three words for each reference: position, length, kind
+    int m_InvalidPos = -1;
+    int m_MessageNum = 0;
+    int m_ScanPos = 0;
+    int m_ExprTextLimit = kDefaultTextLimit;
+};
+
+#endif

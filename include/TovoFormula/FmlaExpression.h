@@ -1,0 +1,88 @@
+#ifndef TOVOFORMULA_FMLAEXPRESSION_H
+#define TOVOFORMULA_FMLAEXPRESSION_H
+
+#include <TovoFormula/ExprTree.h>
+#include <TovoFormula/FmlaExprBase.h>
+
+// An expression bound to a calculation set: its text can be checked and calculated.
+//
+// Text and tree are not kept in step: SetExpr and the other changes of the text leave the tree as
+// it was until the next IsValid or LoadExpressionTree, which build it anew.
+//
+// Owns: its tree. Does not own: the set, which must outlive it. Belongs to the thread of its set.
+// While it is being checked, calculated or scanned, whatever it calls must not change or destroy
+// it; checking or calculating it again from there is refused with 6608.
+class TOVO_API CFmlaExpression : public CFmlaExprBase {
+public:
+    explicit CFmlaExpression(ICalculationSet& calcSet);
+    // The same set, text, table, invalid position and scan position; no tree, no message.
+    CFmlaExpression(const CFmlaExpression& other);
+    ~CFmlaExpression() override;
+
+    CFmlaExprBase* Clone() override;
+    // Clears the tree too.
+    void ClearExpr() override;
+    using CFmlaExprBase::operator=;
+    // Starts a new chain in the set's tracker, with this expression as the object.
+    void TrackError(unsigned int message) override;
+    // As the base, and clears the tree. The set stays that of this object.
+    virtual CFmlaExpression& operator=(CFmlaExpression& other);
+
+    using CFmlaExprBase::SetExpr;
+    // Takes text and table. A last reference that lacks just its trailing blank gets it, below the
+    // text limit.
+    void SetExpr(const CFmlaExpression& source);
+
+    // Builds the tree from the text. Nested nonzero: each formula and table referred to must exist
+    // and be sound, and is calculated while the tree is built. Answers 0 with GetMessageNum and
+    // GetInvalidPos telling what and where.
+    int LoadExpressionTree(int nested);
+    // Builds the tree and holds its kind against the name: a name that ends in "?" wants a yes/no
+    // value, any other name wants none. An empty name leaves the kind open. Nested as above; a name
+    // that is being validated already on this thread ends in 6608. The message is written on
+    // failure only.
+    int IsValid(unsigned int& message, CString name, int nested);
+    // This expression alone, without a name; the message is in GetMessageNum.
+    int IsValid();
+    // Calculates the tree that was built last, without building it. The list may be null.
+    int Calculate(CScannedVariables* list);
+    // These speak of the tree, and give 0 without one.
+    double GetValue() const { return m_Tree.GetValue(); }
+    int IsLoaded() const { return m_Tree.IsLoaded(); }
+    int IsCalculated() const { return m_Tree.IsCalculated(); }
+    int IsNumeric() const { return m_Tree.IsNumeric(); }
+    int IsBoolean() const { return m_Tree.IsBoolean(); }
+    // Adds what the built tree refers to: with all nonzero every reference of the text, calculating
+    // nothing; with all zero what a calculation reaches. Clear nonzero tells the set that a new
+    // scan begins. A failed calculation leaves its message in GetMessageNum.
+    void GetVariables(CScannedVariables& list, int all, int clear);
+
+    ICalculationSet& CalcSet() const { return *m_CalcSet; }
+
+    // Whether the formula or table exists and is sound with everything below it; else 0 with
+    // GetMessageNum set. The name may have its two blanks.
+    int CheckNestedFormula(CString name);
+    int CheckNestedFormtbl(CString name);
+    // The two checks for each reference of the built tree, from the left to the first that fails.
+    int NestedFormulasOK();
+
+protected:
+    CExprTree m_Tree;
+    ICalculationSet* m_CalcSet; // never null, not owned
+
+    // The names of the formulas under validation, innermost at the head. Kept for each thread; an
+    // entry goes again on every way out of the IsValid that made it.
+    static thread_local CStringList m_NestedFmlaNames;
+
+private:
+    int Fail(unsigned int message);
+    int InsertScanned(int code, const CString& token, int pos, int nested);
+    int CloseTree(int lastPos, int endPos);
+    int LoadNamed(const CString& name, int nested);
+    int CheckNestedReference(int code, const CString& text);
+    template <typename Object>
+    int CheckNested(Object* object, unsigned int notFound, const CString& missing);
+    void ScanStatically(CScannedVariables& list);
+};
+
+#endif

@@ -1,0 +1,61 @@
+#ifndef TOVOFORMULA_FORMULAIMPL_H
+#define TOVOFORMULA_FORMULAIMPL_H
+
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/FmlaExpression.h>
+
+// The stock formula: a name, a unit text and an expression. The host makes, names, fills and owns
+// it, and adds it to a set, which finds it under the name that it had then.
+//
+// The three flags are the host's: the library writes none of them, and each Calculate validates and
+// calculates afresh.
+class TOVO_API FormulaImpl : public CObject, public IFormulaObj {
+public:
+    // The set must outlive every calculation. A null pointer throws CInvalidArgException.
+    explicit FormulaImpl(ICalculationSet* calcSet);
+    ~FormulaImpl() override;
+
+    FormulaImpl(const FormulaImpl&) = delete;
+    FormulaImpl& operator=(const FormulaImpl&) = delete;
+
+    CString& GetName() override { return m_Name; }
+    double GetValue() override { return m_Expression.GetValue(); }
+    // Validates with nested checks, then calculates. The list goes on into the formulas referred
+    // to.
+    int Calculate(unsigned int& message, CScannedVariables* list) override;
+    // Requires: a tree that IsValid or Calculate has built.
+    void GetVariables(CScannedVariables& list, int all, int clear) override;
+    int IsValid(unsigned int& message, int nested) override;
+    int GetScanned() override { return m_Scanned; }
+    bool IsNumeric() override { return m_ValueType == VALUE_NUMERIC; }
+    bool IsBoolean() override { return m_ValueType == VALUE_BOOLEAN; }
+    int GetCalculated() override { return m_Calculated; }
+    CString& GetUnit() override { return m_Unit; }
+    int GetValidated() override { return m_Validated; }
+
+    virtual void SetName(CString& name);
+
+    void SetUnit(const CString& unit);
+    // Text and pointer string, in the user's language.
+    void SetExpression(const CString& text, const CString& references);
+    // The encoded string, good in any language.
+    void SetFromEncodedString(const CString& encoded);
+    // The expression itself, for display and editing; lives as long as the formula.
+    CFmlaExpression& GetExpression() { return m_Expression; }
+
+    void SetScanned(int scanned) { m_Scanned = scanned; }
+    void SetCalculated(int calculated) { m_Calculated = calculated; }
+    void SetValidated(int validated) { m_Validated = validated; }
+
+protected:
+    CString m_Name;
+    CString m_Unit;
+    int m_Scanned = 0;
+    VALUETYPE m_ValueType = VALUE_NONE;
+    int m_Calculated = 0;
+    int m_Validated = 0;
+    ICalculationSet* m_CalcSet; // not owned
+    CFmlaExpression m_Expression;
+};
+
+#endif

@@ -1,0 +1,38 @@
+#ifndef TOVOFORMULA_VARIABLEIMPL_H
+#define TOVOFORMULA_VARIABLEIMPL_H
+
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoPlatform/Object.h>
+
+// The stock variable: a name, a value and a unit text. The host makes, names and owns it, and adds
+// it to a set, which finds it under the name that it had then.
+class TOVO_API VariableImpl : public CObject, public IVarObj {
+public:
+    // The set is not kept. A null pointer throws CInvalidArgException.
+    explicit VariableImpl(ICalculationSet* calcSet);
+    ~VariableImpl() override;
+
+    CString& GetName() override { return m_Name; }
+    // The name is stored unchanged; "?" counts only as its very last character.
+    void SetName(CString& name) override;
+    double GetValue() override { return m_Value; }
+    // Stored unchanged, also for a yes/no variable.
+    void SetValue(double value) override { m_Value = value; }
+    void SetInCond(int inCondition) override { m_InCond = inCondition != 0; }
+    bool IsNumeric() override { return m_ValueType == VALUE_NUMERIC; }
+    bool IsBoolean() override { return m_ValueType == VALUE_BOOLEAN; }
+    CString& GetUnit(long) override { return m_Unit; }
+    int InCond() override { return m_InCond ? 1 : 0; }
+    VALUETYPE GetType() override { return m_ValueType; }
+
+    void SetUnit(const CString& unit, long);
+
+protected:
+    CString m_Name;
+    double m_Value = 0.0;
+    bool m_InCond = false;
+    CString m_Unit;
+    VALUETYPE m_ValueType = VALUE_NONE;
+};
+
+#endif

@@ -1,0 +1,96 @@
+#include <TovoFormula/FmlaExpression.h>
+
+#include <TovoFormula/CalcErrorTracker.h>
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/MessageIds.h>
+
+#include "../expression_core/Names.h"
+#include "../expression_core/ScanRecord.h"
+#include "StaticScan.h"
+
+using namespace tovo::detail;
+
+int CFmlaExpression::CheckNestedFormula(CString name)
+{
+    return CheckNestedReference(TOK_FORMULA, name);
+}
+
+int CFmlaExpression::CheckNestedFormtbl(CString name)
+{
+    return CheckNestedReference(TOK_FORMTBL, name);
+}
+
+int CFmlaExpression::NestedFormulasOK()
+{
+    CString text;
+    int code = TOK_ILLEGAL;
+    for (POSITION pos = m_Tree.FindFirstFmlOrTbl(); pos;) {
+        pos = m_Tree.GetNextFmlOrTbl(pos, text, code);
+        if (!CheckNestedReference(code, text))
+            return 0;
+    }
+    return 1;
+}
+
+// Tokens of another kind have nothing to check.
+int CFmlaExpression::CheckNestedReference(int code, const CString& text)
+{
+    const CString name = BareName(text);
+    switch (code) {
+    case TOK_FORMULA:
+        return CheckNested(CalcSet().GetFormulaObj(name), MSG_FORMULA_NOT_FOUND,
+                           u"Formula: " + name);
+    case TOK_FORMTBL:
+        return CheckNested(CalcSet().GetFormulaTableObj(name), MSG_FORMTBL_NOT_FOUND,
+                           u"Formula table : " + name);
+    default:
+        return 1;
+    }
+}
+
+// A failure below comes back through this expression's own message.
+template <typename Object>
+int CFmlaExpression::CheckNested(Object* object, unsigned int notFound, const CString& missing)
+{
+    if (!object) {
+        m_MessageNum = static_cast<int>(notFound);
+        CalcSet().ErrorTracker().SetError(notFound, this, missing);
+        return 0;
+    }
+    auto message = static_cast<unsigned int>(m_MessageNum);
+    if (object->IsValid(message, 1))
+        return 1;
+    m_MessageNum = static_cast<int>(message);
+    return 0;
+}
+
+// The references are taken down before anything is called that might rebuild this tree.
+void CFmlaExpression::ScanStatically(CScannedVariables& list)
+{
+    StaticScan scan(list);
+    if (!scan.Enters(this))
+        return;
+    struct Found {
+        int code;
+        CString name;
+    };
+    std::vector<Found> references;
+    for (POSITION pos = m_Tree.FindFirstVarFmlOrTbl(); pos;) {
+        Found found;
+        pos = m_Tree.GetNextVarFmlOrTbl(0, pos, found.name, found.code);
+        found.name = BareName(found.name);
+        references.push_back(std::move(found));
+    }
+    const auto scanNested = [&](auto* object) {
+        if (object && !object->GetScanned() && scan.Enters(object))
+            object->GetVariables(list, 1, 0);
+    };
+    for (const auto& [code, name] : references) {
+        if (code == TOK_FORMULA)
+            scanNested(CalcSet().GetFormulaObj(name));
+        else if (code == TOK_FORMTBL)
+            scanNested(CalcSet().GetFormulaTableObj(name));
+        else
+            AddOnce(list, name);
+    }
+}

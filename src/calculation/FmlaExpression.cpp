@@ -1,0 +1,191 @@
+#include <TovoFormula/FmlaExpression.h>
+
+#include <memory>
+#include <optional>
+
+#include <TovoFormula/CalcErrorTracker.h>
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/MessageIds.h>
+
+#include "../expression_core/Names.h"
+#include "../expression_text/TokenScanner.h"
+#include "UnderWay.h"
+
+using namespace tovo::detail;
+
+thread_local CStringList CFmlaExpression::m_NestedFmlaNames;
+
+CFmlaExpression::CFmlaExpression(ICalculationSet& calcSet) : m_Tree(calcSet), m_CalcSet(&calcSet)
+{}
+
+CFmlaExpression::CFmlaExpression(const CFmlaExpression& other)
+    : CFmlaExprBase(), m_Tree(*other.m_CalcSet), m_CalcSet(other.m_CalcSet)
+{
+    SetExpr(other);
+    m_InvalidPos = other.m_InvalidPos;
+    m_ScanPos = other.m_ScanPos;
+}
+
+CFmlaExpression::~CFmlaExpression() = default;
+
+CFmlaExprBase* CFmlaExpression::Clone()
+{
+    auto copy = std::make_unique<CFmlaExpression>(CalcSet());
+    *copy = *this;
+    return copy.release();
+}
+
+void CFmlaExpression::ClearExpr()
+{
+    CFmlaExprBase::ClearExpr();
+    m_Tree.Clear();
+}
+
+void CFmlaExpression::TrackError(unsigned int message)
+{
+    Fail(message);
+}
+
+CFmlaExpression& CFmlaExpression::operator=(CFmlaExpression& other)
+{
+    if (this == &other)
+        return *this;
+    CFmlaExprBase::operator=(other);
+    m_Tree.Clear();
+    return *this;
+}
+
+void CFmlaExpression::SetExpr(const CFmlaExpression& source)
+{
+    if (this == &source)
+        return;
+    SetExpr(source.m_ExprText, source.m_VarPtrs);
+    const int length = m_ExprText.GetLength();
+    const bool lacksBlank = NumVars() > 0 && length == VarEndPos(NumVars() - 1) - 1;
+    if (lacksBlank && length < m_ExprTextLimit)
+        m_ExprText += u' ';
+}
+
+int CFmlaExpression::LoadExpressionTree(int nested)
+{
+    // A tree that is being built or walked further up must not be torn down.
+    const UnderWay underWay(this);
+    if (!underWay.IsFirst())
+        return Fail(MSG_FORMULA_INSIDE_ITSELF);
+
+    m_Tree.Clear();
+    m_MessageNum = MSG_NONE;
+    m_InvalidPos = 0;
+    m_ScanPos = 0;
+    const std::vector<Reference> references = ReferencesOf(m_VarPtrs);
+    TokenScanner scanner(m_ExprText, references, SpellingOf(TL_LOCAL), m_ScanPos);
+    CString token;
+    int code = TOK_ILLEGAL;
+    int pos = 0;
+    if (!DeliverToken(scanner, token, code, pos))
+        return m_MessageNum ? 0 : Fail(MSG_FORMULA_TEXT_REQUIRED);
+
+    int lastPos = pos;
+    do {
+        lastPos = pos;
+        if (!InsertScanned(code, token, pos, nested))
+            return 0;
+    } while (DeliverToken(scanner, token, code, pos));
+    return CloseTree(lastPos, pos);
+}
+
+int CFmlaExpression::IsValid(unsigned int& message, CString name, int nested)
+{
+    const bool isEntered = nested && !name.IsEmpty();
+    if (isEntered && m_NestedFmlaNames.Find(name)) {
+        message = MSG_FORMULA_INSIDE_ITSELF;
+        return Fail(message);
+    }
+    std::optional<NestedNameGuard> entry;
+    if (isEntered)
+        entry.emplace(m_NestedFmlaNames, name);
+    if (LoadNamed(name, nested))
+        return 1;
+    message = static_cast<unsigned int>(m_MessageNum);
+    return 0;
+}
+
+int CFmlaExpression::IsValid()
+{
+    unsigned int message = MSG_NONE;
+    return IsValid(message, CString(), 0);
+}
+
+int CFmlaExpression::Calculate(CScannedVariables* list)
+{
+    const UnderWay underWay(this);
+    if (!underWay.IsFirst())
+        return Fail(MSG_FORMULA_INSIDE_ITSELF);
+    if (m_Tree.Calculate(list))
+        return 1;
+    m_MessageNum = static_cast<int>(m_Tree.GetMsg());
+    return 0;
+}
+
+void CFmlaExpression::GetVariables(CScannedVariables& list, int all, int clear)
+{
+    if (clear)
+        CalcSet().ClearScannedFlags(1);
+    if (all)
+        ScanStatically(list);
+    else
+        Calculate(&list);
+}
+
+int CFmlaExpression::Fail(unsigned int message)
+{
+    m_MessageNum = static_cast<int>(message);
+    CalcSet().ErrorTracker().SetError(message, this);
+    return 0;
+}
+
+// Takes one token of the text into the tree, a reference after its check. The position at fault is
+// that of the token, until it is taken.
+int CFmlaExpression::InsertScanned(int code, const CString& token, int pos, int nested)
+{
+    m_InvalidPos = pos;
+    if (code == TOK_ILLEGAL)
+        return Fail(MSG_INVALID_ELEMENT);
+    if (nested && !CheckNestedReference(code, token))
+        return 0;
+    if (!m_Tree.InsertToken(code, token, pos, nested)) {
+        m_MessageNum = static_cast<int>(m_Tree.GetMsg());
+        return 0;
+    }
+    m_MessageNum = MSG_NONE;
+    m_InvalidPos = 0;
+    return 1;
+}
+
+// What is left to do when the scanner delivers no more: endPos is where it stopped, lastPos where
+// the last token stands.
+int CFmlaExpression::CloseTree(int lastPos, int endPos)
+{
+    if (m_MessageNum) {
+        m_InvalidPos = endPos;
+        return 0;
+    }
+    if (m_Tree.EndOfExpression())
+        return 1;
+    m_MessageNum = static_cast<int>(m_Tree.GetMsg());
+    m_InvalidPos = lastPos;
+    return 0;
+}
+
+int CFmlaExpression::LoadNamed(const CString& name, int nested)
+{
+    const int isLoaded = LoadExpressionTree(nested);
+    if (name.IsEmpty())
+        return isLoaded;
+    if (!isLoaded) {
+        CalcSet().ErrorTracker().AddObj(this, u"Formula: " + name);
+        return 0;
+    }
+    const bool isYesNo = m_Tree.IsBoolean() != 0;
+    return isYesNo == IsYesNoName(name.View()) ? 1 : Fail(MSG_WRONG_RESULT_TYPE);
+}

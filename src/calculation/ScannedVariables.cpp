@@ -1,0 +1,41 @@
+#include <TovoFormula/ScannedVariables.h>
+
+namespace {
+
+CString Trimmed(CString name)
+{
+    name.TrimRight();
+    return name;
+}
+
+} // namespace
+
+CScannedVariables::CScannedVariables(CStringList& list) : m_VariableList(&list), m_OwnsList(0)
+{}
+
+CScannedVariables::CScannedVariables()
+    : m_VariableList(std::make_unique<CStringList>().release()), m_OwnsList(1)
+{}
+
+CScannedVariables::~CScannedVariables()
+{
+    if (m_OwnsList)
+        delete m_VariableList;
+}
+
+int CScannedVariables::Find(const CString& name) const
+{
+    return m_VariableList->Find(Trimmed(name)) ? 1 : 0;
+}
+
+void CScannedVariables::AddTail(const CString& name)
+{
+    m_VariableList->AddTail(Trimmed(name));
+}
+
+void CScannedVariables::init()
+{
+    m_QuantityScanned = 0;
+    m_DURATIONScanned = 0;
+    m_JOBSIZEScanned = 0;
+}

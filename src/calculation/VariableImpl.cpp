@@ -1,0 +1,24 @@
+#include <TovoFormula/VariableImpl.h>
+
+#include <TovoPlatform/ArgumentValidator.h>
+
+#include "../expression_core/Names.h"
+
+VariableImpl::VariableImpl(ICalculationSet* calcSet)
+{
+    CArgumentValidator::ValidateNonNullPointer("VariableImpl", __LINE__, calcSet, "pBadPtr",
+                                               "VariableImpl::VariableImpl");
+}
+
+VariableImpl::~VariableImpl() = default;
+
+void VariableImpl::SetName(CString& name)
+{
+    m_Name = name;
+    m_ValueType = tovo::detail::ValueTypeOfName(m_Name.View());
+}
+
+void VariableImpl::SetUnit(const CString& unit, long)
+{
+    m_Unit = unit;
+}

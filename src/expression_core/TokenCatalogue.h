@@ -1,0 +1,29 @@
+#ifndef TOVOFORMULA_SRC_TOKENCATALOGUE_H
+#define TOVOFORMULA_SRC_TOKENCATALOGUE_H
+
+#include <TovoFormula/TokenCodes.h>
+#include <TovoPlatform/Types.h>
+
+namespace tovo::detail {
+
+// The name id of a token that no string resource names.
+inline constexpr int kNoName = -1;
+
+// One row of the token catalogue: what an element of the language is.
+struct CatalogueRow {
+    int nameId;           // the string resource of the name in the user's language
+    WideView englishName; // the spelling of stored texts; never translated
+    TOKEN_TYPE type;
+    int precedence; // the higher binds tighter; 0 for what is no operator
+    int minArgs;
+    int maxArgs;
+    RESULT_KIND returns;
+    RESULT_KIND takes;
+};
+
+// The row of a code; a code outside 0 to 54 has that of TOK_ILLEGAL.
+const CatalogueRow& CatalogueOf(int code);
+
+} // namespace tovo::detail
+
+#endif

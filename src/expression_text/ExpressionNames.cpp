@@ -1,0 +1,52 @@
+#include <TovoFormula/ExpressionNames.h>
+
+#include <TovoFormula/TokenCodes.h>
+#include <TovoPlatform/LocaleSettings.h>
+
+#include "../expression_core/LocalNumbers.h"
+#include "../expression_core/TokenCatalogue.h"
+
+using tovo::detail::CatalogueOf;
+using tovo::detail::kNoName;
+
+namespace {
+
+// The English name stands in for what no module names: an empty name would make the scanner stand
+// still.
+CString LoadName(int code)
+{
+    CString name;
+    const int id = CatalogueOf(code).nameId;
+    if (id != kNoName && name.LoadString(static_cast<UINT>(id)) && !name.IsEmpty())
+        return name;
+    return id == kNoName ? CString() : CString(CatalogueOf(code).englishName);
+}
+
+CString WithUsersDecimalSeparator(CString digits)
+{
+    const CString separator = GetLocaleSetting(LOCALE_SDECIMAL, CString(digits[0]));
+    if (separator.GetLength() == 1)
+        digits.SetAt(0, separator[0]);
+    return digits;
+}
+
+CString UsersListSeparator(const CString& fromResource)
+{
+    const CString separator = GetLocaleSetting(LOCALE_SLIST, fromResource);
+    return separator.IsEmpty() ? fromResource : separator;
+}
+
+} // namespace
+
+CExpressionNames::CExpressionNames() = default;
+
+CExpressionNames::~CExpressionNames() = default;
+
+void CExpressionNames::Init()
+{
+    for (int code = 0; code < kTokenCount; ++code)
+        SetAtGrow(code, LoadName(code));
+    SetAt(TOK_NUMBER, WithUsersDecimalSeparator(GetAt(TOK_NUMBER)));
+    SetAt(TOK_COMMA, UsersListSeparator(GetAt(TOK_COMMA)));
+    tovo::detail::SetLocalDecimalSeparator(GetAt(TOK_NUMBER)[0]);
+}

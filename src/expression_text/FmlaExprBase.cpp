@@ -1,0 +1,134 @@
+#include <TovoFormula/FmlaExprBase.h>
+
+#include <memory>
+
+#include "../expression_core/Names.h"
+#include "ReferenceTable.h"
+
+using namespace tovo::detail;
+
+CFmlaExprBase::CFmlaExprBase()
+{
+    InitExprNames();
+}
+
+CFmlaExprBase::~CFmlaExprBase() = default;
+
+CFmlaExprBase* CFmlaExprBase::Clone()
+{
+    auto copy = std::make_unique<CFmlaExprBase>();
+    *copy = *this;
+    return copy.release();
+}
+
+void CFmlaExprBase::ClearExpr()
+{
+    SetExpr(CString());
+}
+
+CFmlaExprBase& CFmlaExprBase::operator=(CFmlaExprBase& other)
+{
+    if (this == &other)
+        return *this;
+    m_ExprText = other.m_ExprText;
+    m_VarPtrs = other.m_VarPtrs;
+    m_InvalidPos = other.m_InvalidPos;
+    m_MessageNum = other.m_MessageNum;
+    m_ScanPos = other.m_ScanPos;
+    m_ExprTextLimit = other.m_ExprTextLimit;
+    return *this;
+}
+
+void CFmlaExprBase::TrackError(unsigned int message)
+{
+    m_MessageNum = static_cast<int>(message);
+}
+
+void CFmlaExprBase::Init()
+{
+    m_ExprText.Empty();
+    m_InvalidPos = -1;
+    m_MessageNum = 0;
+    m_ScanPos = 0;
+    m_ExprTextLimit = kDefaultTextLimit;
+    InitExprNames();
+}
+
+void CFmlaExprBase::SetExpr(const CString& text)
+{
+    SetExpr(text, CWordArray());
+}
+
+void CFmlaExprBase::SetExpr(const CString& text, const CWordArray& pointers)
+{
+    m_ExprText = text;
+    m_VarPtrs = pointers;
+    m_InvalidPos = -1;
+}
+
+int CFmlaExprBase::NumVars() const
+{
+    return CountReferences(m_VarPtrs);
+}
+
+int CFmlaExprBase::VarPos(int index) const
+{
+    return EntryAt(index).position;
+}
+
+int CFmlaExprBase::VarLength(int index) const
+{
+    return EntryAt(index).length;
+}
+
+int CFmlaExprBase::VarEndPos(int index) const
+{
+    return EntryAt(index).End();
+}
+
+int CFmlaExprBase::VarType(int index) const
+{
+    return EntryAt(index).EffectiveKind();
+}
+
+CString CFmlaExprBase::VarText(int index) const
+{
+    const Reference reference = EntryAt(index);
+    return m_ExprText.Mid(reference.position, reference.length);
+}
+
+CString CFmlaExprBase::VarName(int index) const
+{
+    return BareName(VarText(index));
+}
+
+int CFmlaExprBase::IsSingleVarElement() const
+{
+    return NumVars() == 1 && VarPos(0) == 0 && VarLength(0) >= m_ExprText.GetLength() ? 1 : 0;
+}
+
+int CFmlaExprBase::IsSingleVariable() const
+{
+    return IsSingleOfKind(TOK_VARIABLE);
+}
+
+int CFmlaExprBase::IsSingleFormula() const
+{
+    return IsSingleOfKind(TOK_FORMULA);
+}
+
+int CFmlaExprBase::IsSingleFormulaTable() const
+{
+    return IsSingleOfKind(TOK_FORMTBL);
+}
+
+int CFmlaExprBase::IsSingleOfKind(int kind) const
+{
+    return IsSingleVarElement() && VarType(0) == kind ? 1 : 0;
+}
+
+// An index outside the table reads as an empty entry.
+Reference CFmlaExprBase::EntryAt(int index) const
+{
+    return index >= 0 && index < NumVars() ? ReferenceAt(m_VarPtrs, index) : Reference();
+}

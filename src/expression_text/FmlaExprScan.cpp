@@ -1,0 +1,119 @@
+#include <TovoFormula/FmlaExprBase.h>
+
+#include <atomic>
+#include <mutex>
+
+#include "TokenScanner.h"
+
+using namespace tovo::detail;
+
+CExpressionNames CFmlaExprBase::m_ExprNames;
+int CFmlaExprBase::m_ExpressionNamesInitialized = 0;
+
+namespace {
+
+std::mutex namesMutex;
+
+// Every expression asks on its construction, so asking takes no lock.
+std::atomic_ref<int> IsLoaded(int& flag)
+{
+    return std::atomic_ref<int>(flag);
+}
+
+} // namespace
+
+void CFmlaExprBase::InitExprNames()
+{
+    if (IsLoaded(m_ExpressionNamesInitialized).load(std::memory_order_acquire))
+        return;
+    const std::lock_guard lock(namesMutex);
+    if (m_ExpressionNamesInitialized)
+        return;
+    m_ExprNames.Init();
+    IsLoaded(m_ExpressionNamesInitialized).store(1, std::memory_order_release);
+}
+
+void CFmlaExprBase::ReInitExprNames()
+{
+    const std::lock_guard lock(namesMutex);
+    m_ExprNames.Init();
+    IsLoaded(m_ExpressionNamesInitialized).store(1, std::memory_order_release);
+}
+
+int CFmlaExprBase::GetTokenString(int code, CString& text)
+{
+    InitExprNames();
+    if (code < 0 || code >= kTokenCount)
+        return 0;
+    text = m_ExprNames.GetAt(code);
+    return 1;
+}
+
+int CFmlaExprBase::FindFirstToken(CString& token, int& tokenCode, int& tokenPos, int startPos,
+                                  TEXT_LANGUAGE language)
+{
+    m_ScanPos = startPos;
+    return FindNextToken(token, tokenCode, tokenPos, language);
+}
+
+int CFmlaExprBase::FindNextToken(CString& token, int& tokenCode, int& tokenPos,
+                                 TEXT_LANGUAGE language)
+{
+    // One token meets one reference at the most: the first that the scan has not passed.
+    const int length = m_ExprText.GetLength();
+    Reference next;
+    for (int index = 0; index < NumVars() && next.length == 0; ++index) {
+        const Reference reference = ReferenceAt(m_VarPtrs, index);
+        if (NextEffective({&reference, 1}, 0, m_ScanPos, length) == 0)
+            next = reference;
+    }
+    TokenScanner scanner(m_ExprText, {&next, 1}, SpellingOf(language), m_ScanPos);
+    return DeliverToken(scanner, token, tokenCode, tokenPos);
+}
+
+int CFmlaExprBase::DeliverToken(TokenScanner& scanner, CString& token, int& tokenCode,
+                                int& tokenPos)
+{
+    const TokenScanner::Outcome outcome = scanner.Next();
+    m_ScanPos = scanner.ScanPos();
+    tokenPos = scanner.TokenPos();
+    if (outcome == TokenScanner::Outcome::End)
+        return 0;
+    token = CString(scanner.TokenText());
+    if (outcome == TokenScanner::Outcome::Fault) {
+        ReportFault(scanner.FaultMessage());
+        return 0;
+    }
+    tokenCode = scanner.TokenCode();
+    return 1;
+}
+
+void CFmlaExprBase::ReportFault(unsigned int message)
+{
+    m_MessageNum = static_cast<int>(message);
+    TrackError(message);
+}
+
+Spelling CFmlaExprBase::SpellingOf(TEXT_LANGUAGE language)
+{
+    return language == TL_LOCAL ? Spelling(m_ExprNames) : Spelling();
+}
+
+int CFmlaExprBase::IsValidFunctionCharacter(WCHAR character) const
+{
+    return IsWordLetter(character) ? 1 : 0;
+}
+
+int CFmlaExprBase::IsDelm(WCHAR character) const
+{
+    const CString text(character);
+    for (const int code : {TOK_COMMA, TOK_PLUS, TOK_MINUS, TOK_TIMES, TOK_DIVIDE})
+        if (m_ExprNames.GetAt(code) == text)
+            return 1;
+    return 0;
+}
+
+int CFmlaExprBase::IsDelmOrSpace(WCHAR character) const
+{
+    return character == u' ' || IsDelm(character) ? 1 : 0;
+}

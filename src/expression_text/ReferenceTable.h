@@ -1,0 +1,85 @@
+#ifndef TOVOFORMULA_SRC_REFERENCETABLE_H
+#define TOVOFORMULA_SRC_REFERENCETABLE_H
+
+#include <limits>
+#include <span>
+#include <vector>
+
+#include <TovoFormula/TokenCodes.h>
+#include <TovoPlatform/Collections.h>
+
+namespace tovo::detail {
+
+// What the three kinds of reference differ in. Letters and kind words are in stored texts: never
+// renumber.
+struct ReferenceKind {
+    TOKEN_CODE code;
+    WCHAR letter;
+};
+
+inline constexpr ReferenceKind kReferenceKinds[] = {
+    // indexed by the kind word
+    {TOK_VARIABLE, u'V'},
+    {TOK_FORMULA, u'F'},
+    {TOK_FORMTBL, u'T'},
+};
+inline constexpr int kReferenceKindCount = static_cast<int>(std::size(kReferenceKinds));
+
+inline constexpr int kWordsPerReference = 3;
+inline constexpr int kMaxWord = std::numeric_limits<WORD>::max();
+
+// One entry of a reference table, with room for positions that its 16-bit words cannot hold.
+struct Reference {
+    int position = 0;
+    int length = 0;
+    int kind = 0; // as the table has it, which may be no kind at all
+
+    int End() const { return position + length; }
+    // The table has no other kinds, so any other word stands for a variable.
+    int EffectiveKind() const { return kind > 0 && kind < kReferenceKindCount ? kind : 0; }
+    bool FitsWords() const { return position <= kMaxWord && length <= kMaxWord; }
+};
+
+inline int CountReferences(const CWordArray& words)
+{
+    return words.GetSize() / kWordsPerReference;
+}
+
+// Requires: an index below the count.
+inline Reference ReferenceAt(const CWordArray& words, int index)
+{
+    const int first = index * kWordsPerReference;
+    return {words[first], words[first + 1], words[first + 2]};
+}
+
+inline std::vector<Reference> ReferencesOf(const CWordArray& words)
+{
+    std::vector<Reference> references;
+    references.reserve(static_cast<std::size_t>(CountReferences(words)));
+    for (int index = 0; index < CountReferences(words); ++index)
+        references.push_back(ReferenceAt(words, index));
+    return references;
+}
+
+// Requires: a reference that fits the words.
+inline void AppendReference(CWordArray& words, const Reference& reference)
+{
+    for (const int word : {reference.position, reference.length, reference.kind})
+        words.Add(static_cast<WORD>(word));
+}
+
+// The first reference at or behind a place that stands for something: a host may hand in a table
+// that is out of order, overlaps, is empty in places or reaches behind the text.
+inline std::size_t NextEffective(std::span<const Reference> references, std::size_t index,
+                                 int fromPosition, int textLength)
+{
+    while (index < references.size() &&
+           (references[index].position < fromPosition || references[index].length == 0 ||
+            references[index].position >= textLength))
+        ++index;
+    return index;
+}
+
+} // namespace tovo::detail
+
+#endif

@@ -1,0 +1,32 @@
+#ifndef TOVOFORMULA_SRC_SPELLING_H
+#define TOVOFORMULA_SRC_SPELLING_H
+
+#include <TovoPlatform/Collections.h>
+
+#include "../expression_core/TokenCatalogue.h"
+
+namespace tovo::detail {
+
+// The names of the tokens in one language. Refers to the user's names, if it is theirs.
+class Spelling {
+public:
+    // English.
+    Spelling() = default;
+    explicit Spelling(const CStringArray& names) : m_Names(&names) {}
+
+    // Requires: a code of the catalogue.
+    WideView NameOf(int code) const
+    {
+        return m_Names ? m_Names->GetAt(code).View() : CatalogueOf(code).englishName;
+    }
+    // The characters of a number, the decimal separator first.
+    WideView NumberCharacters() const { return NameOf(TOK_NUMBER); }
+    WCHAR DecimalSeparator() const { return NumberCharacters().front(); }
+
+private:
+    const CStringArray* m_Names = nullptr;
+};
+
+} // namespace tovo::detail
+
+#endif

@@ -1,0 +1,218 @@
+#include <TovoFormula/FormulaTableImpl.h>
+
+#include <limits>
+
+#include <TovoFormula/CalcErrorTracker.h>
+#include <TovoFormula/ExprTree.h>
+#include <TovoFormula/MessageIds.h>
+#include <TovoPlatform/ArgumentValidator.h>
+#include <TovoPlatform/Maths.h>
+
+#include "../calculation/StaticScan.h"
+#include "../calculation/UnderWay.h"
+#include "../expression_core/Names.h"
+
+using namespace tovo::detail;
+
+namespace {
+
+constexpr const char* kFile = "FormulaTableImpl";
+
+// The selectors are built on the set, so the arguments are checked before it is followed.
+ICalculationSet* Checked(ICalculationSet* calcSet, int numRows, int numColumns)
+{
+    constexpr const char* function = "FormulaImpl::FormulaImpl";
+    CArgumentValidator::ValidateNonNullPointer(kFile, __LINE__, calcSet, "pBadPtr", function);
+    CArgumentValidator::ValidateIsTrue(kFile, __LINE__, numRows >= 2, "numRows", function);
+    CArgumentValidator::ValidateIsTrue(kFile, __LINE__, numColumns >= 1, "numColumns", function);
+    const bool isCountable = numColumns <= std::numeric_limits<int>::max() / numRows;
+    CArgumentValidator::ValidateIsTrue(kFile, __LINE__, isCountable, "numColumns", function);
+    return calcSet;
+}
+
+void CheckIndex(int index, int count, int line, const char* argument, const char* function)
+{
+    CArgumentValidator::ValidateIsTrue(kFile, line, index >= 0, argument, function);
+    CArgumentValidator::ValidateIsTrue(kFile, line, index < count, argument, function);
+}
+
+// The first place whose limit is at or above the value; the last one has no limit. Rows and columns
+// that a short cannot name cannot be looked up.
+short LookUp(double value, const CArray<double, double>& limits)
+{
+    constexpr int lastIndex = std::numeric_limits<short>::max();
+    int index = 0;
+    while (index < limits.GetSize() - 1 && TvCompareDoubles(value, limits[index]) > 0) {
+        if (index == lastIndex)
+            AfxThrowInvalidArgException();
+        ++index;
+    }
+    return static_cast<short>(index);
+}
+
+// The selectors of a table count as conditions while they are calculated.
+class SelectorsAsCondition {
+public:
+    SelectorsAsCondition() { CExprTree::StartIfCondition(); }
+    ~SelectorsAsCondition() { CExprTree::EndIfCondition(); }
+
+    SelectorsAsCondition(const SelectorsAsCondition&) = delete;
+    SelectorsAsCondition& operator=(const SelectorsAsCondition&) = delete;
+};
+
+} // namespace
+
+FormulaTableImpl::FormulaTableImpl(ICalculationSet* calcSet, int numRows, int numColumns)
+    : m_CalcSet(Checked(calcSet, numRows, numColumns)),
+      m_NumRows(numRows),
+      m_NumColumns(numColumns),
+      m_RowSelector(*calcSet),
+      m_ColumnSelector(*calcSet)
+{
+    m_RowLimits.SetSize(numRows);
+    m_ColumnLimits.SetSize(numColumns);
+    m_Cells.SetSize(numRows * numColumns);
+}
+
+FormulaTableImpl::~FormulaTableImpl()
+{
+    for (int cell = 0; cell < m_Cells.GetSize(); ++cell)
+        delete m_Cells[cell];
+}
+
+int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
+{
+    if (!m_Validated) {
+        IsValid(message, 0);
+        if (!m_Validated)
+            return 0;
+    }
+    if (AnswersFromValue(list))
+        return 1;
+    const UnderWay underWay(static_cast<CObject*>(this));
+    if (!underWay.IsFirst())
+        return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
+    if (!CalculateSelectors(message, list))
+        return 0;
+
+    const int index = GetRowIndex() * m_NumColumns + GetColIndex();
+    CFormtblElem* const cell = m_Cells[index];
+    if (!cell)
+        return FailOnMissingCell(index, message);
+    if (!cell->Calculate(message, list))
+        return 0;
+    m_Value = cell->value();
+    m_Calculated = 1;
+    if (list) {
+        m_Scanned = 1;
+        if (CExprTree::InIfCondition())
+            m_ScannedInCondition = 1;
+    }
+    return 1;
+}
+
+void FormulaTableImpl::GetVariables(CScannedVariables& list, int all, int clear)
+{
+    if (clear)
+        m_CalcSet->ClearScannedFlags(1);
+    if (!all) {
+        unsigned int message = MSG_NONE;
+        Calculate(message, &list);
+        return;
+    }
+    StaticScan scan(list);
+    if (!scan.Enters(static_cast<CObject*>(this)))
+        return;
+    m_RowSelector.GetVariables(list, all, 0);
+    if (m_NumColumns > 1)
+        m_ColumnSelector.GetVariables(list, all, 0);
+    for (int index = 0; index < m_Cells.GetSize(); ++index)
+        if (CFormtblElem* const cell = m_Cells[index])
+            cell->GetVariables(list, all, 0);
+}
+
+void FormulaTableImpl::SetName(CString& name)
+{
+    m_Name = name;
+    m_ValueType = ValueTypeOfName(m_Name.View());
+}
+
+double FormulaTableImpl::GetRowLimit(int row) const
+{
+    CheckIndex(row, m_NumRows, __LINE__, "row", "FormulaImpl::GetRowLimit");
+    return m_RowLimits[row];
+}
+
+void FormulaTableImpl::SetRowLimit(int row, double limit)
+{
+    CheckIndex(row, m_NumRows, __LINE__, "row", "FormulaImpl::SetRowLimit");
+    m_RowLimits[row] = limit;
+}
+
+double FormulaTableImpl::GetColumnLimit(int column) const
+{
+    CheckIndex(column, m_NumColumns, __LINE__, "column", "FormulaImpl::GetColumnLimit");
+    return m_ColumnLimits[column];
+}
+
+void FormulaTableImpl::SetColumnLimit(int column, double limit)
+{
+    CheckIndex(column, m_NumColumns, __LINE__, "column", "FormulaImpl::SetColumnLimit");
+    m_ColumnLimits[column] = limit;
+}
+
+CFormtblElem* FormulaTableImpl::GetCell(int row, int column) const
+{
+    return m_Cells[CellIndex(row, column, __LINE__, "FormulaImpl::GetCell")];
+}
+
+void FormulaTableImpl::SetCell(int row, int column, CFormtblElem* cell)
+{
+    m_Cells[CellIndex(row, column, __LINE__, "FormulaImpl::SetCell")] = cell;
+}
+
+void FormulaTableImpl::SetRowSelector(const CFormtblElem& selector)
+{
+    m_RowSelector = selector;
+}
+
+void FormulaTableImpl::SetColumnSelector(const CFormtblElem& selector)
+{
+    m_ColumnSelector = selector;
+}
+
+short FormulaTableImpl::GetRowIndex() const
+{
+    return LookUp(m_RowSelector.value(), m_RowLimits);
+}
+
+short FormulaTableImpl::GetColIndex() const
+{
+    if (m_NumColumns == 1)
+        return 0;
+    return LookUp(m_ColumnSelector.value(), m_ColumnLimits);
+}
+
+// A scan passes again through a table that was only calculated, and a scan inside a condition
+// through one that was scanned only outside.
+bool FormulaTableImpl::AnswersFromValue(const CScannedVariables* list) const
+{
+    if (!m_Calculated)
+        return false;
+    return !list || (m_Scanned && (!CExprTree::InIfCondition() || m_ScannedInCondition));
+}
+
+int FormulaTableImpl::CalculateSelectors(unsigned int& message, CScannedVariables* list)
+{
+    const SelectorsAsCondition condition;
+    if (!m_RowSelector.Calculate(message, list))
+        return 0;
+    return m_NumColumns == 1 || m_ColumnSelector.Calculate(message, list) ? 1 : 0;
+}
+
+int FormulaTableImpl::CellIndex(int row, int column, int line, const char* function) const
+{
+    CheckIndex(row, m_NumRows, line, "row", function);
+    CheckIndex(column, m_NumColumns, line, "column", function);
+    return row * m_NumColumns + column;
+}

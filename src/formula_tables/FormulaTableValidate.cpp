@@ -1,0 +1,122 @@
+#include <TovoFormula/FormulaTableImpl.h>
+
+#include <TovoFormula/CalcErrorTracker.h>
+#include <TovoFormula/MessageIds.h>
+
+#include "../calculation/UnderWay.h"
+
+namespace {
+
+// Plain comparisons: two limits that a lookup takes for equal still rise.
+bool Rise(const CArray<double, double>& limits, int count)
+{
+    for (int index = 1; index < count; ++index)
+        if (limits[index - 1] >= limits[index])
+            return false;
+    return true;
+}
+
+} // namespace
+
+int FormulaTableImpl::IsValid(unsigned int& message, int nested)
+{
+    if (m_Validated)
+        return 1;
+    const tovo::detail::UnderWay underWay(static_cast<CObject*>(this));
+    if (!underWay.IsFirst())
+        return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
+    if (!ValidateLimits(message) ||
+        !ValidateSelector(m_RowSelector, u"Row selector", message, nested))
+        return 0;
+    if (m_NumColumns > 1 &&
+        !ValidateSelector(m_ColumnSelector, u"Column selector", message, nested))
+        return 0;
+    if (!ValidateCells(message, nested))
+        return 0;
+    m_Validated = 1;
+    return 1;
+}
+
+int FormulaTableImpl::ValidateElement(CFormtblElem& element, unsigned int& message, int nested)
+{
+    const CString name = element.GetName();
+    if (element.isVariable())
+        return m_CalcSet->GetVarObj(name, 1, 0) ? 1 : 0;
+    if (element.isFormula())
+        return ValidateReference(m_CalcSet->GetFormulaObj(name), MSG_FORMULA_NOT_FOUND,
+                                 u"Formula: " + name, message, nested);
+    if (element.isFormtbl())
+        return ValidateReference(m_CalcSet->GetFormulaTableObj(name), MSG_FORMTBL_NOT_FOUND,
+                                 u"Formula table: " + name, message, nested);
+    return 1;
+}
+
+template <typename Object>
+int FormulaTableImpl::ValidateReference(Object* object, unsigned int notFound,
+                                        const CString& missing, unsigned int& message, int nested)
+{
+    if (object)
+        return object->IsValid(message, nested) ? 1 : 0;
+    message = notFound;
+    m_CalcSet->ErrorTracker().SetError(notFound, this, missing);
+    return 0;
+}
+
+// A lookup never reads the last limits. That of the rows must rise all the same, that of the
+// columns may be anything.
+int FormulaTableImpl::ValidateLimits(unsigned int& message)
+{
+    if (!Rise(m_RowLimits, m_NumRows))
+        return FailOnTable(MSG_ROW_LIMITS_ORDER, message);
+    if (!Rise(m_ColumnLimits, m_NumColumns - 1))
+        return FailOnTable(MSG_COLUMN_LIMITS_ORDER, message);
+    return 1;
+}
+
+int FormulaTableImpl::ValidateSelector(CFormtblElem& selector, const WCHAR* text,
+                                       unsigned int& message, int nested)
+{
+    if (ValidateElement(selector, message, nested))
+        return 1;
+    m_CalcSet->ErrorTracker().AddObj(&selector, text);
+    m_CalcSet->ErrorTracker().AddObj(this);
+    return 0;
+}
+
+int FormulaTableImpl::ValidateCells(unsigned int& message, int nested)
+{
+    for (int index = 0; index < m_Cells.GetSize(); ++index) {
+        CFormtblElem* const cell = m_Cells[index];
+        if (!cell)
+            return FailOnMissingCell(index, message);
+        if (ValidateElement(*cell, message, nested))
+            continue;
+        m_CalcSet->ErrorTracker().AddObj(cell, PlaceOfCell(index));
+        m_CalcSet->ErrorTracker().AddObj(this);
+        return 0;
+    }
+    return 1;
+}
+
+int FormulaTableImpl::FailOnTable(unsigned int error, unsigned int& message)
+{
+    message = error;
+    m_CalcSet->ErrorTracker().SetError(error, this);
+    return 0;
+}
+
+int FormulaTableImpl::FailOnMissingCell(int cell, unsigned int& message)
+{
+    message = MSG_GENERAL_FAILURE;
+    m_CalcSet->ErrorTracker().SetError(message, nullptr, PlaceOfCell(cell));
+    m_CalcSet->ErrorTracker().AddObj(this);
+    return 0;
+}
+
+// People count rows and columns from 1.
+CString FormulaTableImpl::PlaceOfCell(int cell) const
+{
+    CString text;
+    text.Format(u"Cell at row %d, column %d.", cell / m_NumColumns + 1, cell % m_NumColumns + 1);
+    return text;
+}

@@ -1,0 +1,26 @@
+#include <TovoFormula/Module.h>
+
+#include <TovoPlatform/StringResources.h>
+
+#include "StringTable.h"
+
+namespace {
+
+// Filled when the library is loaded.
+AFX_EXTENSION_MODULE FilledRecord()
+{
+    AFX_EXTENSION_MODULE module;
+    const auto strings = tovo::detail::StringTable();
+    AfxInitExtensionModule(module, strings.data(), strings.size());
+    return module;
+}
+
+AFX_EXTENSION_MODULE moduleRecord = FilledRecord();
+
+} // namespace
+
+void InitTovoFormulaDLL(std::uintptr_t)
+{
+    // The chain keeps it for as long as the process runs: the library has no shutdown.
+    static_cast<void>(new CDynLinkLibrary(moduleRecord, 0));
+}
