@@ -13,13 +13,23 @@ enum TEXT_LANGUAGE {
     TL_LOCAL = 1,   // the user's names and separators
 };
 
-// The text limit of a new expression, in characters; it governs editing only.
+// Where a position inside a reference goes. Any value beyond these acts as FD_RIGHT.
+enum FMLA_DIRECTION {
+    FD_NEAREST = 0,
+    FD_LEFT = 1,
+    FD_RIGHT = 2,
+};
+
+// Both govern editing only: a text or a table that is loaded may be longer. In characters, and in
+// references.
 inline constexpr int kDefaultTextLimit = 1470;
+inline constexpr int kMaxReferences = 15;
 
 namespace tovo::detail {
 class Spelling;
 class TokenScanner;
 struct Reference;
+struct Renaming;
 struct Translation;
 } // namespace tovo::detail
 
@@ -115,7 +125,50 @@ public:
     // The table as numbers, each followed by a comma. Good only for exactly this text.
     CString GetPtrStr() const;
 
+    // Editing keeps text and table in step; a stretch goes in and out as a whole. A refusal is
+    // answered with 0 and changes nothing; a change takes the invalid position back.
+    //
+    // Puts the text in unchanged, before the character at pos; behind the end, at the end. Refused
+    // are a pos that is negative, inside a reference, or at or behind the text limit; a text for
+    // which the limit leaves no room, where trailing blanks take none; and one that would push a
+    // reference beyond what its 16-bit word holds.
+    int InsertString(const CString& text, int pos);
+    // Deletes the characters between the gaps start and end; start == end, or start behind end,
+    // acts as the Delete key at end. Refused if a gap is negative or inside a reference, or start
+    // is at the text limit. *pWholeVar tells whether the key took a whole reference; null throws
+    // CInvalidArgException.
+    int DeleteChars(int start, int end, int* pWholeVar);
+    // Insert a reference to the name, within the text or at its end. Refused like its text, and
+    // beyond 15 references.
+    int InsertVariable(const CString& name, int pos, int kind);
+    int InsertFormula(const CString& name, int pos);
+    int InsertFormulaTable(const CString& name, int pos);
+    // The entry alone, without the text. Refused beyond 15 references, for a pos that a reference
+    // starts at or holds, and for what 16-bit words cannot hold.
+    int InsVarPtrs(int pos, int length, int kind);
+    // Takes the entry out, without the text. A bad index throws CInvalidArgException.
+    void DelVarPtrs(int index);
+
+    // Whether pos lies strictly inside a reference, at its first gap, or at its last. The index is
+    // stored if the answer is 1 and the pointer is not null. A pos that is negative or above the
+    // text limit gives 0.
+    int InVar(int pos, int* pIndex) const;
+    int OnVarLeftEdge(int pos, int* pIndex) const;
+    int OnVarRightEdge(int pos, int* pIndex) const;
+    // A place for the cursor: pos itself, cut to 0 and the text limit, or where it lies inside a
+    // reference one of its edges: in the direction of travel from prevPos, or in the one given.
+    int FixPos(int pos, int prevPos) const;
+    int FixPos(int pos, FMLA_DIRECTION direction) const;
+
+    // The expression as one RTF document: literal text bold and black, references underlined and
+    // blue (variables), green (formulas) or purple (tables). The font size is in half-points; an
+    // empty font name leaves the font to the reader.
+    CString GetRTFString(const CString& fontName, int fontSize) const;
+
 protected:
+    // Ignored for an index outside the table and a pos that a 16-bit word cannot hold.
+    void SetVarPos(int index, int pos);
+
     // 1 for A to Z, the letters of a word of the language.
     int IsValidFunctionCharacter(WCHAR character) const;
     // 1 for the user's list separator, if that is one character, and for the four signs of
@@ -133,11 +186,17 @@ protected:
     int DeliverToken(tovo::detail::TokenScanner& scanner, CString& token, int& tokenCode,
                      int& tokenPos);
     static tovo::detail::Spelling SpellingOf(TEXT_LANGUAGE language);
+    // The encoded string with references renamed; null renames none.
+    CString EncodeRenamed(const tovo::detail::Renaming* renaming);
 
 private:
     int IsSingleOfKind(int kind) const;
     tovo::detail::Reference EntryAt(int index) const;
     void ReportFault(unsigned int message);
+    void MoveReferences(int fromPos, int distance);
+    template <typename Judge>
+    int FindReference(int pos, int* pIndex, Judge judge) const;
+    int EdgeOf(int index, int pos, FMLA_DIRECTION direction) const;
     tovo::detail::Translation TranslationOf(std::vector<tovo::detail::Reference> references,
                                             TEXT_LANGUAGE target) const;
     void TakeTranslation(const tovo::detail::Translation& translation);

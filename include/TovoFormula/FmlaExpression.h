@@ -66,6 +66,14 @@ public:
     // The two checks for each reference of the built tree, from the left to the first that fails.
     int NestedFormulasOK();
 
+    // For a formula that is renamed or removed: rewrite text and table, and leave the tree as it
+    // was. They answer 1 if there was a reference to the formula of exactly that name; else 0, with
+    // nothing changed. Renaming passes through the encoded string, so the table is new. Removing
+    // takes each reference with the text up to its neighbour, but for one character, so that of
+    // operands joined by signs one goes with one sign; what is left may not be sound.
+    int ChangeFormulaInExpression(const CString& oldName, const CString& newName);
+    int RemoveFormulaFromExpression(const CString& name);
+
 protected:
     CExprTree m_Tree;
     ICalculationSet* m_CalcSet; // never null, not owned
@@ -83,6 +91,9 @@ private:
     template <typename Object>
     int CheckNested(Object* object, unsigned int notFound, const CString& missing);
     void ScanStatically(CScannedVariables& list);
+    bool IsFormulaAt(int index, const CString& name) const;
+    bool HasFormula(const CString& name) const;
+    void DeleteUpToNeighbour(int index);
 };
 
 #endif

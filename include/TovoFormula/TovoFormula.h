@@ -4,8 +4,10 @@
 // All exported declarations. The interfaces in CalculationInterfaces.h are the place to start.
 
 #include <TovoFormula/CalcErrorTracker.h>
+#include <TovoFormula/CalcOpBase.h>
 #include <TovoFormula/CalcSetImpl.h>
 #include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/CalculationOperand.h>
 #include <TovoFormula/ExprToken.h>
 #include <TovoFormula/ExprTree.h>
 #include <TovoFormula/ExpressionNames.h>

@@ -57,8 +57,6 @@ CFmlaExpression& CFmlaExpression::operator=(CFmlaExpression& other)
 
 void CFmlaExpression::SetExpr(const CFmlaExpression& source)
 {
-    if (this == &source)
-        return;
     SetExpr(source.m_ExprText, source.m_VarPtrs);
     const int length = m_ExprText.GetLength();
     const bool lacksBlank = NumVars() > 0 && length == VarEndPos(NumVars() - 1) - 1;

@@ -42,7 +42,14 @@ void AppendForm(WideText& encoded, WideView name, int kind)
     encoded += kClose;
 }
 
-CString Encode(WideView text, std::span<const Reference> references)
+// The name that a reference is written with. Only references of one kind and name are renamed.
+WideView WrittenName(WideView name, int kind, const Renaming* renaming)
+{
+    const bool isRenamed = renaming && kind == renaming->kind && name == renaming->oldName;
+    return isRenamed ? renaming->newName : name;
+}
+
+CString Encode(WideView text, std::span<const Reference> references, const Renaming* renaming)
 {
     WideText encoded;
     std::size_t copied = 0;
@@ -55,19 +62,12 @@ CString Encode(WideView text, std::span<const Reference> references)
         encoded.append(text.substr(copied, start - copied));
         if (!encoded.empty() && tovo::IsAlphabetic(encoded.back()))
             encoded += u' ';
-        AppendForm(encoded, BareName(stretch), references[next].EffectiveKind());
+        const int kind = references[next].EffectiveKind();
+        AppendForm(encoded, WrittenName(BareName(stretch), kind, renaming), kind);
         copied = start + stretch.size();
     }
     encoded.append(text.substr(copied));
     return CString(std::move(encoded));
-}
-
-int KindOfLetter(WCHAR letter)
-{
-    for (int kind = 0; kind < kReferenceKindCount; ++kind)
-        if (kReferenceKinds[kind].letter == letter)
-            return kind;
-    return -1;
 }
 
 // Reads an encoded string from the left into a text and its references, in one pass.
@@ -79,7 +79,7 @@ public:
     {
         while (m_Next < m_Rest.size()) {
             const WCHAR character = m_Rest[m_Next];
-            if (character == kOpen && KindBefore() >= 0 && TakeForm(KindBefore()))
+            if (character == kOpen && KindBefore() != kNoKind && TakeForm(KindBefore()))
                 continue;
             m_Text += m_Rest[m_Next++];
         }
@@ -89,13 +89,13 @@ public:
     std::vector<Reference> TakeReferences() { return std::move(m_References); }
 
 private:
-    // The kind that the letter before a bracket stands for; -1 where it is none or ends a word, as
+    // The kind that the letter before a bracket stands for; none where it ends a word, as
     // in SQRT(4).
     int KindBefore() const
     {
         const std::size_t size = m_Text.size();
         if (size == 0 || (size > 1 && IsWordLetter(m_Text[size - 2])))
-            return -1;
+            return kNoKind;
         return KindOfLetter(m_Text[size - 1]);
     }
 
@@ -164,12 +164,17 @@ std::vector<CString> PiecesOf(WideView pointers)
 
 CString CFmlaExprBase::GetEncodedString()
 {
+    return EncodeRenamed(nullptr);
+}
+
+CString CFmlaExprBase::EncodeRenamed(const Renaming* renaming)
+{
     const std::unique_ptr<CFmlaExprBase> copy(Clone());
     const Translation english = copy->TranslationOf(ReferencesOf(copy->m_VarPtrs), TL_ENGLISH);
     // A fault in a number is reported by the copy, as if its text had been translated in place.
     if (english.fault)
         copy->TakeTranslation(english);
-    return Encode(english.text, english.references);
+    return Encode(english.text, english.references, renaming);
 }
 
 void CFmlaExprBase::SetFromEncodedString(CString encoded)

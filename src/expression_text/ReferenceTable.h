@@ -25,6 +25,17 @@ inline constexpr ReferenceKind kReferenceKinds[] = {
 };
 inline constexpr int kReferenceKindCount = static_cast<int>(std::size(kReferenceKinds));
 
+inline constexpr int kNoKind = -1;
+
+// The kind word that a letter of a stored text stands for.
+constexpr int KindOfLetter(WCHAR letter)
+{
+    for (int kind = 0; kind < kReferenceKindCount; ++kind)
+        if (kReferenceKinds[kind].letter == letter)
+            return kind;
+    return kNoKind;
+}
+
 inline constexpr int kWordsPerReference = 3;
 inline constexpr int kMaxWord = std::numeric_limits<WORD>::max();
 
@@ -67,6 +78,13 @@ inline void AppendReference(CWordArray& words, const Reference& reference)
     for (const int word : {reference.position, reference.length, reference.kind})
         words.Add(static_cast<WORD>(word));
 }
+
+// A new name for the references of one kind that bear the old one. Refers to both names.
+struct Renaming {
+    int kind;
+    WideView oldName;
+    WideView newName;
+};
 
 // The first reference at or behind a place that stands for something: a host may hand in a table
 // that is out of order, overlaps, is empty in places or reaches behind the text.

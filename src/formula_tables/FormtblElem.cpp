@@ -7,26 +7,22 @@
 
 #include "../expression_core/Names.h"
 #include "../expression_core/ScanRecord.h"
+#include "../expression_text/ReferenceTable.h"
 
 using namespace tovo::detail;
 
 namespace {
 
-// The kinds of a combined string: hosts store these letters, never change them.
+// The kinds of a combined string: the letters of the references, and none.
 constexpr WCHAR kConstant = 0;
-constexpr WCHAR kVariable = u'V';
-constexpr WCHAR kFormula = u'F';
-constexpr WCHAR kFormtbl = u'T';
+constexpr WCHAR kVariable = kReferenceKinds[TOK_VARIABLE].letter;
+constexpr WCHAR kFormula = kReferenceKinds[TOK_FORMULA].letter;
+constexpr WCHAR kFormtbl = kReferenceKinds[TOK_FORMTBL].letter;
 
 // Constants are kept multiplied by this.
 constexpr double kThousandths = 1000.0;
 constexpr int kStoredDecimals = 6;
 constexpr int kShownDecimals = 3;
-
-bool IsKind(WCHAR letter)
-{
-    return letter == kVariable || letter == kFormula || letter == kFormtbl;
-}
 
 // A reference that the set does not know has no value.
 template <typename Object>
@@ -74,7 +70,7 @@ void CFormtblElem::init(const CString& combined)
 {
     if (combined.IsEmpty())
         return ClearAll();
-    const bool hasKind = IsKind(combined[0]);
+    const bool hasKind = KindOfLetter(combined[0]) != kNoKind;
     m_Type = hasKind ? combined[0] : kConstant;
     SetName(hasKind ? combined.Mid(1) : combined);
 }

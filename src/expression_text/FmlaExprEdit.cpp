@@ -1,0 +1,217 @@
+#include <TovoFormula/FmlaExprBase.h>
+
+#include <algorithm>
+
+#include <TovoPlatform/ArgumentValidator.h>
+
+#include "ReferenceTable.h"
+
+using namespace tovo::detail;
+
+namespace {
+
+constexpr WCHAR kBlank = u' ';
+
+// What a reference says of a position: it is the one looked for, or it ends the search, or the next
+// one may be it.
+enum class Verdict { Found, Stop, GoOn };
+
+Verdict JudgeInside(const Reference& reference, int pos)
+{
+    if (pos <= reference.position)
+        return Verdict::Stop;
+    return pos < reference.End() ? Verdict::Found : Verdict::GoOn;
+}
+
+Verdict JudgeEdge(int edge, int pos)
+{
+    if (pos == edge)
+        return Verdict::Found;
+    return pos < edge ? Verdict::Stop : Verdict::GoOn;
+}
+
+Verdict JudgeLeftEdge(const Reference& reference, int pos)
+{
+    return JudgeEdge(reference.position, pos);
+}
+
+Verdict JudgeRightEdge(const Reference& reference, int pos)
+{
+    return JudgeEdge(reference.End(), pos);
+}
+
+int LengthWithoutTrailingBlanks(const CString& text)
+{
+    const std::size_t last = text.View().find_last_not_of(kBlank);
+    return last == WideView::npos ? 0 : static_cast<int>(last) + 1;
+}
+
+bool FitsWord(int value)
+{
+    return value >= 0 && value <= kMaxWord;
+}
+
+} // namespace
+
+int CFmlaExprBase::InsertString(const CString& text, int pos)
+{
+    if (pos < 0 || pos >= m_ExprTextLimit || InVar(pos, nullptr))
+        return 0;
+    const int inserted = text.GetLength();
+    const int room = m_ExprTextLimit - std::max(pos, LengthWithoutTrailingBlanks(m_ExprText));
+    if (inserted > room)
+        return 0;
+    const int last = NumVars() - 1;
+    if (last >= 0 && VarPos(last) >= pos && !FitsWord(VarPos(last) + inserted))
+        return 0;
+
+    m_ExprText.Insert(pos, text);
+    m_ExprText = m_ExprText.Left(m_ExprTextLimit);
+    m_InvalidPos = -1;
+    MoveReferences(pos, inserted);
+    return 1;
+}
+
+int CFmlaExprBase::DeleteChars(int start, int end, int* pWholeVar)
+{
+    CArgumentValidator::ValidateNonNullPointer("FmlaExprEdit", __LINE__, pWholeVar, "pWholeVar",
+                                               "CFmlaExprBase::DeleteChars");
+    *pWholeVar = 0;
+    end = std::min(end, m_ExprTextLimit);
+    start = std::min({start, m_ExprTextLimit, end});
+    if (start < 0 || end < 0 || start >= m_ExprTextLimit || InVar(start, nullptr) ||
+        InVar(end, nullptr))
+        return 0;
+
+    m_InvalidPos = -1;
+    if (start == end) {
+        int index = 0;
+        *pWholeVar = OnVarLeftEdge(start, &index);
+        end = *pWholeVar ? VarEndPos(index) : start + 1;
+    }
+    m_ExprText.Delete(start, end - start);
+    for (int index = NumVars() - 1; index >= 0 && VarEndPos(index) > start; --index) {
+        if (VarPos(index) >= end)
+            SetVarPos(index, VarPos(index) - end + start);
+        else
+            DelVarPtrs(index);
+    }
+    return 1;
+}
+
+int CFmlaExprBase::InsertVariable(const CString& name, int pos, int kind)
+{
+    if (NumVars() >= kMaxReferences)
+        return 0;
+    const CString stretch = kBlank + name + kBlank;
+    if (!InsertString(stretch, pos))
+        return 0;
+    if (InsVarPtrs(pos, stretch.GetLength(), kind))
+        return 1;
+    int wholeVar = 0;
+    DeleteChars(pos, pos + stretch.GetLength(), &wholeVar);
+    return 0;
+}
+
+int CFmlaExprBase::InsertFormula(const CString& name, int pos)
+{
+    return InsertVariable(name, pos, TOK_FORMULA);
+}
+
+int CFmlaExprBase::InsertFormulaTable(const CString& name, int pos)
+{
+    return InsertVariable(name, pos, TOK_FORMTBL);
+}
+
+int CFmlaExprBase::InsVarPtrs(int pos, int length, int kind)
+{
+    if (NumVars() >= kMaxReferences || !FitsWord(pos) || !FitsWord(length))
+        return 0;
+    int index = 0;
+    for (; index < NumVars() && pos >= VarPos(index); ++index)
+        if (pos < VarEndPos(index))
+            return 0;
+    CWordArray entry;
+    AppendReference(entry, {pos, length, kind});
+    m_VarPtrs.InsertAt(index * kWordsPerReference, entry);
+    return 1;
+}
+
+void CFmlaExprBase::DelVarPtrs(int index)
+{
+    if (index < 0 || index >= NumVars())
+        AfxThrowInvalidArgException();
+    m_VarPtrs.RemoveAt(index * kWordsPerReference, kWordsPerReference);
+}
+
+int CFmlaExprBase::InVar(int pos, int* pIndex) const
+{
+    return FindReference(pos, pIndex, JudgeInside);
+}
+
+int CFmlaExprBase::OnVarLeftEdge(int pos, int* pIndex) const
+{
+    return FindReference(pos, pIndex, JudgeLeftEdge);
+}
+
+int CFmlaExprBase::OnVarRightEdge(int pos, int* pIndex) const
+{
+    return FindReference(pos, pIndex, JudgeRightEdge);
+}
+
+int CFmlaExprBase::FixPos(int pos, int prevPos) const
+{
+    if (pos == prevPos)
+        return FixPos(pos, FD_NEAREST);
+    return FixPos(pos, pos < prevPos ? FD_LEFT : FD_RIGHT);
+}
+
+int CFmlaExprBase::FixPos(int pos, FMLA_DIRECTION direction) const
+{
+    if (pos < 0)
+        return 0;
+    if (pos > m_ExprTextLimit)
+        return m_ExprTextLimit;
+    int index = 0;
+    return InVar(pos, &index) ? EdgeOf(index, pos, direction) : pos;
+}
+
+void CFmlaExprBase::SetVarPos(int index, int pos)
+{
+    if (index >= 0 && index < NumVars() && FitsWord(pos))
+        m_VarPtrs.SetAt(index * kWordsPerReference, static_cast<WORD>(pos));
+}
+
+// Moves the references at or behind a position. They are the last ones, as the table is ordered.
+void CFmlaExprBase::MoveReferences(int fromPos, int distance)
+{
+    for (int index = NumVars() - 1; index >= 0 && VarPos(index) >= fromPos; --index)
+        SetVarPos(index, VarPos(index) + distance);
+}
+
+template <typename Judge>
+int CFmlaExprBase::FindReference(int pos, int* pIndex, Judge judge) const
+{
+    if (pos < 0 || pos > m_ExprTextLimit)
+        return 0;
+    for (int index = 0; index < NumVars(); ++index) {
+        const Verdict verdict = judge(EntryAt(index), pos);
+        if (verdict == Verdict::Stop)
+            return 0;
+        if (verdict == Verdict::GoOn)
+            continue;
+        if (pIndex)
+            *pIndex = index;
+        return 1;
+    }
+    return 0;
+}
+
+// Exactly halfway the nearest edge is the left one.
+int CFmlaExprBase::EdgeOf(int index, int pos, FMLA_DIRECTION direction) const
+{
+    const bool isNearerLeft = pos - VarPos(index) <= VarLength(index) / 2;
+    if (direction == FD_LEFT || (direction == FD_NEAREST && isNearerLeft))
+        return VarPos(index);
+    return VarEndPos(index);
+}

@@ -1,0 +1,279 @@
+#include <TovoFormula/CalculationOperand.h>
+
+#include <TovoFormula/FmlaExpression.h>
+#include <TovoFormula/MessageIds.h>
+#include <TovoPlatform/InvalidArgument.h>
+
+#include "../expression_core/ScanRecord.h"
+
+namespace {
+
+template <typename Object>
+Object& Required(bool isOfKind, Object* object)
+{
+    if (!isOfKind || !object)
+        AfxThrowInvalidArgException();
+    return *object;
+}
+
+bool IsNumericObject(IFormulaTableObj& table)
+{
+    return !table.IsBoolean();
+}
+
+template <typename Object>
+bool IsNumericObject(Object& object)
+{
+    return object.IsNumeric();
+}
+
+} // namespace
+
+CalculationOperand::CalculationOperand(ICalculationSet& calcSet) : m_CalcSet(&calcSet)
+{}
+
+CalculationOperand::~CalculationOperand() = default;
+
+void CalculationOperand::InitData()
+{
+    CalcOpBase::InitData();
+    m_MsgId = MSG_NONE;
+    m_VarObj = nullptr;
+    m_FmlaObj = nullptr;
+    m_FormtblObj = nullptr;
+}
+
+bool CalculationOperand::LoadVariable(CString& name)
+{
+    SetReference(OP_VARIABLE, name);
+    m_VarObj = CalcSet().GetVarObj(m_RefName, 1, 0);
+    if (!m_VarObj)
+        m_OperandKind = OP_NOT_LOADED;
+    return m_VarObj != nullptr;
+}
+
+bool CalculationOperand::LoadFormula(CString& name)
+{
+    SetReference(OP_FORMULA, name);
+    if (CalcSet().HasDatabase())
+        m_FmlaObj = CalcSet().GetFormulaObj(m_RefName);
+    return m_FmlaObj || RefuseLoad(MSG_OPERAND_FORMULA_NOT_FOUND);
+}
+
+bool CalculationOperand::LoadFormulaTable(CString& name)
+{
+    SetReference(OP_FORMTBL, name);
+    if (CalcSet().HasDatabase())
+        m_FormtblObj = CalcSet().GetFormulaTableObj(m_RefName);
+    return m_FormtblObj || RefuseLoad(MSG_OPERAND_FORMTBL_NOT_FOUND);
+}
+
+bool CalculationOperand::CreateNewExpression()
+{
+    return TakeExpression(std::make_unique<CFmlaExpression>(CalcSet()));
+}
+
+void CalculationOperand::Clear()
+{
+    CalcOpBase::Clear();
+    m_VarObj = nullptr;
+    m_FmlaObj = nullptr;
+    m_FormtblObj = nullptr;
+}
+
+bool CalculationOperand::IsTypeKnown()
+{
+    return IsExpression() ? GetFmlaExpression().IsLoaded() != 0 : CalcOpBase::IsTypeKnown();
+}
+
+bool CalculationOperand::IsBoolean()
+{
+    if (!IsTypeKnown())
+        return false;
+    if (IsExpression())
+        return GetFmlaExpression().IsBoolean() != 0;
+    if (!IsReference())
+        return CalcOpBase::IsBoolean();
+    return AskObject(false, [](auto& object) { return object.IsBoolean(); });
+}
+
+bool CalculationOperand::IsNumeric()
+{
+    if (!IsTypeKnown())
+        return false;
+    if (IsExpression())
+        return GetFmlaExpression().IsNumeric() != 0;
+    if (!IsReference())
+        return CalcOpBase::IsNumeric();
+    return AskObject(false, [](auto& object) { return IsNumericObject(object); });
+}
+
+CString CalculationOperand::GetTextDisplay()
+{
+    if (!IsReference())
+        return CalcOpBase::GetTextDisplay();
+    return AskObject(m_RefName, [](auto& object) { return CString(object.GetName()); });
+}
+
+CFmlaExprBase& CalculationOperand::GetFmlaExprBase()
+{
+    return GetFmlaExpression();
+}
+
+CalculationOperand& CalculationOperand::operator=(CalculationOperand& other)
+{
+    if (this == &other)
+        return *this;
+    CalcOpBase::operator=(other);
+    m_VarObj = other.m_VarObj;
+    m_FmlaObj = other.m_FmlaObj;
+    m_FormtblObj = other.m_FormtblObj;
+    return *this;
+}
+
+CalculationOperand& CalculationOperand::operator=(CalcOpBase& other)
+{
+    if (this == &other)
+        return *this;
+    CalcOpBase::operator=(other);
+    CString name = m_RefName;
+    if (name.IsEmpty())
+        return *this;
+    if (other.IsVariable())
+        LoadVariable(name);
+    else if (other.IsFormula())
+        LoadFormula(name);
+    else if (other.IsFormulaTable())
+        LoadFormulaTable(name);
+    return *this;
+}
+
+IVarObj& CalculationOperand::GetVarObj()
+{
+    return Required(IsVariable(), CalcSet().GetVarObj(m_RefName, 1, 0));
+}
+
+IFormulaObj& CalculationOperand::GetFmlaObj()
+{
+    return Required(IsFormula(), CalcSet().GetFormulaObj(m_RefName));
+}
+
+IFormulaTableObj& CalculationOperand::GetFormtblObj()
+{
+    return Required(IsFormulaTable(), CalcSet().GetFormulaTableObj(m_RefName));
+}
+
+CFmlaExpression& CalculationOperand::GetFmlaExpression()
+{
+    // CreateNewExpression makes no other kind.
+    return static_cast<CFmlaExpression&>(Required(IsExpression(), m_Expression));
+}
+
+int CalculationOperand::GetInvalidPos()
+{
+    return IsExpression() ? GetFmlaExpression().GetInvalidPos() : 0;
+}
+
+bool CalculationOperand::IsValid(bool nested)
+{
+    if (IsExpression())
+        return GetFmlaExpression().IsValid(m_MsgId, CString(), nested) != 0;
+    if (IsFormula() || IsFormulaTable())
+        return OnNested([&](auto& object) { return object.IsValid(m_MsgId, nested) != 0; });
+    return IsLoaded();
+}
+
+bool CalculationOperand::Calculate()
+{
+    if (IsConstant() || IsVariable())
+        return true;
+    if (!IsValid(true))
+        return false;
+    if (!IsExpression())
+        return OnNested([&](auto& object) { return object.Calculate(m_MsgId, nullptr) != 0; });
+    return GetFmlaExpression().Calculate(nullptr) || TakeMessageOfExpression();
+}
+
+bool CalculationOperand::GetVariables(CScannedVariables& list, bool all, bool clear)
+{
+    if (IsVariable()) {
+        IVarObj* const variable = CalcSet().GetVarObj(m_RefName, 1, 0);
+        if (variable)
+            tovo::detail::RecordVariable(list, variable->GetName(), *variable);
+        return variable != nullptr;
+    }
+    if (IsExpression()) {
+        CFmlaExpression& expression = GetFmlaExpression();
+        if (!expression.IsLoaded() && !IsValid(true))
+            return TakeMessageOfExpression();
+        expression.GetVariables(list, all, clear);
+        return true;
+    }
+    if (!IsReference())
+        return true;
+    return OnNested([&](auto& object) {
+        if (!object.IsValid(m_MsgId, 1))
+            return false;
+        object.GetVariables(list, all, clear);
+        return true;
+    });
+}
+
+bool CalculationOperand::GetCalculated()
+{
+    if (IsExpression())
+        return GetFmlaExpression().IsCalculated() != 0;
+    if (IsFormula() || IsFormulaTable())
+        return OnNested([](auto& object) { return object.GetCalculated() != 0; });
+    return IsLoaded();
+}
+
+double CalculationOperand::GetValue()
+{
+    if (IsConstant())
+        return m_ConstantValue;
+    if (!GetCalculated())
+        return 0.0;
+    if (IsExpression())
+        return GetFmlaExpression().GetValue();
+    return AskObject(0.0, [](auto& object) { return object.GetValue(); });
+}
+
+bool CalculationOperand::RefuseLoad(unsigned int message)
+{
+    m_OperandKind = OP_NOT_LOADED;
+    m_MsgId = message;
+    return false;
+}
+
+bool CalculationOperand::TakeMessageOfExpression()
+{
+    m_MsgId = static_cast<unsigned int>(GetFmlaExpression().GetMessageNum());
+    return false;
+}
+
+// What the object says that bears the name now, or the answer for one that has left the set.
+template <typename Answer, typename Visit>
+Answer CalculationOperand::AskObject(Answer missing, Visit visit)
+{
+    const auto ask = [&](auto* object) { return object ? visit(*object) : missing; };
+    if (IsVariable())
+        return ask(CalcSet().GetVarObj(m_RefName, 1, 0));
+    if (IsFormula())
+        return ask(CalcSet().GetFormulaObj(m_RefName));
+    return ask(CalcSet().GetFormulaTableObj(m_RefName));
+}
+
+// The same for a formula or a table, which is a failure if it has left the set.
+template <typename Visit>
+bool CalculationOperand::OnNested(Visit visit)
+{
+    const auto ask = [&](auto* object, unsigned int notFound) {
+        if (!object)
+            m_MsgId = notFound;
+        return object && visit(*object);
+    };
+    if (IsFormula())
+        return ask(CalcSet().GetFormulaObj(m_RefName), MSG_OPERAND_FORMULA_NOT_FOUND);
+    return ask(CalcSet().GetFormulaTableObj(m_RefName), MSG_OPERAND_FORMTBL_NOT_FOUND);
+}
