@@ -12,6 +12,7 @@ std::string OrUnknown(const char* name)
     return name ? name : "?";
 }
 
+// The place comes first, in the form in which compilers give theirs, so that tools can jump to it.
 [[noreturn]] void Refuse(const char* file, int line, const char* argument, const char* function,
                          const char* demand)
 {

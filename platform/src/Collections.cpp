@@ -27,7 +27,7 @@ POSITION CStringList::GetHeadPosition() const
     return IsEmpty() ? nullptr : const_cast<Node*>(&m_Nodes.front());
 }
 
-// The place is moved last, so that it stays as it was when a null one is refused.
+// The text stays valid after the move, since it lies in its node.
 const CString& CStringList::GetNext(POSITION& position) const
 {
     const Node& node = NodeAt(position);
@@ -70,6 +70,7 @@ void CStringList::RemoveAll()
     m_Nodes.clear();
 }
 
+// The node learns its own iterator, which lets a place be removed without a search.
 POSITION CStringList::Insert(Nodes::const_iterator before, const CString& text)
 {
     const Nodes::iterator self = m_Nodes.insert(before, Node{{}, text, {}});

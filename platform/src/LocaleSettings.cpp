@@ -21,6 +21,7 @@ Settings& TheSettings()
 
 } // namespace
 
+// The copy is taken under the lock; it shares the characters and costs little.
 CString GetLocaleSetting(int code, CString defaultText)
 {
     Settings& settings = TheSettings();

@@ -25,8 +25,8 @@ int TvCompareDoubles(double a, double b)
         return static_cast<int>(std::isnan(a)) - static_cast<int>(std::isnan(b));
     if (a == b)
         return 0;
-    // From here on a tolerance would be infinite or pointless if either end were an infinity.
     const int order = a < b ? -1 : 1;
+    // Beside an infinity the tolerance would be infinite, and every number equal to it.
     if (std::isinf(a) || std::isinf(b))
         return order;
     const double magnitude = std::max(std::fabs(a), std::fabs(b));

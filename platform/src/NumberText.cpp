@@ -30,6 +30,7 @@ constexpr std::int64_t kExponentLimit = 1'000'000'000'000;
 constexpr std::int64_t kLargestOrder = std::numeric_limits<double>::max_exponent10;
 constexpr std::int64_t kSmallestOrder = -324; // of half the smallest positive double
 
+// The run-time library's answer would depend on the locale of the process.
 bool IsDigit(WCHAR character)
 {
     return character >= '0' && character <= '9';
@@ -58,6 +59,7 @@ std::size_t EndOfSign(WideView text, std::size_t at)
     return IsSign(CharacterAt(text, at)) ? at + 1 : at;
 }
 
+// What the run-time library's conversions pass over, and no more.
 WideView WithoutBlanksInFront(WideView text)
 {
     while (!text.empty() && (text[0] == ' ' || (text[0] >= '\t' && text[0] <= '\r')))
@@ -117,9 +119,11 @@ double ToDouble(Decimal number)
         return kTooLarge;
     // With the separator behind the first digit the exponent stays small, however many digits
     // there are.
-    const std::string text = number.digits.insert(1, ".") + "e" + std::to_string(number.order);
+    number.digits.insert(1, 1, '.');
+    const std::string text = number.digits + 'e' + std::to_string(number.order);
     double value = 0.0;
     const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    // The conversion does not tell too large from too small; the order does.
     if (read.ec == std::errc::result_out_of_range)
         return number.order > 0 ? kTooLarge : 0.0;
     return value;
@@ -177,6 +181,7 @@ std::size_t FindTypedDecimal(WideView number, WCHAR decimalSeparator)
     const auto found = std::find_if(number.rbegin(), number.rend(), isSeparator);
     if (found == number.rend())
         return number.size();
+    // A kind that occurs more than once groups; of two kinds the last one is decimal.
     const auto last = static_cast<std::size_t>(number.rend() - found - 1);
     if (number.find(number[last]) != last)
         return number.size();

@@ -129,6 +129,7 @@ Decoded DecodeWide(WideView rest)
     return {kFirstSupplementary + (high << kSurrogateBits) + (next - kFirstLowSurrogate), 2};
 }
 
+// The only form in which the code point is not overlong.
 const SequenceForm& ShortestForm(char32_t codePoint)
 {
     const SequenceForm* form = std::end(kSequenceForms) - 1;
@@ -162,6 +163,8 @@ void RequireLength(std::size_t length)
         throw std::length_error("A string cannot hold that many characters.");
 }
 
+// For the operations that clip nothing: reading or writing outside would be a fault of the caller
+// that must not go unseen.
 std::size_t RequireIndex(int index, int end)
 {
     if (index < 0 || index >= end)
@@ -182,6 +185,7 @@ int PositionOrNone(std::size_t found)
 
 } // namespace
 
+// Digits and a minus only, whatever the locale of the process: no grouping.
 CFormatArgument::CFormatArgument(int number) : CFormatArgument(CString(std::to_string(number)))
 {}
 
@@ -200,6 +204,8 @@ CString::CString(WCHAR character, int count) : CString(WideText(Clip(count, kMax
 CString::CString(WideView text) : CString(WideText(text))
 {}
 
+// Every other constructor with characters ends here, so the limit and the empty string are seen to
+// in one place.
 CString::CString(WideText text)
 {
     RequireLength(text.size());
@@ -327,6 +333,7 @@ int CString::Delete(int index, int count)
 
 BOOL CString::LoadString(UINT id)
 {
+    // The text outlives its module's presence, so it is copied without a lock.
     const WCHAR* const text = tovo::FindStringResource(id);
     if (!text)
         return 0;
@@ -359,6 +366,7 @@ void CString::FormatList(const WCHAR* format, std::initializer_list<CFormatArgum
     WideText result;
     auto argument = arguments.begin();
     for (WideView rest = OrEmpty(format); !rest.empty();) {
+        // A percent sign before anything else, or at the end, stands for itself.
         const WCHAR place = rest.size() > 1 && rest[0] == '%' ? rest[1] : WCHAR();
         const bool isArgument = place == 's' || place == 'd';
         if (isArgument && argument != arguments.end())

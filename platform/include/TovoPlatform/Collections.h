@@ -42,23 +42,25 @@ public:
     // As SetAt, but an index at or behind the count grows the array first.
     void SetAtGrow(int index, ARG_TYPE element)
     {
-        if (index >= GetSize())
-            SetSize(index + 1);
-        SetAt(index, element);
+        const TYPE kept = element; // it may be one of this array's own
+        GrowTo(index);
+        if (index == GetSize())
+            m_Elements.push_back(kept);
+        else
+            SetAt(index, kept);
     }
     // Moves the elements from the index on up and puts the new ones there; an index behind the
     // count grows the array to it first.
     void InsertAt(int index, ARG_TYPE element, int count = 1)
     {
-        if (index > GetSize())
-            SetSize(index);
-        m_Elements.insert(PlaceAt(index), Unsigned(count), element);
+        const TYPE kept = element; // as above
+        GrowTo(index);
+        m_Elements.insert(PlaceAt(index), Unsigned(count), kept);
     }
     void InsertAt(int index, const CArray& other)
     {
         const std::vector<TYPE> elements = other.m_Elements;
-        if (index > GetSize())
-            SetSize(index);
+        GrowTo(index);
         m_Elements.insert(PlaceAt(index), elements.begin(), elements.end());
     }
     void RemoveAt(int index, int count = 1)
@@ -72,6 +74,11 @@ public:
     void SetSize(int count) { m_Elements.resize(Unsigned(count)); }
 
 private:
+    void GrowTo(int count)
+    {
+        if (count > GetSize())
+            SetSize(count);
+    }
     static std::size_t Unsigned(int count)
     {
         if (count < 0)
@@ -160,14 +167,14 @@ public:
     // Enters the value, or replaces the one that the key has.
     void SetAt(ARG_KEY key, ARG_VALUE value)
     {
-        const auto [found, isNew] = m_Index.try_emplace(key);
-        if (isNew) {
-            m_Entries.push_back(Entry{{}, key, value, {}});
-            found->second = std::prev(m_Entries.end());
-            found->second->self = found->second;
-        } else {
+        if (const auto found = m_Index.find(key); found != m_Index.end()) {
             found->second->value = value;
+            return;
         }
+        m_Entries.push_back(Entry{{}, key, value, {}});
+        const auto entry = std::prev(m_Entries.end());
+        entry->self = entry;
+        m_Index.emplace(key, entry);
     }
     bool RemoveKey(ARG_KEY key)
     {
