@@ -1,0 +1,234 @@
+#include <atomic>
+#include <thread>
+
+#include "Job.h"
+
+namespace tovo::test {
+
+namespace {
+
+class CalcSet : public Job {};
+
+TEST_F(CalcSet, UnknownVariableIsMadeUp)
+{
+    IVarObj* madeUp = m_Set.GetVarObj(u"Rate", 1, 0);
+    ASSERT_NE(madeUp, nullptr);
+    EXPECT_EQ(madeUp->GetValue(), 0.0);
+    EXPECT_TRUE(madeUp->IsNumeric());
+    EXPECT_TRUE(m_Set.GetVarObj(u"Rate?", 1, 0)->IsBoolean());
+    EXPECT_EQ(m_Set.GetVarObj(u"Rate", 0, 9), madeUp);
+    EXPECT_NE(m_Set.GetVarObj(u"rate", 1, 0), madeUp);
+    madeUp->SetValue(5);
+    m_Set.ClearMissingVariables();
+    EXPECT_EQ(m_Set.GetVarObj(u"Rate", 1, 0)->GetValue(), 0.0);
+    VariableImpl& added = Var("Rate", 7);
+    EXPECT_EQ(m_Set.GetVarObj(u"Rate", 1, 0), &added);
+}
+
+TEST_F(CalcSet, ObjectIsFoundUnderTheNameThatItWasAddedWith)
+{
+    EXPECT_EQ(m_Set.GetFormulaObj(u"A"), nullptr);
+    EXPECT_EQ(m_Set.GetFormulaTableObj(u"A"), nullptr);
+    FormulaImpl& first = Formula("A", "1");
+    EXPECT_EQ(m_Set.GetFormulaObj(u"A"), &first);
+    EXPECT_EQ(m_Set.GetFormulaObj(u"a"), nullptr);
+    FormulaImpl& second = Formula("A", "2");
+    EXPECT_EQ(m_Set.GetFormulaObj(u"A"), &second);
+    CString renamed("B");
+    second.SetName(renamed);
+    EXPECT_EQ(m_Set.GetFormulaObj(u"A"), &second);
+    EXPECT_EQ(m_Set.GetFormulaObj(u"B"), nullptr);
+    EXPECT_EQ(m_Set.GetFormulaTableObj(u"A"), nullptr);
+    EXPECT_THROW(m_Set.AddVariable(nullptr), CInvalidArgException);
+    EXPECT_THROW(m_Set.AddFormula(nullptr), CInvalidArgException);
+    EXPECT_THROW(m_Set.AddFormulaTable(nullptr), CInvalidArgException);
+    EXPECT_THROW(FormulaImpl(nullptr), CInvalidArgException);
+    EXPECT_THROW(VariableImpl(nullptr), CInvalidArgException);
+}
+
+TEST_F(CalcSet, LastCharacterOfANameIsItsKind)
+{
+    const struct {
+        const char* name;
+        VALUETYPE kind;
+    } rows[] = {
+        {"", VALUE_NONE},     {"Rate", VALUE_NUMERIC}, {"Ok?", VALUE_BOOLEAN},
+        {"?", VALUE_BOOLEAN}, {"Ok? ", VALUE_NUMERIC}, {"?a", VALUE_NUMERIC},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(Var(row.name).GetType(), row.kind);
+        EXPECT_EQ(Formula(row.name, "1").IsBoolean(), row.kind == VALUE_BOOLEAN);
+        EXPECT_EQ(Formula(row.name, "1").IsNumeric(), row.kind == VALUE_NUMERIC);
+        EXPECT_EQ(Table(row.name, "", {"", ""}).IsBoolean(), row.kind == VALUE_BOOLEAN);
+        EXPECT_EQ(Table(row.name, "", {"", ""}).IsNumeric(), row.kind == VALUE_NUMERIC);
+    }
+}
+
+TEST_F(CalcSet, CopiesShareTheirObjectsInAnyOrderOfDestruction)
+{
+    VariableImpl& before = Var("Before", 1);
+    constexpr int kOrders[][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2}, {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
+    for (const auto& order : kOrders) {
+        std::unique_ptr<CalcSetImpl> sets[3];
+        sets[0] = std::make_unique<CalcSetImpl>();
+        sets[0]->AddVariable(&before);
+        sets[0]->SetDuration(8);
+        IVarObj* madeUp = sets[0]->GetVarObj(u"Unknown", 1, 0);
+        sets[1] = std::make_unique<CalcSetImpl>(*sets[0]);
+        sets[2] = std::make_unique<CalcSetImpl>();
+        sets[2]->GetVarObj(u"Forgotten", 1, 0);
+        *sets[2] = *sets[1];
+        CalcSetImpl& itself = *sets[2];
+        *sets[2] = itself;
+        VariableImpl after(sets[2].get());
+        CString name("After");
+        after.SetName(name);
+        sets[2]->AddVariable(&after);
+        sets[1]->ErrorTracker().SetError(6607, nullptr);
+        for (const int next : order) {
+            SCOPED_TRACE(next);
+            EXPECT_EQ(sets[next]->GetVarObj(u"Before", 1, 0), &before);
+            EXPECT_EQ(sets[next]->GetVarObj(u"After", 1, 0), &after);
+            EXPECT_EQ(sets[next]->GetVarObj(u"Unknown", 1, 0), madeUp);
+            EXPECT_EQ(sets[next]->GetDuration(), 8.0);
+            EXPECT_EQ(Dump(sets[next]->ErrorTracker()), "6607 [Unknown Object]");
+            sets[next].reset();
+        }
+    }
+}
+
+TEST_F(CalcSet, NewPassCalculatesTheTablesAgain)
+{
+    VariableImpl& rate = Var("Rate", 3);
+    FormulaTableImpl& table = Table("Price", "1000", {"VRate", "0"});
+    FormulaImpl& formula = Formula("Result", "T(Price)*10");
+    const auto result = [&formula] {
+        EXPECT_EQ(MessageOfCalculation(formula), 0u);
+        return formula.GetValue();
+    };
+    EXPECT_EQ(result(), 30.0);
+    rate.SetValue(4);
+    m_Set.ClearFormtblObjCalculatedFlags();
+    EXPECT_EQ(result(), 30.0);
+    m_Set.StartNewPass();
+    EXPECT_EQ(table.GetCalculated(), 0);
+    EXPECT_EQ(result(), 40.0);
+    CScannedVariables scanned;
+    CExprTree::StartIfCondition();
+    EXPECT_EQ(MessageOfCalculation(table, &scanned), 0u);
+    CExprTree::EndIfCondition();
+    EXPECT_EQ(table.GetScanned() + table.GetScannedInCondition(), 2);
+    m_Set.StartNewPass();
+    EXPECT_EQ(table.GetScanned() + table.GetScannedInCondition() + table.GetCalculated(), 0);
+}
+
+TEST_F(CalcSet, TrackerWordsEveryKindOfObject)
+{
+    CFmlaExpression expression(m_Set);
+    expression.SetExpr("1+1");
+    CFmlaExprBase plain;
+    CExprToken token(m_Set, TOK_NUMBER, "12", 0);
+    CFormtblElem element("VWidth", m_Set);
+    HostFormula hostFormula("H", 1.0);
+    HostTable hostTable("HT", 1.0);
+    const struct {
+        CObject* object;
+        const char* text;
+    } rows[] = {
+        {&token, "token: 12"},
+        {&expression, "Expression: 1+1"},
+        {&Formula("A", "1"), "Formula: A"},
+        {&Table("T", "", {"", ""}), "Formula table: T"},
+        {&hostFormula, "Formula: H"},
+        {&hostTable, "Formula table: HT"},
+        {&element, "Formula table element: Width"},
+        {&Var("x"), "Unknown Object"},
+        {&plain, "Unknown Object"},
+        {nullptr, "Unknown Object"},
+    };
+    CCalcErrorTracker tracker;
+    EXPECT_EQ(Dump(tracker), "0 []");
+    for (const auto& row : rows) {
+        const std::string text = row.text;
+        tracker.SetError(1, row.object, "Mine");
+        tracker.SetError(6607, row.object);
+        tracker.AddObj(row.object, "");
+        tracker.AddObj(row.object, "Mine");
+        EXPECT_EQ(Dump(tracker), "6607 [" + text + " | " + text + " | Mine]");
+        EXPECT_EQ(tracker.GetObj(2), row.object);
+    }
+    EXPECT_EQ(tracker.NumObjs(), 3);
+    for (const int outside : {-1, 3}) {
+        EXPECT_EQ(tracker.GetObj(outside), nullptr);
+        EXPECT_TRUE(tracker.GetStr(outside).IsEmpty());
+    }
+}
+
+TEST_F(CalcSet, MathematicalErrorLeavesItsText)
+{
+    FormulaImpl& formula = Formula("A", "COSH(1000)");
+    EXPECT_EQ(MessageOfCalculation(formula), 0u);
+    EXPECT_EQ(formula.GetValue(), 0.0);
+    EXPECT_FALSE(m_Set.GetStrError().IsEmpty());
+    formula.SetFromEncodedString("COSH(0)");
+    EXPECT_EQ(MessageOfCalculation(formula), 0u);
+    EXPECT_TRUE(m_Set.GetStrError().IsEmpty());
+}
+
+// One set with everything that leaves traces in shared state: conditions, names under validation,
+// a circle, a table, a failure.
+int FaultsOfOneThread(int runs)
+{
+    CalcSetImpl set;
+    const auto formula = [&set](const char* name, const char* encoded) {
+        auto made = std::make_unique<FormulaImpl>(&set);
+        CString wide(name);
+        made->SetName(wide);
+        made->SetFromEncodedString(encoded);
+        set.AddFormula(made.get());
+        return made;
+    };
+    const auto sum = formula("Sum", "V(x)+IF(T(Table)>1,ROUND(2.5,0),1/0)");
+    const auto circle = formula("Circle", "IF(F(Back)>0,1,2)");
+    const auto back = formula("Back", "F(Circle)");
+    const auto wrong = formula("Wrong", "F(Sum)+1.2.3");
+    FormulaTableImpl table(&set, 2, 1);
+    CString name("Table");
+    table.SetName(name);
+    table.GetRowSelector().SetVariable("x");
+    table.SetRowLimit(1, 1.0);
+    table.SetCell(0, 0, new CFormtblElem("1000", set));
+    table.SetCell(1, 0, new CFormtblElem("2000", set));
+    set.AddFormulaTable(&table);
+
+    int faults = 0;
+    for (int run = 0; run < runs; ++run) {
+        set.StartNewPass();
+        set.GetVarObj(u"x", 1, 0)->SetValue(run);
+        faults += MessageOfCalculation(*sum) != 0;
+        faults += sum->GetValue() != (run == 0 ? 0.0 : run + 3.0);
+        faults += MessageOfCalculation(*circle) != 6608;
+        faults += MessageOfCalculation(*wrong) != 6620;
+        CScannedVariables scanned;
+        sum->GetVariables(scanned, run % 2, 1);
+        faults += Names(scanned) != "x";
+        faults += CExprTree::InIfCondition();
+    }
+    return faults;
+}
+
+TEST_F(CalcSet, ThreadsCalculateSetsOfTheirOwn)
+{
+    std::atomic<int> faults = 0;
+    std::thread threads[2];
+    for (std::thread& thread : threads)
+        thread = std::thread([&faults] { faults += FaultsOfOneThread(300); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(faults, 0);
+}
+
+} // namespace
+
+} // namespace tovo::test

@@ -1,0 +1,243 @@
+#include "Job.h"
+
+namespace tovo::test {
+
+namespace {
+
+// Stock expressions, formulas and tables over a set that shares nothing with the stock one.
+class HostObjects : public ::testing::Test {
+protected:
+    HostObjects()
+    {
+        m_Set.m_NullForUnknownVariables = true;
+        m_Expression.SetFromEncodedString("V(x)+F(f)*T(t)");
+    }
+    unsigned int Check(const CString& encoded)
+    {
+        m_Expression.SetFromEncodedString(encoded);
+        unsigned int message = 77;
+        return m_Expression.IsValid(message, "", 1) != 0 && message == 77 ? 0 : message;
+    }
+
+    HostSet m_Set;
+    HostVariable& m_X = m_Set.AddVariable("x", 2.0);
+    HostFormula& m_F = m_Set.AddFormula("f", 3.0);
+    HostTable& m_T = m_Set.AddTable("t", 4.0);
+    CFmlaExpression m_Expression{m_Set};
+};
+
+TEST_F(HostObjects, ValuesAreReadThroughTheInterfaces)
+{
+    unsigned int message = 0;
+    EXPECT_EQ(m_Expression.IsValid(message, "Result", 1), 1);
+    EXPECT_EQ(m_F.m_LastNested + m_T.m_LastNested, 2);
+    EXPECT_EQ(m_Expression.Calculate(nullptr), 1);
+    EXPECT_EQ(m_Expression.GetValue(), 14.0);
+    EXPECT_EQ(m_F.m_LastList, nullptr);
+    m_X.m_Value = 5.0;
+    m_T.m_Value = 0.5;
+    EXPECT_EQ(m_Expression.Calculate(nullptr), 1);
+    EXPECT_EQ(m_Expression.GetValue(), 6.5);
+    EXPECT_EQ(m_X.m_SetInCondCalls, 0);
+    EXPECT_TRUE(m_Set.m_Flags.empty());
+
+    m_Set.m_Lookups.clear();
+    EXPECT_EQ(m_Expression.IsValid(), 1);
+    EXPECT_EQ(m_Set.m_Lookups, std::vector<std::string>(m_Set.m_Lookups.size(), "V:x"))
+        << "a check of the expression alone looks at variables only";
+}
+
+TEST_F(HostObjects, ScanHandsItsListOn)
+{
+    unsigned int message = 0;
+    EXPECT_EQ(m_Expression.IsValid(message, "", 1), 1);
+    CScannedVariables scanned;
+    m_F.m_OnCalculate = [](CScannedVariables* list) { list->AddTail("from f"); };
+    m_Expression.GetVariables(scanned, 0, 1);
+    EXPECT_EQ(Names(scanned), "x from f");
+    EXPECT_EQ(m_T.m_LastList, &scanned);
+    EXPECT_EQ(m_X.m_SetInCondCalls, 1);
+    EXPECT_EQ(m_Set.m_ClearScannedFlagsCalls, 1);
+
+    const auto tell = [](const char* name) {
+        return [name](CScannedVariables& list, int all, int clear) {
+            CString text;
+            text.Format(u"%s(%d,%d)", CString(name), all, clear);
+            list.AddTail(text);
+        };
+    };
+    m_F.m_OnGetVariables = tell("f");
+    m_T.m_OnGetVariables = tell("t");
+    m_T.m_Scanned = 1;
+    CScannedVariables walked;
+    m_Expression.GetVariables(walked, 1, 1);
+    EXPECT_EQ(Names(walked), "x f(1,0)") << "t says that it was walked already";
+    m_T.m_Scanned = 0;
+    m_F.m_Scanned = 1;
+    CScannedVariables again;
+    m_Expression.GetVariables(again, 1, 0);
+    EXPECT_EQ(Names(again), "x t(1,0)");
+    EXPECT_EQ(m_Set.m_ClearScannedFlagsCalls, 2);
+    EXPECT_EQ(m_Set.m_OtherClearCalls, 0);
+}
+
+TEST_F(HostObjects, MissingVariableFailsWithTheMessageOfItsPlace)
+{
+    const struct {
+        const char* encoded;
+        unsigned int message;
+        int invalidPos;
+        const char* chain;
+    } rows[] = {
+        {"V(gone)", 10732, 0, "10732 [Unknown Object]"},
+        {"1+V(gone)", 10732, 2, "10732 [Unknown Object]"},
+        {"V(gone)+1", 10732, 6, "10732 [token: +]"},
+        {"ABS(V(gone))", 6629, 10, "6629 [token: )]"},
+        {"MAX(V(gone),1)", 6621, 10, "6621 [token: ,]"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.encoded);
+        EXPECT_EQ(Check(row.encoded), row.message);
+        EXPECT_EQ(m_Expression.GetInvalidPos(), row.invalidPos);
+        EXPECT_EQ(Dump(m_Set.m_Tracker), row.chain);
+    }
+    EXPECT_EQ(Check("1+V(x)"), 0u);
+    m_Set.m_Variables.clear();
+    EXPECT_EQ(m_Expression.Calculate(nullptr), 0);
+    EXPECT_EQ(m_Expression.GetMessageNum(), 0);
+    EXPECT_EQ(Dump(m_Set.m_Tracker), "0 [token:  x ]");
+}
+
+TEST_F(HostObjects, FailureOfAFormulaOrATableComesOutUnchanged)
+{
+    const struct {
+        unsigned int message; // what the host's object writes
+        bool inTheCheck;
+        unsigned int outcome;
+        const char* chain; // null where the host has recorded nothing
+    } rows[] = {
+        {6611, true, 6611, nullptr},
+        {0, true, 0, nullptr},
+        {6611, false, 6611, "6611 [token: %]"},
+        {0, false, 10732, "10732 [Unknown Object]"},
+    };
+    const auto fail = [](auto& object, unsigned int message, bool inTheCheck) {
+        object.m_Message = message;
+        object.m_Succeeds = !inTheCheck;
+        object.m_OnCalculate = [&object](CScannedVariables*) { object.m_Succeeds = false; };
+    };
+    for (const auto& row : rows) {
+        for (const char* encoded : {"1+F(f)", "1+T(t)"}) {
+            SCOPED_TRACE(std::string(encoded) + " " + std::to_string(row.message));
+            fail(m_F, row.message, row.inTheCheck);
+            fail(m_T, row.message, row.inTheCheck);
+            m_Expression.SetFromEncodedString(encoded);
+            unsigned int message = 77;
+            EXPECT_EQ(m_Expression.IsValid(message, "", 1), 0);
+            EXPECT_EQ(message, row.outcome);
+            EXPECT_EQ(m_Expression.GetInvalidPos(), 2);
+            if (row.chain) {
+                std::string chain = row.chain;
+                if (const auto mark = chain.find('%'); mark != std::string::npos)
+                    chain.replace(mark, 1, std::string(" ") + encoded[4] + " ");
+                EXPECT_EQ(Dump(m_Set.m_Tracker), chain);
+            }
+        }
+    }
+}
+
+TEST_F(HostObjects, StockTableTakesItsCellsFromTheHost)
+{
+    FormulaTableImpl table(&m_Set, 3, 1);
+    CString name("Stock");
+    table.SetName(name);
+    const char* const cells[] = {"Ff", "Tt", "Vx"};
+    for (int row = 0; row < 3; ++row) {
+        table.SetRowLimit(row, row + 1.0);
+        table.SetCell(row, 0, new CFormtblElem(cells[row], m_Set));
+    }
+    table.GetRowSelector().init("Vpick");
+    unsigned int message = 77;
+    EXPECT_EQ(table.IsValid(message, 1), 0) << "there is no variable of the selector's name";
+    EXPECT_EQ(message, 77u);
+    HostVariable& pick = m_Set.AddVariable("pick", 1.0);
+    for (const double value : {3.0, 4.0, 2.0}) {
+        table.SetCalculated(0);
+        EXPECT_EQ(MessageOfCalculation(table), 0u);
+        EXPECT_EQ(table.GetValue(), value);
+        pick.m_Value += 1.0;
+    }
+    m_Set.m_Variables.erase("x");
+    table.SetCalculated(0);
+    EXPECT_EQ(table.Calculate(message, nullptr), 0);
+    EXPECT_EQ(message, 77u);
+    EXPECT_EQ(table.GetValue(), 2.0);
+}
+
+TEST_F(HostObjects, ExceptionPassesThroughEveryDoor)
+{
+    unsigned int message = 0;
+    FormulaTableImpl table(&m_Set, 2, 1);
+    table.SetRowLimit(1, 1.0);
+    table.GetRowSelector().init("Ff");
+    table.SetCell(0, 0, new CFormtblElem("1000", m_Set));
+    table.SetCell(1, 0, new CFormtblElem("2000", m_Set));
+    FormulaImpl stock(&m_Set);
+    stock.SetFromEncodedString("IF(F(f)>V(x),1,T(s))");
+    CString name("stock");
+    stock.SetName(name);
+    m_Set.m_Tables["s"] = &table;
+    EXPECT_EQ(MessageOfCalculation(stock), 0u);
+    for (int harmlessCalls = 0; harmlessCalls < 3; ++harmlessCalls) {
+        SCOPED_TRACE(harmlessCalls);
+        CScannedVariables scanned;
+        m_F.m_Calculations = 0;
+        m_F.m_OnCalculate = [this, harmlessCalls](CScannedVariables*) {
+            if (m_F.m_Calculations > harmlessCalls)
+                throw HostTrouble();
+        };
+        table.SetCalculated(0);
+        EXPECT_THROW(stock.Calculate(message, &scanned), HostTrouble);
+        m_F.m_OnCalculate = nullptr;
+        table.SetCalculated(0);
+        EXPECT_EQ(MessageOfCalculation(stock), 0u);
+        EXPECT_EQ(stock.GetValue(), 1.0);
+
+        m_F.m_OnCalculate = [](CScannedVariables*) { throw HostTrouble(); };
+        table.SetCalculated(0);
+        EXPECT_THROW(stock.GetVariables(scanned, 0, 1), HostTrouble);
+        EXPECT_THROW(table.Calculate(message, &scanned), HostTrouble);
+        EXPECT_THROW(table.GetVariables(scanned, 0, 1), HostTrouble);
+        EXPECT_EQ(NestedNames::All(), "");
+        EXPECT_EQ(CExprTree::InIfCondition(), 0);
+    }
+}
+
+class HostObjectsInAStockSet : public Job {};
+
+TEST_F(HostObjectsInAStockSet, StockAndHostObjectsCalculateOneAnother)
+{
+    HostFormula rate("Rate", 3.0);
+    HostTable price("Price", 4.0);
+    HostVariable done("Done?", 1.0);
+    m_Set.m_HostFormulas["Rate"] = &rate;
+    m_Set.m_HostTables["Price"] = &price;
+    m_Set.m_HostVariables["Done?"] = &done;
+    FormulaImpl& inner = Formula("Inner", "IF(V(Done?),F(Rate)*V(x),0)");
+    Table("Table", "FRate", {"0", "0", "TPrice", "0"});
+    FormulaImpl& outer = Formula("Outer", "F(Inner)+T(Table)");
+    Var("x", 2);
+    EXPECT_EQ(MessageOfCalculation(outer), 0u);
+    EXPECT_EQ(outer.GetValue(), 10.0);
+    FormulaImpl& base = Formula("Base", "V(x)+3");
+    rate.m_OnCalculate = [&](CScannedVariables*) {
+        rate.m_Succeeds = MessageOfCalculation(base) == 0;
+        rate.m_Value = base.GetValue();
+    };
+    EXPECT_EQ(MessageOfCalculation(inner), 0u);
+    EXPECT_EQ(inner.GetValue(), 10.0);
+}
+
+} // namespace
+
+} // namespace tovo::test

@@ -1,0 +1,249 @@
+#include "Job.h"
+
+namespace tovo::test {
+
+namespace {
+
+class Nesting : public Job {
+protected:
+    // Names of an outer validation, which no check below may touch.
+    Nesting() { NestedNames::m_NestedFmlaNames.AddHead("Outer"); }
+    ~Nesting() override { NestedNames::m_NestedFmlaNames.RemoveAll(); }
+
+    void ExpectNothingLeftBehind()
+    {
+        EXPECT_EQ(NestedNames::All(), "Outer;");
+        EXPECT_EQ(CExprTree::InIfCondition(), 0);
+    }
+};
+
+TEST_F(Nesting, ValuesComeThroughFormulasAndTables)
+{
+    Var("x", 2);
+    VariableImpl& pick = Var("pick", 1);
+    Formula("Inner", "V(x)*10");
+    Table("Price", "Vpick", {"FInner", "7500"});
+    FormulaImpl& outer = Formula("Outer", "F(Inner)+IF(T(Price)>10,1,F(Inner))");
+    FormulaImpl& twice = Formula("Twice", "F(Outer)+F(Outer)+F(Inner)");
+    EXPECT_EQ(MessageOfCalculation(twice), 6608u) << "a formula named Outer is under validation";
+    NestedNames::m_NestedFmlaNames.RemoveAll();
+    EXPECT_EQ(MessageOfCalculation(twice), 0u);
+    EXPECT_EQ(twice.GetValue(), 62.0);
+    pick.SetValue(2);
+    m_Set.StartNewPass();
+    EXPECT_EQ(MessageOfCalculation(outer), 0u);
+    EXPECT_EQ(outer.GetValue(), 40.0);
+}
+
+struct Object {
+    char kind; // F: a formula and its text; T: a table and its cell; R: a table and its selector
+    const char* name;
+    const char* content;
+};
+
+struct Failure {
+    std::vector<Object> objects; // the first is checked
+    const char* chain;
+};
+
+const std::vector<Failure>& Failures()
+{
+    static const std::vector<Failure> failures = {
+        {{{'F', "A", "F(A)"}}, "6608 [Expression:  A  | Formula: A]"},
+        {{{'F', "A", "1+F(B)"}, {'F', "B", "F(A)"}},
+         "6608 [Expression: 1+ B  | Formula: B | Formula: A]"},
+        {{{'F', "A", "F(B)"}, {'F', "B", "F(C)"}, {'F', "C", "F(B)"}},
+         "6608 [Expression:  C  | Formula: C | Formula: B | Formula: A]"},
+        {{{'F', "", "F()"}}, "6608 [Expression:   ]"},
+        {{{'F', "A", "F()"}, {'F', "", "F(A)"}}, "6608 [Expression:    | Formula: A]"},
+        {{{'T', "T", "TT"}},
+         "6608 [Formula table: T | Cell at row 1, column 1. | Formula table: T]"},
+        {{{'R', "T", "TT"}}, "6608 [Formula table: T | Row selector | Formula table: T]"},
+        {{{'T', "T", "TU"}, {'R', "U", "TT"}},
+         "6608 [Formula table: T | Row selector | Formula table: U | Cell at row 1, column 1. | "
+         "Formula table: T]"},
+        {{{'F', "A", "T(T)"}, {'T', "T", "FA"}},
+         "6608 [Expression:  T  | Cell at row 1, column 1. | Formula table: T | Formula: A]"},
+        {{{'T', "T", "FA"}, {'F', "A", "T(T)"}},
+         "6608 [Formula table: T | Formula: A | Cell at row 1, column 1. | Formula table: T]"},
+        {{{'F', "A", "1+F(Gone)"}}, "6614 [Formula: Gone | Formula: A]"},
+        {{{'F', "A", "F(Gone)+T(Gone)"}}, "6614 [Formula: Gone | Formula: A]"},
+        {{{'F', "A", "T(Gone)"}}, "6615 [Formula table : Gone | Formula: A]"},
+        {{{'F', "A", "T(T)"}, {'T', "T", "FGone"}},
+         "6614 [Formula: Gone | Cell at row 1, column 1. | Formula table: T | Formula: A]"},
+        {{{'R', "T", "TGone"}}, "6615 [Formula table: Gone | Row selector | Formula table: T]"},
+        {{{'F', "A", "F(B)*2"}, {'F', "B", "1+"}}, "10732 [token: + | Formula: B | Formula: A]"},
+        {{{'F', "A", "F(B)"}, {'F', "B", "1>0"}}, "6609 [Expression: 1>0 | Formula: A]"},
+        {{{'T', "T", "FA"}, {'F', "A", "x"}},
+         "6682 [Expression: x | Formula: A | Cell at row 1, column 1. | Formula table: T]"},
+    };
+    return failures;
+}
+
+TEST_F(Nesting, CircleOrMissingObjectEndsWithItsChain)
+{
+    for (const Failure& row : Failures()) {
+        SCOPED_TRACE(row.chain);
+        std::vector<FormulaImpl*> formulas;
+        std::vector<FormulaTableImpl*> tables;
+        for (const Object& object : row.objects) {
+            if (object.kind == 'F')
+                formulas.push_back(&Formula(object.name, object.content));
+            else if (object.kind == 'T')
+                tables.push_back(&Table(object.name, "1000", {object.content, ""}));
+            else
+                tables.push_back(&Table(object.name, object.content, {"1000", ""}));
+        }
+        const unsigned int message = static_cast<unsigned int>(std::stoi(row.chain));
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            EXPECT_EQ(row.objects[0].kind == 'F' ? MessageOfCheck(*formulas[0], 1)
+                                                 : MessageOfCheck(*tables[0], 1),
+                      message);
+            EXPECT_EQ(Chain(), row.chain);
+            ExpectNothingLeftBehind();
+        }
+        for (FormulaImpl* formula : formulas)
+            EXPECT_NE(MessageOfCalculation(*formula), 0u);
+        ExpectNothingLeftBehind();
+    }
+}
+
+TEST_F(Nesting, CheckOfAFormulaAloneLooksAtNoOther)
+{
+    FormulaImpl& first = Formula("A", "F(B)+F(Gone)");
+    FormulaImpl& second = Formula("B", "F(A)+F(B)+T(Gone)");
+    EXPECT_EQ(MessageOfCheck(first, 0), 0u);
+    EXPECT_EQ(MessageOfCheck(second, 0), 0u);
+    EXPECT_EQ(first.GetValue(), 0.0);
+    ExpectNothingLeftBehind();
+}
+
+// A table that was validated alone answers the check at once, so that the circle is met only by the
+// calculation.
+TEST_F(Nesting, CircleThroughAValidatedTableIsMetInTheCalculation)
+{
+    FormulaTableImpl& table = Table("T", "1000", {"FA", ""});
+    FormulaImpl& formula = Formula("A", "T(T)+1");
+    EXPECT_EQ(MessageOfCheck(table, 0), 0u);
+    EXPECT_EQ(MessageOfCheck(formula, 1), 6608u);
+    EXPECT_EQ(Chain(), "6608 [token:  T  | Formula: A]");
+    EXPECT_EQ(formula.GetExpression().GetInvalidPos(), 3);
+    EXPECT_EQ(MessageOfCalculation(formula), 6608u);
+    EXPECT_EQ(MessageOfCalculation(table), 6608u);
+    EXPECT_EQ(table.GetCalculated(), 0);
+
+    FormulaTableImpl& itself = Table("Self", "TSelf", {"1000", "2000"});
+    itself.SetValidated(1);
+    EXPECT_EQ(MessageOfCalculation(itself), 6608u);
+    EXPECT_EQ(Chain(), "6608 [Formula table: Self]");
+    ExpectNothingLeftBehind();
+
+    // The circle is gone, and nothing remembers it.
+    formula.SetFromEncodedString("5");
+    itself.GetRowSelector().init("TT");
+    EXPECT_EQ(MessageOfCalculation(itself), 0u);
+    EXPECT_EQ(itself.GetValue(), 2.0);
+}
+
+// The host's formula calls back either while its caller is loaded or while its tree is walked.
+TEST_F(Nesting, HostFormulaThatCalculatesItsCallerGetsAMessage)
+{
+    HostFormula host("Host", 1.0);
+    m_Set.m_HostFormulas["Host"] = &host;
+    FormulaImpl& caller = Formula("Caller", "2+F(Host)");
+    for (int harmlessCalls = 0; harmlessCalls < 2; ++harmlessCalls) {
+        SCOPED_TRACE(harmlessCalls);
+        host.m_Calculations = 0;
+        host.m_OnCalculate = [&](CScannedVariables*) {
+            host.m_Message = 0;
+            host.m_Succeeds = host.m_Calculations <= harmlessCalls ||
+                              caller.Calculate(host.m_Message, nullptr) != 0;
+        };
+        EXPECT_EQ(MessageOfCalculation(caller), 6608u);
+        ExpectNothingLeftBehind();
+        host.m_OnCalculate = nullptr;
+        host.m_Succeeds = true;
+        EXPECT_EQ(MessageOfCalculation(caller), 0u);
+        EXPECT_EQ(caller.GetValue(), 3.0);
+    }
+}
+
+TEST_F(Nesting, ExpressionWithoutANameIsNotCheckedInsideItself)
+{
+    HostFormula host("Host", 1.0);
+    m_Set.m_HostFormulas["Host"] = &host;
+    CFmlaExpression expression(m_Set);
+    expression.SetFromEncodedString("2+F(Host)");
+    host.m_OnCalculate = [&](CScannedVariables*) {
+        host.m_Succeeds = expression.IsValid(host.m_Message, "", 1) != 0;
+    };
+    unsigned int message = 0;
+    EXPECT_EQ(expression.IsValid(message, "", 1), 0);
+    EXPECT_EQ(message, 6608u);
+    ExpectNothingLeftBehind();
+}
+
+TEST_F(Nesting, ExceptionOfAHostLeavesNothingBehind)
+{
+    HostVariable trouble("Trouble", 1.0);
+    m_Set.m_HostVariables["Trouble"] = &trouble;
+    Formula("Choice?", "IF(V(Trouble)>0,YES,NO)");
+    FormulaTableImpl& table = Table("T", "FInner?", {"1000", "2000"});
+    Formula("Inner?", "V(Trouble)>0");
+    FormulaImpl& outer = Formula("Result", "IF(F(Choice?),T(T),V(Trouble))");
+    unsigned int message = 0;
+    CScannedVariables scanned;
+    EXPECT_EQ(outer.IsValid(message, 1), 1);
+    for (int harmlessReads = 0; harmlessReads < 12; ++harmlessReads) {
+        SCOPED_TRACE(harmlessReads);
+        m_Set.StartNewPass();
+        int reads = 0;
+        trouble.m_OnRead = [&] {
+            if (++reads > harmlessReads)
+                throw HostTrouble();
+        };
+        try {
+            outer.Calculate(message, &scanned);
+            outer.GetExpression().Calculate(&scanned);
+            table.Calculate(message, &scanned);
+        } catch (const HostTrouble&) {
+        }
+        ExpectNothingLeftBehind();
+        trouble.m_OnRead = nullptr;
+        m_Set.StartNewPass();
+        EXPECT_EQ(MessageOfCalculation(outer), 0u);
+        EXPECT_EQ(outer.GetValue(), 1.0);
+    }
+    trouble.m_OnRead = [] { throw HostTrouble(); };
+    EXPECT_THROW(outer.IsValid(message, 1), HostTrouble);
+    EXPECT_THROW(outer.Calculate(message, nullptr), HostTrouble);
+    ExpectNothingLeftBehind();
+}
+
+TEST_F(Nesting, NestedFormulasOKChecksTheLoadedTree)
+{
+    Formula("Good", "1");
+    CFmlaExpression expression(m_Set);
+    expression.SetFromEncodedString("F(Gone)+T(Absent)");
+    EXPECT_EQ(expression.NestedFormulasOK(), 1) << "there is no tree yet";
+    EXPECT_EQ(expression.IsValid(), 1);
+    expression.SetInvalidPos(4);
+    EXPECT_EQ(expression.NestedFormulasOK(), 0);
+    EXPECT_EQ(expression.GetMessageNum(), 6614);
+    EXPECT_EQ(expression.GetInvalidPos(), 4);
+    EXPECT_EQ(Chain(), "6614 [Formula: Gone]");
+    expression.SetFromEncodedString("F(Good)+ABS(T(Absent))");
+    EXPECT_EQ(expression.IsValid(), 1);
+    EXPECT_EQ(expression.NestedFormulasOK(), 0);
+    EXPECT_EQ(Chain(), "6615 [Formula table : Absent]");
+    Table("Absent", "1000", {"1000", "2000"});
+    EXPECT_EQ(expression.NestedFormulasOK(), 1);
+    EXPECT_EQ(expression.CheckNestedFormula(" Good "), 1);
+    EXPECT_EQ(expression.CheckNestedFormula("  Good "), 0);
+    EXPECT_EQ(Chain(), "6614 [Formula:  Good]");
+    EXPECT_EQ(expression.CheckNestedFormtbl("Absent"), 1);
+}
+
+} // namespace
+
+} // namespace tovo::test

@@ -1,0 +1,266 @@
+#include "Job.h"
+
+namespace tovo::test {
+
+namespace {
+
+class Scan : public Job {
+protected:
+    Scan()
+    {
+        m_X.SetValue(1);
+        m_Y.SetValue(2);
+        Formula("Sum", "V(Y)+1");
+        Table("Pick", "VX", {"VY", "VZ"});
+    }
+
+    // The names of a scan that begins with every in-condition flag at the given value.
+    std::string ScanOf(CFmlaExpression& expression, int all, int flag)
+    {
+        for (VariableImpl* variable : {&m_X, &m_Y, &m_Z})
+            variable->SetInCond(flag);
+        m_Set.StartNewPass();
+        CScannedVariables scanned;
+        expression.GetVariables(scanned, all, 1);
+        return Names(scanned);
+    }
+    std::string InCondition()
+    {
+        std::string names;
+        for (VariableImpl* variable : {&m_X, &m_Y, &m_Z}) {
+            if (variable->InCond() != 0)
+                names += variable->GetName().ToUtf8();
+        }
+        return names;
+    }
+
+    VariableImpl& m_X = Var("X");
+    VariableImpl& m_Y = Var("Y");
+    VariableImpl& m_Z = Var("Z");
+};
+
+TEST_F(Scan, DynamicScanListsWhatIsReachedAndStaticScanAll)
+{
+    const struct {
+        const char* encoded;
+        const char* dynamic;
+        const char* all;
+        const char* cleared; // the flags of the dynamic scan where all were clear before
+        const char* set;     // and where all were set
+    } rows[] = {
+        {"IF(V(X)>0,V(Y),V(Z))", "X Y", "X Y Z", "X", "XZ"},
+        {"IF(V(X)<0,V(Y),V(Z))", "X Z", "X Y Z", "X", "XY"},
+        {"V(X)+IF(V(X)>0,1,0)", "X", "X", "X", "XYZ"},
+        {"IF(V(X)>0,V(X),0)", "X", "X", "X", "XYZ"},
+        {"V(Y)+V(X)+V(Y)", "Y X", "Y X", "", "Z"},
+        {"IF(IF(V(X)>0,V(Y)>0,YES),V(Z),0)", "X Y Z", "X Y Z", "XY", "XY"},
+        {"F(Sum)+V(X)", "Y X", "Y X", "", "Z"},
+        {"IF(F(Sum)>0,V(X),F(Sum))", "Y X", "Y X", "Y", "YZ"},
+        {"T(Pick)", "X Y", "X Y Z", "X", "XZ"},
+        {"V(X)+IF(T(Pick)>0,1,V(Z))", "X Y", "X Y Z", "XY", "XYZ"},
+        // The table was met outside a condition first; inside one it is walked again.
+        {"T(Pick)+IF(T(Pick)>0,1,0)", "X Y", "X Y Z", "XY", "XYZ"},
+        {"1+2", "", "", "", "XYZ"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.encoded);
+        FormulaImpl& formula = Formula("Scanned", row.encoded);
+        EXPECT_EQ(MessageOfCheck(formula, 1), 0u);
+        CFmlaExpression& expression = formula.GetExpression();
+        EXPECT_EQ(ScanOf(expression, 0, 0), row.dynamic);
+        EXPECT_EQ(InCondition(), row.cleared);
+        EXPECT_EQ(ScanOf(expression, 0, 1), row.dynamic);
+        EXPECT_EQ(InCondition(), row.set);
+        EXPECT_EQ(ScanOf(expression, 1, 0), row.all);
+        EXPECT_EQ(InCondition(), "");
+        EXPECT_EQ(ScanOf(expression, 1, 1), row.all);
+        EXPECT_EQ(InCondition(), "XYZ");
+    }
+}
+
+TEST_F(Scan, JobValuesAreRecordedWhereTheyAreReached)
+{
+    const struct {
+        const char* encoded;
+        int all;
+        const char* met;         // of QUANTITY, DURATION, JOBSIZE
+        const char* inCondition; // of the same; - is untouched
+        int quantityInCalculations;
+    } rows[] = {
+        {"IF(QUANTITY>0,DURATION,JOBSIZE)", 0, "110", "10-", 1},
+        {"IF(QUANTITY<0,DURATION,JOBSIZE)", 0, "101", "1-0", 1},
+        {"IF(QUANTITY<0,DURATION,JOBSIZE)", 1, "000", "---", -1},
+        {"JOBSIZE+IF(JOBSIZE<DURATION,1,QUANTITY)", 0, "011", "-11", -1},
+        {"IF(JOBSIZE<DURATION,JOBSIZE,0)", 0, "011", "-11", -1},
+        {"QUANTITY*JOBSIZE", 0, "101", "0-0", 1},
+    };
+    m_Set.SetQuantity(5);
+    m_Set.SetDuration(4);
+    m_Set.SetJobSize(3);
+    const auto flag = [](int value) {
+        return value < 0 ? std::string("-") : std::to_string(value);
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.encoded);
+        FormulaImpl& formula = Formula("Scanned", row.encoded);
+        m_Set.SetQuantityInCondition(-1);
+        m_Set.SetDURATIONInCondition(-1);
+        m_Set.SetJOBSIZEInCondition(-1);
+        m_Set.SetQuantityInCalculations(-1);
+        EXPECT_EQ(MessageOfCalculation(formula), 0u);
+        EXPECT_EQ(m_Set.GetQuantityInCalculations(), -1)
+            << "an ordinary calculation records nothing";
+        CScannedVariables scanned;
+        formula.GetVariables(scanned, row.all, 0);
+        EXPECT_EQ(flag(scanned.QuantityScanned()) + flag(scanned.DURATIONScanned()) +
+                      flag(scanned.JOBSIZEScanned()),
+                  row.met);
+        EXPECT_EQ(flag(m_Set.GetQuantityInCondition()) + flag(m_Set.GetDURATIONInCondition()) +
+                      flag(m_Set.GetJOBSIZEInCondition()),
+                  row.inCondition);
+        EXPECT_EQ(m_Set.GetQuantityInCalculations(), row.quantityInCalculations);
+    }
+}
+
+TEST_F(Scan, SetIsToldOfANewScanOnce)
+{
+    FormulaImpl& formula = Formula("Top", "F(Sum)+T(Pick)+F(Sum)");
+    EXPECT_EQ(MessageOfCheck(formula, 1), 0u);
+    FormulaTableImpl& table = Table("Outer", "TPick", {"FTop", "FSum"});
+    for (const int all : {0, 1}) {
+        for (const int clear : {0, 1, 5}) {
+            SCOPED_TRACE(std::to_string(all) + " " + std::to_string(clear));
+            CScannedVariables scanned;
+            m_Set.m_ClearCalls.clear();
+            const std::vector<int> expected(clear != 0 ? 1 : 0, 1);
+            formula.GetVariables(scanned, all, clear);
+            EXPECT_EQ(m_Set.m_ClearCalls, expected);
+            m_Set.m_ClearCalls.clear();
+            table.GetVariables(scanned, all, clear);
+            EXPECT_EQ(m_Set.m_ClearCalls, expected);
+        }
+    }
+}
+
+TEST_F(Scan, StaticScanOfACircleEnds)
+{
+    FormulaImpl& first = Formula("A", "F(B)+V(X)");
+    FormulaImpl& second = Formula("B", "F(A)+T(T)+V(Y)");
+    FormulaTableImpl& table = Table("T", "TU", {"FA", "VZ"});
+    Table("U", "TT", {"TU", "FB"});
+    EXPECT_EQ(MessageOfCheck(first, 0) + MessageOfCheck(second, 0), 0u);
+    const auto scan = [](auto& object) {
+        CScannedVariables scanned;
+        object.GetVariables(scanned, 1, 1);
+        return Names(scanned);
+    };
+    EXPECT_EQ(scan(first), "Z Y X");
+    EXPECT_EQ(scan(second), "X Z Y");
+    EXPECT_EQ(scan(table), "X Y Z");
+    EXPECT_EQ(scan(first), "Z Y X");
+}
+
+TEST_F(Scan, StaticScanVisitsAnObjectOnce)
+{
+    // Each level refers to the next twice: without that rule the walk would take 2^60 steps.
+    FormulaImpl* top = &Formula("0", "V(X)");
+    EXPECT_EQ(MessageOfCheck(*top, 0), 0u);
+    for (int level = 1; level <= 60; ++level) {
+        CString name;
+        name.Format(u"%d", level);
+        CString encoded;
+        encoded.Format(u"F(%d)+T(T%d)", level - 1, level);
+        top = &Formula(name, encoded);
+        CString cell;
+        cell.Format(u"F%d", level - 1);
+        Table("T" + name, "1000", {cell.ToUtf8().c_str(), ""});
+        EXPECT_EQ(MessageOfCheck(*top, 0), 0u);
+    }
+    CScannedVariables scanned;
+    top->GetVariables(scanned, 1, 1);
+    EXPECT_EQ(Names(scanned), "X");
+}
+
+TEST_F(Scan, StaticScanPassesOverWhatIsScannedOrMissing)
+{
+    FormulaImpl& scannedAlready = Formula("Done", "V(W)");
+    EXPECT_EQ(MessageOfCheck(scannedAlready, 1), 0u);
+    scannedAlready.SetScanned(1);
+    FormulaImpl& formula = Formula("Top", "V(X)+F(Done)+F(Gone)+T(Gone)+T(Pick)+V(Y)");
+    EXPECT_EQ(MessageOfCheck(formula, 0), 0u);
+    EXPECT_EQ(ScanOf(formula.GetExpression(), 1, 0), "X Y Z");
+    formula.SetFromEncodedString("V(X)");
+    formula.GetExpression().ClearExpr();
+    EXPECT_EQ(ScanOf(formula.GetExpression(), 1, 0), "") << "without a tree there are no names";
+}
+
+TEST_F(Scan, ScanThatFailsKeepsTheNamesMet)
+{
+    m_Set.ReportDomainErrors();
+    m_Z.SetValue(1);
+    FormulaImpl& formula = Formula("Top", "V(X)+1/V(Z)+V(Y)");
+    EXPECT_EQ(MessageOfCheck(formula, 1), 0u);
+    m_Z.SetValue(0);
+    EXPECT_EQ(ScanOf(formula.GetExpression(), 0, 0), "X Z");
+    EXPECT_EQ(formula.GetExpression().GetMessageNum(), 6604);
+    EXPECT_EQ(Chain(), "6604 [token: /]");
+}
+
+TEST_F(Scan, ConditionCountIsBalancedAfterAFailure)
+{
+    m_Set.ReportDomainErrors();
+    HostVariable divisor("Divisor", 1.0);
+    m_Set.m_HostVariables["Divisor"] = &divisor;
+    Formula("Inverse", "1/V(Divisor)");
+    Table("ByInverse", "FInverse", {"1000", "2000"});
+    for (const char* encoded : {
+             "IF(1/V(Divisor)>0,1,2)",
+             "IF(F(Inverse)>0,1,2)",
+             "IF(IF(1/V(Divisor)>0,YES,NO),1,2)",
+             "IF(YES,IF(F(Inverse)>0,1,2),3)",
+             "T(ByInverse)",
+             "IF(T(ByInverse)>0,1,2)",
+         }) {
+        SCOPED_TRACE(encoded);
+        divisor.m_Value = 1.0;
+        FormulaImpl& formula = Formula("Top", encoded);
+        m_Set.StartNewPass();
+        EXPECT_EQ(MessageOfCheck(formula, 1), 0u);
+        CScannedVariables scanned;
+
+        divisor.m_Value = 0.0;
+        m_Set.StartNewPass();
+        EXPECT_EQ(formula.GetExpression().Calculate(&scanned), 0);
+        EXPECT_EQ(formula.GetExpression().GetMessageNum(), 6604);
+        EXPECT_EQ(CExprTree::InIfCondition(), 0);
+
+        divisor.m_OnRead = [] { throw HostTrouble(); };
+        EXPECT_THROW(formula.GetExpression().Calculate(&scanned), HostTrouble);
+        EXPECT_EQ(CExprTree::InIfCondition(), 0);
+        divisor.m_OnRead = nullptr;
+    }
+}
+
+TEST_F(Scan, CallersListCountsAsMet)
+{
+    FormulaImpl& formula = Formula("Top", "V(X)+IF(V(Y)>0,V(Z),0)");
+    EXPECT_EQ(MessageOfCheck(formula, 1), 0u);
+    CStringList names;
+    {
+        CScannedVariables scanned(names);
+        scanned.AddTail("X  ");
+        scanned.AddTail(" Y");
+        EXPECT_EQ(scanned.Find("X "), 1);
+        EXPECT_EQ(scanned.Find("Y"), 0);
+        EXPECT_EQ(scanned.Find("x"), 0);
+        m_X.SetInCond(1);
+        formula.GetVariables(scanned, 0, 1);
+        EXPECT_EQ(Names(scanned), "X  Y Y Z");
+    }
+    EXPECT_EQ(names.GetCount(), 4);
+    EXPECT_EQ(InCondition(), "XY") << "X was met before, so its flag can only rise";
+}
+
+} // namespace
+
+} // namespace tovo::test

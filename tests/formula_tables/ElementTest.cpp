@@ -1,0 +1,186 @@
+#include <calculation/Job.h>
+#include <expression_text/Texts.h>
+
+namespace tovo::test {
+
+namespace {
+
+class Element : public Job {
+protected:
+    CFormtblElem m_Element{m_Set};
+};
+
+TEST_F(Element, CombinedStringIsAKindAndANameOrThousandths)
+{
+    const struct {
+        const char* given;
+        WCHAR type;
+        const char* name;
+        int valid;
+        double value;
+        const char* written;
+    } rows[] = {
+        {"VHeight", u'V', "Height", 1, 3.5, "VHeight"},
+        {"FArea", u'F', "Area", 1, 0, "FArea"}, // not calculated yet
+        {"TUnion?", u'T', "Union?", 1, 0, "TUnion?"},
+        {"FGone", u'F', "Gone", 1, 0, "FGone"},
+        {"V", u'V', "", 1, 0, "V"},
+        {"Tax", u'T', "ax", 1, 0, "Tax"},
+        {"V Height ", u'V', " Height ", 1, 0, "V Height "},
+        {"7500", 0, "7500", 1, 7.5, "7500.000000"},
+        {"-12.5", 0, "-12.5", 1, -0.0125, "-12.500000"},
+        {"x1", 0, "x1", 1, 0, ""},
+        {"vx", 0, "vx", 1, 0, ""},
+        {"0", 0, "0", 1, 0, ""},
+        {"", 0, "", 0, 0, ""},
+    };
+    Var("Height", 3.5);
+    Formula("Area", "V(Height)*2");
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.given);
+        m_Element.SetFromCombinedString(row.given);
+        EXPECT_EQ(m_Element.GetType(), row.type);
+        EXPECT_EQ(m_Element.GetName().ToUtf8(), row.name);
+        EXPECT_EQ(m_Element.isValid(), row.valid);
+        EXPECT_EQ(m_Element.value(), row.value);
+        EXPECT_EQ(m_Element.GetCombinedString().ToUtf8(), row.written);
+        EXPECT_EQ(m_Element.isConstant(), row.type == 0);
+        const CFormtblElem again(row.written, m_Set);
+        EXPECT_EQ(again.GetCombinedString().ToUtf8(), row.written);
+        EXPECT_EQ(again.value(), row.value);
+    }
+}
+
+TEST_F(Element, UserTypesAPlainNumber)
+{
+    const struct {
+        const char* decimal;
+        const char* typed;
+        const char* kept;
+        const char* shown;
+    } rows[] = {
+        {".", "2.5", "2500", "2.500"},
+        {".", "-12", "-12000", "-12.000"},
+        {".", "1,234.5", "1234500", "1234.500"},
+        {".", "1,234,567", "1234567000", "1234567.000"},
+        {".", "2,5", "2500", "2.500"},
+        {".", "0.000002", "0.002", "0.000"},
+        {".", " 1 000 ", "1000000", "1000.000"},
+        {".", "", "0", "0.000"},
+        {".", "abc", "0", "0.000"},
+        {",", "2,5", "2500", "2,500"},
+        {",", "2.5", "2500", "2,500"},
+        {",", "1.234,5", "1234500", "1234,500"},
+        {",", "1,234.5", "1234500", "1234,500"},
+        {",", "0,000002", "0.002", "0,000"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.typed) + " with " + row.decimal);
+        const UserLanguage language(row.decimal, ";");
+        m_Element.ClearAll();
+        m_Element.XSetName(row.typed);
+        EXPECT_EQ(m_Element.GetName().ToUtf8(), row.kept);
+        EXPECT_EQ(m_Element.XGetName().ToUtf8(), row.shown);
+        EXPECT_EQ(m_Element.isValid(), 1);
+        EXPECT_EQ(m_Element.isConstant(), 1);
+        const double value = m_Element.value();
+        m_Element.XSetName(m_Element.XGetName());
+        EXPECT_NEAR(m_Element.value(), value, 0.0005) << "what is shown can be typed again";
+    }
+    m_Element.init("VRate");
+    m_Element.XSetName("1,5 ");
+    EXPECT_EQ(m_Element.GetCombinedString().ToUtf8(), "V1,5 ");
+    EXPECT_EQ(m_Element.XGetName().ToUtf8(), "1,5 ");
+}
+
+TEST_F(Element, CopyKeepsTheSetOfItsTarget)
+{
+    JobSet other;
+    Var("Rate", 3);
+    CFormtblElem source("VRate", m_Set);
+    CFormtblElem target("5000", other);
+    target = source;
+    EXPECT_EQ(target.GetCombinedString().ToUtf8(), "VRate");
+    EXPECT_EQ(target.value(), 0.0) << "the other set makes up its own variable";
+    EXPECT_EQ(CFormtblElem(source).value(), 3.0);
+    CFormtblElem& itself = source;
+    source = itself;
+    EXPECT_EQ(source.value(), 3.0);
+    source.ClearAll();
+    EXPECT_EQ(source.isValid() + source.GetType(), 0);
+    source.SetType(u'F');
+    EXPECT_EQ(source.isValid(), 0);
+    source.SetName("Ok?");
+    EXPECT_EQ(source.isValid() + source.isYesNo() + source.isFormula(), 3);
+}
+
+TEST_F(Element, NestedCheckNamesTheElement)
+{
+    Formula("Good", "1");
+    Formula("Bad", "1+");
+    Table("Twisted", "", {"", ""}).SetRowLimit(1, 0.0);
+    const struct {
+        const char* combined;
+        unsigned int message;
+        const char* chain;
+    } rows[] = {
+        {"FGone", 6614, "6614 [Formula: Gone]"},
+        {"TGone", 6615, "6615 [Formula table: Gone]"},
+        {"FBad", 10732, "10732 [token: + | Formula: Bad | Formula table element: Bad]"},
+        {"TTwisted", 10847, "10847 [Formula table: Twisted | Formula table element: Twisted]"},
+        {"FGood", 0, nullptr},
+        {"VGone", 0, nullptr},
+        {"5000", 0, nullptr},
+        {"", 0, nullptr},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.combined);
+        m_Element.init(row.combined);
+        unsigned int message = 77;
+        EXPECT_EQ(m_Element.CheckNestedFormulas(message), row.message == 0);
+        EXPECT_EQ(message, row.message == 0 ? 77 : row.message);
+        if (row.chain) {
+            EXPECT_EQ(Chain(), row.chain);
+        }
+    }
+}
+
+TEST_F(Element, CalculationRecordsWhatItMeets)
+{
+    VariableImpl& rate = Var("Rate", 1);
+    Var("x", 1);
+    Formula("Area", "V(x)*2");
+    const auto scan = [this](CScannedVariables& scanned, const char* combined) {
+        m_Element.init(combined);
+        unsigned int message = 77;
+        const int calculated = m_Element.Calculate(message, &scanned);
+        EXPECT_EQ(message, 77u);
+        return calculated;
+    };
+    CScannedVariables scanned;
+    rate.SetInCond(1);
+    EXPECT_EQ(scan(scanned, "VRate"), 1);
+    EXPECT_EQ(rate.InCond(), 0) << "the first meeting writes the flag both ways";
+    CExprTree::StartIfCondition();
+    EXPECT_EQ(scan(scanned, "VRate"), 1);
+    CExprTree::EndIfCondition();
+    EXPECT_EQ(scan(scanned, "VRate"), 1);
+    EXPECT_EQ(rate.InCond(), 1) << "later meetings only raise it";
+    EXPECT_EQ(scan(scanned, "FArea"), 1);
+    EXPECT_EQ(m_Element.value(), 2.0);
+    EXPECT_EQ(scan(scanned, "2000"), 1);
+    EXPECT_EQ(scan(scanned, "FGone"), 0);
+    EXPECT_EQ(scan(scanned, "TGone"), 0);
+    EXPECT_EQ(Names(scanned), "Rate x");
+
+    CScannedVariables walked;
+    for (const char* combined : {"VRate  ", "VRate", "FArea", "FGone", "TGone", "1000", ""}) {
+        m_Element.init(combined);
+        m_Element.GetVariables(walked, 1, 0);
+    }
+    EXPECT_EQ(Names(walked), "Rate x");
+}
+
+} // namespace
+
+} // namespace tovo::test

@@ -1,0 +1,287 @@
+#include <functional>
+
+#include <calculation/Job.h>
+
+namespace tovo::test {
+
+namespace {
+
+class FormulaTable : public Job {
+protected:
+    // A table of the given size whose cells are the constants 1, 2, 3 and so on, row by row, and
+    // whose limits are 10, 20, 30 and so on.
+    std::unique_ptr<FormulaTableImpl> Grid(int rows, int columns, const CString& rowSelector = "",
+                                           const CString& columnSelector = "")
+    {
+        auto table = std::make_unique<FormulaTableImpl>(&m_Set, rows, columns);
+        CString name("Grid");
+        table->SetName(name);
+        table->SetRowSelector(CFormtblElem(rowSelector, m_Set));
+        table->SetColumnSelector(CFormtblElem(columnSelector, m_Set));
+        for (int row = 0; row < rows; ++row) {
+            table->SetRowLimit(row, 10.0 * (row + 1));
+            for (int column = 0; column < columns; ++column)
+                SetCell(*table, row, column, std::to_string(1000 * (row * columns + column + 1)));
+        }
+        for (int column = 0; column < columns; ++column)
+            table->SetColumnLimit(column, 10.0 * (column + 1));
+        return table;
+    }
+    void SetCell(FormulaTableImpl& table, int row, int column, const std::string& combined)
+    {
+        delete table.GetCell(row, column);
+        table.SetCell(row, column, new CFormtblElem(CString(combined), m_Set));
+    }
+};
+
+TEST_F(FormulaTable, SelectorPicksTheFirstLimitThatIsNotBelowIt)
+{
+    const struct {
+        double selector;
+        short index; // of three rows or columns
+    } rows[] = {
+        {-1e300, 0}, {-5, 0}, {0, 0},    {9.99, 0}, {10, 0},   {10 + 5e-13, 0}, {10 + 1e-9, 1},
+        {10.01, 1},  {20, 1}, {20.5, 2}, {30, 2},   {30.5, 2}, {1e300, 2},
+    };
+    VariableImpl& down = Var("down");
+    VariableImpl& across = Var("across");
+    const auto table = Grid(3, 3, "Vdown", "Vacross");
+    // The last limit of all is never read in a lookup.
+    table->SetColumnLimit(2, -7.0);
+    for (const auto& row : rows) {
+        for (const auto& column : rows) {
+            SCOPED_TRACE(std::to_string(row.selector) + " " + std::to_string(column.selector));
+            down.SetValue(row.selector);
+            across.SetValue(column.selector);
+            EXPECT_EQ(table->GetRowIndex(), row.index);
+            EXPECT_EQ(table->GetColIndex(), column.index);
+            table->SetCalculated(0);
+            EXPECT_EQ(MessageOfCalculation(*table), 0u);
+            EXPECT_EQ(table->GetValue(), 3 * row.index + column.index + 1);
+        }
+    }
+}
+
+TEST_F(FormulaTable, YesNoSelectorIsOneOrZero)
+{
+    VariableImpl& done = Var("Done?");
+    const auto table = Grid(2, 1, "VDone?", "FGone");
+    table->SetRowLimit(0, 0.0);
+    EXPECT_EQ(MessageOfCalculation(*table), 0u) << "one column needs no column selector";
+    EXPECT_EQ(table->GetValue(), 1.0);
+    EXPECT_EQ(table->GetColIndex(), 0);
+    done.SetValue(1);
+    table->SetCalculated(0);
+    EXPECT_EQ(MessageOfCalculation(*table), 0u);
+    EXPECT_EQ(table->GetValue(), 2.0);
+}
+
+TEST_F(FormulaTable, LimitsMustRise)
+{
+    const struct {
+        std::vector<double> rowLimits;
+        std::vector<double> columnLimits;
+        unsigned int message;
+    } rows[] = {
+        {{1, 2, 3}, {0}, 0},        {{0, 0}, {0}, 10847},     {{1, 2, 2}, {0}, 10847},
+        {{2, 1, 3}, {0}, 10847},    {{1, 1 + 1e-15}, {0}, 0}, {{1, 2}, {0, 0}, 0},
+        {{1, 2}, {5, 5, 0}, 10846}, {{1, 2}, {1, 5, 0}, 0},   {{1, 2}, {1, 2, 2, 9}, 10846},
+        {{1, 1}, {5, 5, 0}, 10847},
+    };
+    for (const auto& row : rows) {
+        const auto table =
+            Grid(static_cast<int>(row.rowLimits.size()), static_cast<int>(row.columnLimits.size()));
+        for (std::size_t i = 0; i < row.rowLimits.size(); ++i)
+            table->SetRowLimit(static_cast<int>(i), row.rowLimits[i]);
+        for (std::size_t i = 0; i < row.columnLimits.size(); ++i)
+            table->SetColumnLimit(static_cast<int>(i), row.columnLimits[i]);
+        EXPECT_EQ(MessageOfCheck(*table, 0), row.message)
+            << testing::PrintToString(row.rowLimits) << testing::PrintToString(row.columnLimits);
+        if (row.message != 0) {
+            EXPECT_EQ(Chain(), std::to_string(row.message) + " [Formula table: Grid]");
+            EXPECT_NE(MessageOfCalculation(*table), 0u);
+        }
+    }
+}
+
+TEST_F(FormulaTable, ChainLeadsFromTheFaultToTheTable)
+{
+    Formula("Bad", "1+");
+    const auto expectChain = [this](FormulaTableImpl& table, const std::string& chain) {
+        EXPECT_EQ(std::to_string(MessageOfCheck(table, 1)), chain.substr(0, chain.find(' ')));
+        EXPECT_EQ(Chain(), chain);
+        EXPECT_EQ(MessageOfCalculation(table), MessageOfCheck(table, 1));
+        EXPECT_EQ(table.GetCalculated(), 0);
+    };
+    const auto table = Grid(2, 3);
+    SetCell(*table, 1, 2, "FGone");
+    expectChain(*table, "6614 [Formula: Gone | Cell at row 2, column 3. | Formula table: Grid]");
+    SetCell(*table, 1, 0, "TGone");
+    expectChain(*table,
+                "6615 [Formula table: Gone | Cell at row 2, column 1. | Formula table: Grid]");
+    SetCell(*table, 0, 1, "FBad");
+    expectChain(*table, "10732 [token: + | Formula: Bad | Cell at row 1, column 2. | "
+                        "Formula table: Grid]");
+    table->GetColumnSelector().init("FGone");
+    expectChain(*table, "6614 [Formula: Gone | Column selector | Formula table: Grid]");
+    table->GetRowSelector().init("TGone");
+    expectChain(*table, "6615 [Formula table: Gone | Row selector | Formula table: Grid]");
+    const auto inner = Grid(2, 1, "FGone");
+    CString name("Inner");
+    inner->SetName(name);
+    m_Set.AddFormulaTable(inner.get());
+    table->GetRowSelector().init("TInner");
+    expectChain(*table, "6614 [Formula: Gone | Row selector | Formula table: Inner | Row selector "
+                        "| Formula table: Grid]");
+}
+
+TEST_F(FormulaTable, EmptyPlaceIsAFaultAndNoCrash)
+{
+    const auto table = Grid(2, 3, "15000", "25000");
+    delete table->GetCell(1, 2);
+    table->SetCell(1, 2, nullptr);
+    const auto expectFault = [&](unsigned int message) {
+        EXPECT_EQ(message, 10732u);
+        EXPECT_EQ(m_Set.ErrorTracker().GetError(), 10732u);
+        EXPECT_NE(Chain().find("Cell at row 2, column 3."), std::string::npos) << Chain();
+        EXPECT_NE(Chain().find("Formula table: Grid]"), std::string::npos) << Chain();
+        m_Set.ErrorTracker().SetError(0, nullptr);
+    };
+    expectFault(MessageOfCheck(*table, 0));
+    expectFault(MessageOfCalculation(*table));
+    table->SetValidated(1);
+    expectFault(MessageOfCalculation(*table));
+    CScannedVariables scanned;
+    table->GetVariables(scanned, 1, 0);
+    EXPECT_EQ(Names(scanned), "");
+}
+
+TEST_F(FormulaTable, CalculatedTableAnswersAtOnce)
+{
+    VariableImpl& rate = Var("Rate", 3);
+    VariableImpl& pick = Var("Pick", 5);
+    const auto table = Grid(2, 1, "VPick");
+    SetCell(*table, 0, 0, "VRate");
+    EXPECT_EQ(table->GetValue(), 0.0);
+    EXPECT_EQ(MessageOfCalculation(*table), 0u);
+    rate.SetValue(4);
+    EXPECT_EQ(MessageOfCalculation(*table), 0u);
+    EXPECT_EQ(table->GetValue(), 3.0);
+    EXPECT_EQ(table->GetCalculated() * 10 + table->GetScanned(), 10);
+
+    // A scan passes through a table that was only calculated, and once more inside a condition.
+    const auto scan = [&](bool inCondition) {
+        CScannedVariables scanned;
+        if (inCondition)
+            CExprTree::StartIfCondition();
+        EXPECT_EQ(MessageOfCalculation(*table, &scanned), 0u);
+        if (inCondition)
+            CExprTree::EndIfCondition();
+        EXPECT_EQ(CExprTree::InIfCondition(), 0);
+        return Names(scanned) + (table->GetScannedInCondition() ? " in condition" : "");
+    };
+    EXPECT_EQ(scan(false), "Pick Rate");
+    EXPECT_EQ(table->GetValue(), 4.0);
+    EXPECT_EQ(table->GetScanned(), 1);
+    EXPECT_EQ(pick.InCond() * 10 + rate.InCond(), 10);
+    EXPECT_EQ(scan(false), "");
+    EXPECT_EQ(scan(true), "Pick Rate in condition");
+    EXPECT_EQ(rate.InCond(), 1);
+    EXPECT_EQ(scan(true), " in condition");
+    table->SetScanned(0);
+    EXPECT_EQ(scan(false), "Pick Rate in condition");
+}
+
+TEST_F(FormulaTable, ValidatedTableIsNotLookedAtAgain)
+{
+    FormulaImpl& cell = Formula("Cell", "F(Gone)");
+    const auto table = Grid(2, 1, "5000");
+    SetCell(*table, 0, 0, "FCell");
+    EXPECT_EQ(MessageOfCheck(*table, 1), 6614u);
+    EXPECT_EQ(MessageOfCheck(*table, 0), 0u) << "the formula alone is sound";
+    const std::string chain = Chain();
+    EXPECT_EQ(MessageOfCheck(*table, 1), 0u);
+    table->SetRowLimit(1, 0.0);
+    EXPECT_EQ(MessageOfCheck(*table, 1), 0u);
+    EXPECT_EQ(Chain(), chain);
+
+    // A failed calculation leaves the value and the flags of the last good one.
+    EXPECT_EQ(MessageOfCalculation(*table), 6614u);
+    EXPECT_EQ(table->GetCalculated(), 0);
+    cell.SetFromEncodedString("8");
+    EXPECT_EQ(MessageOfCalculation(*table), 0u);
+    cell.SetFromEncodedString("1+");
+    CScannedVariables scanned;
+    EXPECT_EQ(MessageOfCalculation(*table, &scanned), 10732u);
+    EXPECT_EQ(table->GetValue(), 8.0);
+    EXPECT_EQ(table->GetCalculated() * 10 + table->GetScanned(), 10);
+    table->SetValidated(0);
+    EXPECT_EQ(MessageOfCheck(*table, 0), 10847u);
+}
+
+TEST_F(FormulaTable, ScanListsEveryCellOrWhatIsReached)
+{
+    for (const char* name : {"down", "across", "a", "b", "c", "d"})
+        Var(name, 15);
+    const auto names = [](FormulaTableImpl& table, int all) {
+        CScannedVariables scanned;
+        table.GetVariables(scanned, all, 1);
+        return Names(scanned);
+    };
+    const auto square = Grid(2, 2, "Vdown", "Vacross");
+    const auto line = Grid(2, 1, "Vdown", "Vacross");
+    const char* const cells[] = {"Va", "Vb", "Vc", "Vd"};
+    for (int i = 0; i < 4; ++i) {
+        SetCell(*square, i / 2, i % 2, cells[i]);
+        if (i < 2)
+            SetCell(*line, i, 0, cells[i]);
+    }
+    EXPECT_EQ(names(*square, 1), "down across a b c d");
+    EXPECT_EQ(square->GetCalculated() + square->GetScanned(), 0);
+    EXPECT_EQ(names(*square, 0), "down across d");
+    EXPECT_EQ(names(*line, 1), "down a b");
+    EXPECT_EQ(names(*line, 0), "down b");
+    EXPECT_EQ(m_Set.m_ClearCalls, (std::vector<int>{1, 1, 1, 1}));
+}
+
+TEST_F(FormulaTable, BadArgumentIsNamed)
+{
+    const auto table = Grid(3, 2);
+    FormulaTableImpl& grid = *table;
+    CFormtblElem cell(m_Set);
+    const struct {
+        const char* argument;
+        const char* function;
+        std::function<void()> call;
+    } rows[] = {
+        {"pBadPtr", "FormulaImpl::FormulaImpl", [] { FormulaTableImpl(nullptr, 2, 1); }},
+        {"numRows", "FormulaImpl::FormulaImpl", [this] { FormulaTableImpl(&m_Set, 1, 1); }},
+        {"numColumns", "FormulaImpl::FormulaImpl", [this] { FormulaTableImpl(&m_Set, 2, 0); }},
+        {"numRows", "FormulaImpl::FormulaImpl", [this] { FormulaTableImpl(&m_Set, -9, -9); }},
+        {"row", "FormulaImpl::GetRowLimit", [&] { grid.GetRowLimit(-1); }},
+        {"row", "FormulaImpl::GetRowLimit", [&] { grid.GetRowLimit(3); }},
+        {"row", "FormulaImpl::SetRowLimit", [&] { grid.SetRowLimit(3, 1.0); }},
+        {"column", "FormulaImpl::GetColumnLimit", [&] { grid.GetColumnLimit(2); }},
+        {"column", "FormulaImpl::SetColumnLimit", [&] { grid.SetColumnLimit(-1, 1.0); }},
+        {"row", "FormulaImpl::GetCell", [&] { grid.GetCell(3, 0); }},
+        {"column", "FormulaImpl::GetCell", [&] { grid.GetCell(0, 2); }},
+        {"row", "FormulaImpl::SetCell", [&] { grid.SetCell(-1, 0, &cell); }},
+        {"column", "FormulaImpl::SetCell", [&] { grid.SetCell(0, 5, &cell); }},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.function);
+        try {
+            row.call();
+            ADD_FAILURE() << "nothing was thrown for " << row.argument;
+        } catch (const CInvalidArgException& refusal) {
+            const std::string text = refusal.what();
+            for (const char* part : {row.argument, row.function, "FormulaTableImpl"})
+                EXPECT_NE(text.find(part), std::string::npos) << text;
+        }
+    }
+    EXPECT_EQ(MessageOfCheck(grid, 1), 0u) << "no refused call has changed the table";
+}
+
+} // namespace
+
+} // namespace tovo::test

@@ -1,0 +1,142 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <TovoFormula/TovoFormula.h>
+#include <expression_text/Texts.h>
+
+namespace tovo::test {
+
+namespace {
+
+std::string Resource(UINT id)
+{
+    CString text("(none)");
+    text.LoadString(id);
+    return text.ToUtf8();
+}
+
+std::string TokenName(int code)
+{
+    CString text("(none)");
+    CFmlaExprBase::GetTokenString(code, text);
+    return text.ToUtf8();
+}
+
+// What a host finds that has not called InitTovoFormulaDLL. Made before main, so that no test of
+// this program can come before it, and followed by the call.
+struct BeforeStartUp {
+    BeforeStartUp()
+    {
+        CFmlaExpression expression(set);
+        expression.SetFromEncodedString("IF(1>2 OR YES,ROUND(2.5,0),PI)*QUANTITY");
+        set.SetQuantity(2);
+        isValid = expression.IsValid() && expression.Calculate(nullptr);
+        value = expression.GetValue();
+        message = Resource(6600);
+        InitTovoFormulaDLL(0);
+    }
+
+    CalcSetImpl set;
+    int isValid = 0;
+    double value = 0.0;
+    std::string message;
+};
+
+const BeforeStartUp before;
+
+TEST(Module, LanguageWorksBeforeStartUp)
+{
+    EXPECT_EQ(before.isValid, 1);
+    EXPECT_EQ(before.value, 6.0);
+    EXPECT_EQ(before.message, "(none)");
+}
+
+TEST(Module, EveryStringIsFoundByItsId)
+{
+    const struct {
+        UINT id;
+        const char* text;
+    } rows[] = {
+        {6600, "Comma expected."},
+        {6604, "A divide by zero occurred during calculation."},
+        {6606, "A divide by zero occurred while processing a POWER function in the calculation."},
+        {6608, "Inserting a formula into itself is not allowed."},
+        {6613, "A math function returned an invalid result.  Possibly, the result was too large to "
+               "be processed by the system."},
+        {6614, "Formula not found."},
+        {6616, "Numbers with more than 15 digits cannot be processed."},
+        {6629, "Unexpected parenthesis."},
+        {6630, "Unrecognized element."},
+        {6631, "ABS"},
+        {6637, ","},
+        {6640, "."},
+        {6646, ">="},
+        {6665, ".0123456789"},
+        {6672, "ROUNDTO"},
+        {6681, "YES"},
+        {6682, "Invalid formula element."},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Resource(row.id), row.text) << row.id;
+    for (const UINT outside : {0u, 6599u, 6683u, 10732u, 10846u, 10847u})
+        EXPECT_EQ(Resource(outside), "(none)") << outside;
+    int found = 0;
+    for (UINT id = 6600; id <= 6682; ++id) {
+        CString text;
+        found += text.LoadString(id) != 0 && !text.IsEmpty();
+    }
+    EXPECT_EQ(found, 83);
+}
+
+TEST(Module, TokenNamesAreThoseOfTheNewestModule)
+{
+    const struct {
+        int code;
+        const char* english;
+        const char* german;
+    } rows[] = {
+        {TOK_VARIABLE, "", ""},        {TOK_ILLEGAL, "", ""},
+        {TOK_GROUP, "", ""},           {TOK_NUMBER, ".0123456789", ",0123456789"},
+        {TOK_COMMA, ",", ";"},         {TOK_GE_SIGN, ">=", ">="},
+        {TOK_IF, "IF", "WENN"},        {TOK_NOT, "NOT", "NICHT"},
+        {TOK_TRUNC, "TRUNC", "TRUNC"}, {-1, "(none)", "(none)"},
+        {55, "(none)", "(none)"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(TokenName(row.code), row.english) << row.code;
+    {
+        const UserLanguage german(",", ";", kGermanNames);
+        for (const auto& row : rows)
+            EXPECT_EQ(TokenName(row.code), row.german) << row.code;
+        EXPECT_EQ(Resource(6649), "WENN");
+        EXPECT_EQ(Resource(6600), "Comma expected.");
+        CFmlaExprBase::ReInitExprNames();
+        EXPECT_EQ(TokenName(TOK_TRUNC), "TRUNC");
+    }
+    for (const auto& row : rows)
+        EXPECT_EQ(TokenName(row.code), row.english) << row.code;
+}
+
+TEST(Module, EmptyNameFallsBackToTheEnglishOne)
+{
+    static constexpr AfxStringResource kEmptyNames[] = {{6668, u""}, {6637, u""}, {6677, u""}};
+    const UserLanguage careless("", "", kEmptyNames);
+    EXPECT_EQ(TokenName(TOK_PLUS) + TokenName(TOK_COMMA) + TokenName(TOK_SUM), "+,SUM");
+    CalcSetImpl set;
+    CFmlaExpression expression(set);
+    expression.SetExpr("SUM(1,2)+3");
+    EXPECT_EQ(expression.IsValid(), 1);
+    EXPECT_EQ(expression.GetValue(), 6.0);
+}
+
+TEST(Module, SecondStartUpDoesNoHarm)
+{
+    InitTovoFormulaDLL(1);
+    EXPECT_EQ(Resource(6682), "Invalid formula element.");
+    EXPECT_EQ(TokenName(TOK_IF), "IF");
+}
+
+} // namespace
+
+} // namespace tovo::test
