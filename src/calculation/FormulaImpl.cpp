@@ -24,7 +24,7 @@ FormulaImpl::~FormulaImpl() = default;
 
 int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
 {
-    if (!IsValid(message, 1))
+    if (!m_Expression.IsValid(message, m_Name, 1))
         return 0;
     if (m_Expression.Calculate(list))
         return 1;

@@ -1,0 +1,37 @@
+#ifndef TOVO_CALC_OPTIONS_H
+#define TOVO_CALC_OPTIONS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <TovoPlatform/WideString.h>
+
+// The exit codes. Scripts test these: never renumber.
+inline constexpr int kAllCalculated = 0;
+inline constexpr int kCalculationFailed = 1;
+inline constexpr int kNothingCalculated = 2;
+
+// A value from the command line, for a variable or a job value.
+struct Setting {
+    CString name;
+    double value = 0.0;
+};
+
+struct Options {
+    std::string jobFile; // empty if there is an expression
+    std::optional<std::string> expression;
+    std::vector<Setting> settings;
+    std::string languageFile; // empty for none, as are the separators
+    std::string decimal;
+    std::string list;
+    bool isStrict = false;
+    bool isStaticScan = false;
+    bool isJson = false;
+};
+
+// Fills the options. Gives the exit code if there is nothing more to do: after the help text, and
+// after a usage error, which is told to the user here.
+std::optional<int> ReadCommandLine(int argc, char** argv, Options& options);
+
+#endif
