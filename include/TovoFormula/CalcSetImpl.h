@@ -59,9 +59,9 @@ public:
     // that each is calculated again from the present values. Call it between two passes.
     void StartNewPass();
 
-    void SetDuration(double duration) { m_Duration = duration; }
-    void SetJobSize(double jobSize) { m_JobSize = jobSize; }
-    void SetQuantity(double quantity) { m_Quantity = quantity; }
+    void SetDuration(double duration);
+    void SetJobSize(double jobSize);
+    void SetQuantity(double quantity);
     // What scans have recorded. Only the host resets these, through the setters above.
     int GetDURATIONInCondition() const { return m_DURATIONInCondition; }
     int GetJOBSIZEInCondition() const { return m_JOBSIZEInCondition; }

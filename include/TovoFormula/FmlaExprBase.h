@@ -192,13 +192,19 @@ protected:
 private:
     int IsSingleOfKind(int kind) const;
     tovo::detail::Reference EntryAt(int index) const;
+    tovo::detail::Reference NextVar();
     void ReportFault(unsigned int message);
+    void NoteTextChange();
+    void SetText(const CString& text, const CWordArray& references);
     void MoveReferences(int fromPos, int distance);
     template <typename Judge>
     int FindReference(int pos, int* pIndex, Judge judge) const;
     int EdgeOf(int index, int pos, FMLA_DIRECTION direction) const;
-    tovo::detail::Translation TranslationOf(std::vector<tovo::detail::Reference> references,
-                                            TEXT_LANGUAGE target) const;
+    static tovo::detail::Translation TranslationOf(const CString& text,
+                                                   std::vector<tovo::detail::Reference> references,
+                                                   TEXT_LANGUAGE target);
+    void TranslateAndTake(const std::vector<tovo::detail::Reference>& references,
+                          TEXT_LANGUAGE target);
     void TakeTranslation(const tovo::detail::Translation& translation);
 
 protected:
@@ -208,6 +214,12 @@ protected:
     int m_MessageNum = 0;
     int m_ScanPos = 0;
     int m_ExprTextLimit = kDefaultTextLimit;
+
+private:
+    // How many references the scan has passed when it stood at a position, so that a scan token by
+    // token does not look through the whole table each time.
+    int m_PassedVars = 0;
+    int m_PassedAt = 0;
 };
 
 #endif

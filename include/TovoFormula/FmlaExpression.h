@@ -1,6 +1,8 @@
 #ifndef TOVOFORMULA_FMLAEXPRESSION_H
 #define TOVOFORMULA_FMLAEXPRESSION_H
 
+#include <cstdint>
+
 #include <TovoFormula/ExprTree.h>
 #include <TovoFormula/FmlaExprBase.h>
 
@@ -81,6 +83,10 @@ protected:
     // The names of the formulas under validation, innermost at the head. Kept for each thread; an
     // entry goes again on every way out of the IsValid that made it.
     static thread_local CStringList m_NestedFmlaNames;
+
+private:
+    friend class FormulaImpl;
+    std::uint64_t m_TreeState = 0; // another number whenever the tree may have other values
 
 private:
     int Fail(unsigned int message);

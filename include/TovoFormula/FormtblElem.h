@@ -41,7 +41,7 @@ public:
     void XSetName(const CString& text);
     CString XGetName() const;
     // The kind: u'V', u'F', u'T', or 0 for a constant or an empty element. Not checked.
-    void SetType(WCHAR type) { m_Type = type; }
+    void SetType(WCHAR type);
     WCHAR GetType() const { return m_Type; }
     void ClearAll();
 

@@ -1,14 +1,21 @@
 #ifndef TOVOFORMULA_FORMULAIMPL_H
 #define TOVOFORMULA_FORMULAIMPL_H
 
+#include <memory>
+
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/FmlaExpression.h>
+
+namespace tovo::detail {
+class FormulaMemory;
+}
 
 // The stock formula: a name, a unit text and an expression. The host makes, names, fills and owns
 // it, and adds it to a set, which finds it under the name that it had then.
 //
-// The three flags are the host's: the library writes none of them, and each Calculate validates and
-// calculates afresh.
+// The three flags are the host's: the library writes none of them. Each Calculate of a host
+// validates and calculates afresh; within it, a formula that is named in several places is
+// validated and calculated once, as long as nothing changes that it rests on.
 class TOVO_API FormulaImpl : public CObject, public IFormulaObj {
 public:
     // The set must outlive every calculation. A null pointer throws CInvalidArgException.
@@ -56,6 +63,11 @@ protected:
     int m_Validated = 0;
     ICalculationSet* m_CalcSet; // not owned
     CFmlaExpression m_Expression;
+
+private:
+    int Validate(unsigned int& message, int nested);
+
+    std::unique_ptr<tovo::detail::FormulaMemory> m_Memory;
 };
 
 #endif

@@ -67,10 +67,10 @@ public:
     void SetRowSelector(const CFormtblElem& selector);
     void SetColumnSelector(const CFormtblElem& selector);
 
-    void SetScanned(int scanned) { m_Scanned = scanned; }
-    void SetScannedInCondition(int inCondition) { m_ScannedInCondition = inCondition; }
-    void SetCalculated(int calculated) { m_Calculated = calculated; }
-    void SetValidated(int validated) { m_Validated = validated; }
+    void SetScanned(int scanned);
+    void SetScannedInCondition(int inCondition);
+    void SetCalculated(int calculated);
+    void SetValidated(int validated);
 
     // Where the present values of the selectors fall.
     short GetRowIndex() const;

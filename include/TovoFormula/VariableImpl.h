@@ -17,7 +17,7 @@ public:
     void SetName(CString& name) override;
     double GetValue() override { return m_Value; }
     // Stored unchanged, also for a yes/no variable.
-    void SetValue(double value) override { m_Value = value; }
+    void SetValue(double value) override;
     void SetInCond(int inCondition) override { m_InCond = inCondition != 0; }
     bool IsNumeric() override { return m_ValueType == VALUE_NUMERIC; }
     bool IsBoolean() override { return m_ValueType == VALUE_BOOLEAN; }

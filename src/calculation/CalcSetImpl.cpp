@@ -6,6 +6,10 @@
 #include <TovoFormula/VariableImpl.h>
 #include <TovoPlatform/ArgumentValidator.h>
 
+#include "../expression_core/Pass.h"
+
+using namespace tovo::detail;
+
 namespace {
 
 // The object that a map has under a name, null if there is none.
@@ -22,6 +26,7 @@ void Enter(CMap<CString, const CString&, Object*, Object*>& map, Object* object,
            const char* argument, const char* function)
 {
     CArgumentValidator::ValidateNonNullPointer("CalcSetImpl", line, object, argument, function);
+    Pass::NoteChange();
     map.SetAt(object->GetName(), object);
 }
 
@@ -68,6 +73,8 @@ IVarObj* CalcSetImpl::GetVarObj(CExString name, int, long)
         return variable;
     if (VariableImpl* const variable = Find(*m_MissingVariables, name))
         return variable;
+    // Whoever has read the name before has made the variable up, so nothing remembered rests on it.
+    const NoChange unnoted;
     auto variable = std::make_unique<VariableImpl>(this);
     variable->SetName(name);
     m_MissingVariables->SetAt(name, variable.get());
@@ -129,6 +136,7 @@ void CalcSetImpl::AddFormulaTable(FormulaTableImpl* table)
 
 void CalcSetImpl::ClearMissingVariables()
 {
+    Pass::NoteChange();
     DeleteVariables(*m_MissingVariables);
 }
 
@@ -139,4 +147,22 @@ void CalcSetImpl::StartNewPass()
         table.SetScanned(0);
         table.SetScannedInCondition(0);
     });
+}
+
+void CalcSetImpl::SetDuration(double duration)
+{
+    Pass::NoteChange();
+    m_Duration = duration;
+}
+
+void CalcSetImpl::SetJobSize(double jobSize)
+{
+    Pass::NoteChange();
+    m_JobSize = jobSize;
+}
+
+void CalcSetImpl::SetQuantity(double quantity)
+{
+    Pass::NoteChange();
+    m_Quantity = quantity;
 }

@@ -5,6 +5,7 @@
 #include <TovoFormula/MessageIds.h>
 
 #include "../expression_core/Names.h"
+#include "../expression_core/Pass.h"
 #include "../expression_core/ScanRecord.h"
 #include "StaticScan.h"
 
@@ -22,6 +23,7 @@ int CFmlaExpression::CheckNestedFormtbl(CString name)
 
 int CFmlaExpression::NestedFormulasOK()
 {
+    const Pass pass;
     CString text;
     int code = TOK_ILLEGAL;
     for (POSITION pos = m_Tree.FindFirstFmlOrTbl(); pos;) {
@@ -57,6 +59,7 @@ int CFmlaExpression::CheckNested(Object* object, unsigned int notFound, const CS
         CalcSet().ErrorTracker().SetError(notFound, this, missing);
         return 0;
     }
+    const NestedCall call(*object);
     auto message = static_cast<unsigned int>(m_MessageNum);
     if (object->IsValid(message, 1))
         return 1;
@@ -68,7 +71,7 @@ int CFmlaExpression::CheckNested(Object* object, unsigned int notFound, const CS
 void CFmlaExpression::ScanStatically(CScannedVariables& list)
 {
     StaticScan scan(list);
-    if (!scan.Enters(this))
+    if (scan.IsTooDeep() || !scan.Enters(this))
         return;
     struct Found {
         int code;
@@ -82,7 +85,10 @@ void CFmlaExpression::ScanStatically(CScannedVariables& list)
         references.push_back(std::move(found));
     }
     const auto scanNested = [&](auto* object) {
-        if (object && !object->GetScanned() && scan.Enters(object))
+        if (!object)
+            return;
+        const NestedCall call(*object);
+        if (!object->GetScanned() && scan.Enters(object))
             object->GetVariables(list, 1, 0);
     };
     for (const auto& [code, name] : references) {

@@ -8,6 +8,7 @@
 #include <TovoFormula/MessageIds.h>
 
 #include "../expression_core/Names.h"
+#include "../expression_core/Pass.h"
 #include "../expression_text/TokenScanner.h"
 #include "UnderWay.h"
 
@@ -38,6 +39,7 @@ CFmlaExprBase* CFmlaExpression::Clone()
 void CFmlaExpression::ClearExpr()
 {
     CFmlaExprBase::ClearExpr();
+    ++m_TreeState;
     m_Tree.Clear();
 }
 
@@ -51,6 +53,7 @@ CFmlaExpression& CFmlaExpression::operator=(CFmlaExpression& other)
     if (this == &other)
         return *this;
     CFmlaExprBase::operator=(other);
+    ++m_TreeState;
     m_Tree.Clear();
     return *this;
 }
@@ -66,11 +69,15 @@ void CFmlaExpression::SetExpr(const CFmlaExpression& source)
 
 int CFmlaExpression::LoadExpressionTree(int nested)
 {
+    const Pass pass;
     // A tree that is being built or walked further up must not be torn down.
     const UnderWay underWay(this);
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
+    if (underWay.IsTooDeep())
+        return Fail(MSG_GENERAL_FAILURE);
 
+    ++m_TreeState;
     m_Tree.Clear();
     m_MessageNum = MSG_NONE;
     m_InvalidPos = 0;
@@ -116,9 +123,11 @@ int CFmlaExpression::IsValid()
 
 int CFmlaExpression::Calculate(CScannedVariables* list)
 {
+    const Pass pass;
     const UnderWay underWay(this);
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
+    ++m_TreeState;
     if (m_Tree.Calculate(list))
         return 1;
     m_MessageNum = static_cast<int>(m_Tree.GetMsg());
@@ -127,6 +136,7 @@ int CFmlaExpression::Calculate(CScannedVariables* list)
 
 void CFmlaExpression::GetVariables(CScannedVariables& list, int all, int clear)
 {
+    const Pass pass;
     if (clear)
         CalcSet().ClearScannedFlags(1);
     if (all)

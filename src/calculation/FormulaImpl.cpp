@@ -3,6 +3,10 @@
 #include <TovoPlatform/ArgumentValidator.h>
 
 #include "../expression_core/Names.h"
+#include "FormulaMemory.h"
+#include "UnderWay.h"
+
+using namespace tovo::detail;
 
 namespace {
 
@@ -17,19 +21,32 @@ ICalculationSet* Checked(ICalculationSet* calcSet)
 } // namespace
 
 FormulaImpl::FormulaImpl(ICalculationSet* calcSet)
-    : m_CalcSet(Checked(calcSet)), m_Expression(*m_CalcSet)
+    : m_CalcSet(Checked(calcSet)),
+      m_Expression(*m_CalcSet),
+      m_Memory(std::make_unique<FormulaMemory>())
 {}
 
 FormulaImpl::~FormulaImpl() = default;
 
 int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
 {
-    if (!m_Expression.IsValid(message, m_Name, 1))
-        return 0;
-    if (m_Expression.Calculate(list))
+    const Pass pass;
+    const bool isFree = !UnderWay::Marks(&m_Expression);
+    if (isFree && m_Memory->IsCalculated(m_Expression.m_TreeState, list)) {
+        GiveStrError(*m_CalcSet, m_Memory->StrError());
         return 1;
-    message = static_cast<unsigned int>(m_Expression.GetMessageNum());
-    return 0;
+    }
+    if (!Validate(message, 1))
+        return 0;
+    const Stamp before = Pass::Now();
+    const Stamp readsBefore = Pass::ForeignReads();
+    if (!m_Expression.Calculate(list)) {
+        message = static_cast<unsigned int>(m_Expression.GetMessageNum());
+        return 0;
+    }
+    if (Pass::Now() == before && Pass::ForeignReads() == readsBefore)
+        m_Memory->NoteCalculated(m_Expression.m_TreeState, list);
+    return 1;
 }
 
 void FormulaImpl::GetVariables(CScannedVariables& list, int all, int clear)
@@ -39,13 +56,15 @@ void FormulaImpl::GetVariables(CScannedVariables& list, int all, int clear)
 
 int FormulaImpl::IsValid(unsigned int& message, int nested)
 {
-    return m_Expression.IsValid(message, m_Name, nested);
+    const Pass pass;
+    return Validate(message, nested);
 }
 
 void FormulaImpl::SetName(CString& name)
 {
+    Pass::NoteChange();
     m_Name = name;
-    m_ValueType = tovo::detail::ValueTypeOfName(m_Name.View());
+    m_ValueType = ValueTypeOfName(m_Name.View());
 }
 
 void FormulaImpl::SetUnit(const CString& unit)
@@ -61,4 +80,21 @@ void FormulaImpl::SetExpression(const CString& text, const CString& references)
 void FormulaImpl::SetFromEncodedString(const CString& encoded)
 {
     m_Expression.SetFromEncodedString(encoded);
+}
+
+// An expression under way is not asked for what it did before: it must say that it was come back
+// to.
+int FormulaImpl::Validate(unsigned int& message, int nested)
+{
+    const bool isFree = !UnderWay::Marks(&m_Expression);
+    if (nested && isFree && m_Memory->IsValidated(m_Expression.m_TreeState)) {
+        GiveStrError(*m_CalcSet, m_Memory->StrError());
+        return 1;
+    }
+    const Stamp before = Pass::Now();
+    if (!m_Expression.IsValid(message, m_Name, nested))
+        return 0;
+    if (nested && Pass::Now() == before)
+        m_Memory->NoteValidated(m_Expression.m_TreeState);
+    return 1;
 }

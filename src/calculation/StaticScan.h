@@ -3,6 +3,8 @@
 
 #include <unordered_set>
 
+#include "UnderWay.h"
+
 class CScannedVariables;
 
 namespace tovo::detail {
@@ -18,6 +20,8 @@ public:
     StaticScan(const StaticScan&) = delete;
     StaticScan& operator=(const StaticScan&) = delete;
 
+    // Whether the scan has gone as deep as the stack may carry it.
+    bool IsTooDeep() const { return m_Depth > kDeepestNesting; }
     // Whether the scan comes to the object for the first time.
     bool Enters(const void* object) { return m_Seen->insert(object).second; }
 
@@ -26,6 +30,7 @@ private:
 
     const CScannedVariables* const m_List;
     StaticScan* const m_Outer; // the scan that this one was started in
+    const int m_Depth;
     Objects m_Own;
     Objects* m_Seen; // this scan's, or that of the scan it joined
 };

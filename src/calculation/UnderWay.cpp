@@ -11,9 +11,7 @@ thread_local std::vector<const void*> objectsUnderWay;
 
 } // namespace
 
-UnderWay::UnderWay(const void* object)
-    : m_IsFirst(std::find(objectsUnderWay.rbegin(), objectsUnderWay.rend(), object) ==
-                objectsUnderWay.rend())
+UnderWay::UnderWay(const void* object) : m_IsFirst(!Marks(object))
 {
     objectsUnderWay.push_back(object);
 }
@@ -21,6 +19,17 @@ UnderWay::UnderWay(const void* object)
 UnderWay::~UnderWay()
 {
     objectsUnderWay.pop_back();
+}
+
+bool UnderWay::IsTooDeep() const
+{
+    return objectsUnderWay.size() > kDeepestNesting;
+}
+
+bool UnderWay::Marks(const void* object)
+{
+    return std::find(objectsUnderWay.rbegin(), objectsUnderWay.rend(), object) !=
+           objectsUnderWay.rend();
 }
 
 } // namespace tovo::detail

@@ -5,6 +5,10 @@
 
 namespace tovo::detail {
 
+// As many formulas and tables may refer to one another in a row. Each level takes some of the
+// stack, under sanitizers several times as much; this many fit into 8 MiB even so.
+inline constexpr int kDeepestNesting = 1000;
+
 // Marks an object as being validated or calculated on this thread, from construction to
 // destruction. Who finds it marked already has come back to it through what it refers to.
 class UnderWay {
@@ -17,6 +21,9 @@ public:
 
     // Whether this is the only mark on the object.
     bool IsFirst() const { return m_IsFirst; }
+    // Whether too many objects are marked for another to be gone into.
+    bool IsTooDeep() const;
+    static bool Marks(const void* object);
 
 private:
     bool m_IsFirst;

@@ -3,6 +3,7 @@
 #include <TovoPlatform/ArgumentValidator.h>
 
 #include "../expression_core/Names.h"
+#include "../expression_core/Pass.h"
 
 VariableImpl::VariableImpl(ICalculationSet* calcSet)
 {
@@ -14,8 +15,15 @@ VariableImpl::~VariableImpl() = default;
 
 void VariableImpl::SetName(CString& name)
 {
+    tovo::detail::Pass::NoteChange();
     m_Name = name;
     m_ValueType = tovo::detail::ValueTypeOfName(m_Name.View());
+}
+
+void VariableImpl::SetValue(double value)
+{
+    tovo::detail::Pass::NoteChange();
+    m_Value = value;
 }
 
 void VariableImpl::SetUnit(const CString& unit, long)

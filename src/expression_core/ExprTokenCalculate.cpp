@@ -8,6 +8,7 @@
 #include <TovoPlatform/NumberText.h>
 
 #include "Computation.h"
+#include "Pass.h"
 #include "ScanRecord.h"
 
 using namespace tovo::detail;
@@ -56,7 +57,7 @@ double ReadQuantity(ICalculationSet& calcSet, CScannedVariables* list)
 int CExprToken::Calculate(double* args, int numArgs, int nested, CScannedVariables* list)
 {
     m_CalcError = MSG_NONE;
-    CalcSet().SetStrError(CString());
+    GiveStrError(CalcSet(), CString());
     if (numArgs < m_MinArgs || numArgs > m_MaxArgs || (numArgs > 0 && !args))
         return HardFailure(MSG_GENERAL_FAILURE);
 
@@ -82,7 +83,7 @@ bool CExprToken::BadErrno()
     default:
         return false;
     }
-    CalcSet().SetStrError(tovo::RuntimeErrorText(errno));
+    GiveStrError(CalcSet(), tovo::RuntimeErrorText(errno));
     return true;
 }
 
@@ -147,14 +148,17 @@ int CExprToken::ReadVariable(CScannedVariables* list)
         return HardFailure(MSG_NONE);
     if (list)
         RecordVariable(*list, name, *variable);
-    return Give(variable->GetValue());
+    return Give(Pass::ValueOf(*variable));
 }
 
 // The object writes its message straight into this token's, which is 0 if it writes none.
 template <typename Object>
 int CExprToken::ReadNested(Object* object, CScannedVariables* list)
 {
-    if (!object || !object->Calculate(m_CalcError, list))
+    if (!object)
+        return HardFailure(MSG_NONE);
+    const NestedCall call(*object);
+    if (!object->Calculate(m_CalcError, list))
         return HardFailure(m_CalcError);
     return Give(object->GetValue());
 }

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "../expression_core/Names.h"
+#include "../expression_core/Pass.h"
 #include "ReferenceTable.h"
 
 using namespace tovo::detail;
@@ -30,8 +31,7 @@ CFmlaExprBase& CFmlaExprBase::operator=(CFmlaExprBase& other)
 {
     if (this == &other)
         return *this;
-    m_ExprText = other.m_ExprText;
-    m_VarPtrs = other.m_VarPtrs;
+    SetText(other.m_ExprText, other.m_VarPtrs);
     m_InvalidPos = other.m_InvalidPos;
     m_MessageNum = other.m_MessageNum;
     m_ScanPos = other.m_ScanPos;
@@ -46,6 +46,7 @@ void CFmlaExprBase::TrackError(unsigned int message)
 
 void CFmlaExprBase::Init()
 {
+    NoteTextChange();
     m_ExprText.Empty();
     m_InvalidPos = -1;
     m_MessageNum = 0;
@@ -61,8 +62,7 @@ void CFmlaExprBase::SetExpr(const CString& text)
 
 void CFmlaExprBase::SetExpr(const CString& text, const CWordArray& pointers)
 {
-    m_ExprText = text;
-    m_VarPtrs = pointers;
+    SetText(text, pointers);
     m_InvalidPos = -1;
 }
 
@@ -131,4 +131,19 @@ int CFmlaExprBase::IsSingleOfKind(int kind) const
 Reference CFmlaExprBase::EntryAt(int index) const
 {
     return index >= 0 && index < NumVars() ? ReferenceAt(m_VarPtrs, index) : Reference();
+}
+
+// To be called at every change of text or table.
+void CFmlaExprBase::NoteTextChange()
+{
+    Pass::NoteChange();
+    m_PassedVars = 0;
+    m_PassedAt = 0;
+}
+
+void CFmlaExprBase::SetText(const CString& text, const CWordArray& references)
+{
+    NoteTextChange();
+    m_ExprText = text;
+    m_VarPtrs = references;
 }

@@ -58,13 +58,15 @@ int CFmlaExprBase::InsertString(const CString& text, int pos)
     if (pos < 0 || pos >= m_ExprTextLimit || InVar(pos, nullptr))
         return 0;
     const int inserted = text.GetLength();
-    const int room = m_ExprTextLimit - std::max(pos, LengthWithoutTrailingBlanks(m_ExprText));
+    const int taken = std::max(LengthWithoutTrailingBlanks(m_ExprText), VarEndPos(NumVars() - 1));
+    const int room = m_ExprTextLimit - std::max(pos, taken);
     if (inserted > room)
         return 0;
     const int last = NumVars() - 1;
     if (last >= 0 && VarPos(last) >= pos && !FitsWord(VarPos(last) + inserted))
         return 0;
 
+    NoteTextChange();
     m_ExprText.Insert(pos, text);
     m_ExprText = m_ExprText.Left(m_ExprTextLimit);
     m_InvalidPos = -1;
@@ -89,6 +91,7 @@ int CFmlaExprBase::DeleteChars(int start, int end, int* pWholeVar)
         *pWholeVar = OnVarLeftEdge(start, &index);
         end = *pWholeVar ? VarEndPos(index) : start + 1;
     }
+    NoteTextChange();
     m_ExprText.Delete(start, end - start);
     for (int index = NumVars() - 1; index >= 0 && VarEndPos(index) > start; --index) {
         if (VarPos(index) >= end)
@@ -103,13 +106,16 @@ int CFmlaExprBase::InsertVariable(const CString& name, int pos, int kind)
 {
     if (NumVars() >= kMaxReferences)
         return 0;
+    const CString text = m_ExprText;
+    const CWordArray references = m_VarPtrs;
+    const int invalidPos = m_InvalidPos;
     const CString stretch = kBlank + name + kBlank;
     if (!InsertString(stretch, pos))
         return 0;
     if (InsVarPtrs(pos, stretch.GetLength(), kind))
         return 1;
-    int wholeVar = 0;
-    DeleteChars(pos, pos + stretch.GetLength(), &wholeVar);
+    SetText(text, references);
+    m_InvalidPos = invalidPos;
     return 0;
 }
 
@@ -125,7 +131,7 @@ int CFmlaExprBase::InsertFormulaTable(const CString& name, int pos)
 
 int CFmlaExprBase::InsVarPtrs(int pos, int length, int kind)
 {
-    if (NumVars() >= kMaxReferences || !FitsWord(pos) || !FitsWord(length))
+    if (NumVars() >= kMaxReferences || !FitsWord(pos) || !FitsWord(length) || !FitsWord(kind))
         return 0;
     int index = 0;
     for (; index < NumVars() && pos >= VarPos(index); ++index)
@@ -133,6 +139,7 @@ int CFmlaExprBase::InsVarPtrs(int pos, int length, int kind)
             return 0;
     CWordArray entry;
     AppendReference(entry, {pos, length, kind});
+    NoteTextChange();
     m_VarPtrs.InsertAt(index * kWordsPerReference, entry);
     return 1;
 }
@@ -141,6 +148,7 @@ void CFmlaExprBase::DelVarPtrs(int index)
 {
     if (index < 0 || index >= NumVars())
         AfxThrowInvalidArgException();
+    NoteTextChange();
     m_VarPtrs.RemoveAt(index * kWordsPerReference, kWordsPerReference);
 }
 
@@ -178,8 +186,10 @@ int CFmlaExprBase::FixPos(int pos, FMLA_DIRECTION direction) const
 
 void CFmlaExprBase::SetVarPos(int index, int pos)
 {
-    if (index >= 0 && index < NumVars() && FitsWord(pos))
+    if (index >= 0 && index < NumVars() && FitsWord(pos)) {
+        NoteTextChange();
         m_VarPtrs.SetAt(index * kWordsPerReference, static_cast<WORD>(pos));
+    }
 }
 
 // Moves the references at or behind a position. They are the last ones, as the table is ordered.

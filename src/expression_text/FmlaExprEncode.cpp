@@ -170,7 +170,8 @@ CString CFmlaExprBase::GetEncodedString()
 CString CFmlaExprBase::EncodeRenamed(const Renaming* renaming)
 {
     const std::unique_ptr<CFmlaExprBase> copy(Clone());
-    const Translation english = copy->TranslationOf(ReferencesOf(copy->m_VarPtrs), TL_ENGLISH);
+    const Translation english =
+        TranslationOf(copy->m_ExprText, ReferencesOf(copy->m_VarPtrs), TL_ENGLISH);
     // A fault in a number is reported by the copy, as if its text had been translated in place.
     if (english.fault)
         copy->TakeTranslation(english);
@@ -182,7 +183,7 @@ void CFmlaExprBase::SetFromEncodedString(CString encoded)
     Decoder decoder(encoded.View());
     decoder.Run();
     SetExpr(CString(decoder.TakeText()));
-    TakeTranslation(TranslationOf(decoder.TakeReferences(), TL_LOCAL));
+    TranslateAndTake(decoder.TakeReferences(), TL_LOCAL);
 }
 
 CString CFmlaExprBase::EncodeVariable(const CString& name, int kind)

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <mutex>
 
+#include "../expression_core/Pass.h"
 #include "TokenScanner.h"
 
 using namespace tovo::detail;
@@ -36,6 +37,7 @@ void CFmlaExprBase::InitExprNames()
 void CFmlaExprBase::ReInitExprNames()
 {
     const std::lock_guard lock(namesMutex);
+    Pass::NoteChange();
     m_ExprNames.Init();
     IsLoaded(m_ExpressionNamesInitialized).store(1, std::memory_order_release);
 }
@@ -59,16 +61,24 @@ int CFmlaExprBase::FindFirstToken(CString& token, int& tokenCode, int& tokenPos,
 int CFmlaExprBase::FindNextToken(CString& token, int& tokenCode, int& tokenPos,
                                  TEXT_LANGUAGE language)
 {
-    // One token meets one reference at the most: the first that the scan has not passed.
-    const int length = m_ExprText.GetLength();
-    Reference next;
-    for (int index = 0; index < NumVars() && next.length == 0; ++index) {
-        const Reference reference = ReferenceAt(m_VarPtrs, index);
-        if (NextEffective({&reference, 1}, 0, m_ScanPos, length) == 0)
-            next = reference;
-    }
+    const Reference next = NextVar();
     TokenScanner scanner(m_ExprText, {&next, 1}, SpellingOf(language), m_ScanPos);
     return DeliverToken(scanner, token, tokenCode, tokenPos);
+}
+
+// The first reference that the scan has not passed, an empty one if there is none. One token meets
+// no more than that.
+Reference CFmlaExprBase::NextVar()
+{
+    if (m_ScanPos < m_PassedAt)
+        m_PassedVars = 0;
+    m_PassedAt = m_ScanPos;
+    for (; m_PassedVars < NumVars(); ++m_PassedVars) {
+        const Reference reference = ReferenceAt(m_VarPtrs, m_PassedVars);
+        if (NextEffective({&reference, 1}, 0, m_ScanPos, m_ExprText.GetLength()) == 0)
+            return reference;
+    }
+    return Reference();
 }
 
 int CFmlaExprBase::DeliverToken(TokenScanner& scanner, CString& token, int& tokenCode,

@@ -1,13 +1,55 @@
 #include <TovoFormula/FmlaExprBase.h>
 
+#include <algorithm>
+
 #include "../expression_core/Names.h"
 #include "Translation.h"
 
 using namespace tovo::detail;
 
+namespace {
+
+bool FitWords(const std::vector<Reference>& references)
+{
+    return std::all_of(references.begin(), references.end(),
+                       [](const Reference& reference) { return reference.FitsWords(); });
+}
+
+// A text in which some references are written out as encoded strings have them, and the others.
+struct Spelled {
+    WideText text;
+    std::vector<Reference> references;
+};
+
+// Writes out those whose translation the words of the table could not hold. They stand behind all
+// the others, whose positions stay.
+Spelled SpellOut(WideView text, const std::vector<Reference>& references,
+                 const std::vector<Reference>& translated)
+{
+    Spelled spelled;
+    std::size_t copied = 0;
+    for (std::size_t index = 0; index < references.size(); ++index) {
+        const Reference& reference = references[index];
+        const auto start = static_cast<std::size_t>(reference.position);
+        if (translated[index].FitsWords()) {
+            spelled.references.push_back(reference);
+        } else if (start >= copied && start < text.size()) {
+            const WideView stretch = text.substr(start, static_cast<std::size_t>(reference.length));
+            const CString name(BareName(stretch));
+            spelled.text.append(text.substr(copied, start - copied));
+            spelled.text.append(CFmlaExprBase::EncodeVariable(name, reference.kind).View());
+            copied = start + stretch.size();
+        }
+    }
+    spelled.text.append(text.substr(copied));
+    return spelled;
+}
+
+} // namespace
+
 void CFmlaExprBase::TranslateText(TEXT_LANGUAGE target)
 {
-    TakeTranslation(TranslationOf(ReferencesOf(m_VarPtrs), target));
+    TranslateAndTake(ReferencesOf(m_VarPtrs), target);
 }
 
 int CFmlaExprBase::TokenNeedsTranslation(int code) const
@@ -15,38 +57,33 @@ int CFmlaExprBase::TokenNeedsTranslation(int code) const
     return NeedsTranslation(code, SpellingOf(TL_ENGLISH), SpellingOf(TL_LOCAL)) ? 1 : 0;
 }
 
-Translation CFmlaExprBase::TranslationOf(std::vector<Reference> references,
-                                         TEXT_LANGUAGE target) const
+Translation CFmlaExprBase::TranslationOf(const CString& text, std::vector<Reference> references,
+                                         TEXT_LANGUAGE target)
 {
     const TEXT_LANGUAGE source = target == TL_LOCAL ? TL_ENGLISH : TL_LOCAL;
-    return Translate(m_ExprText, std::move(references), SpellingOf(source), SpellingOf(target));
+    return Translate(text, std::move(references), SpellingOf(source), SpellingOf(target));
 }
 
-// A reference that the words of the table cannot hold is not entered: its stretch becomes the form
-// that it has in encoded strings, so that nothing of it is lost.
+// A reference that the table cannot hold is not entered: it becomes literal text, in the form that
+// a reader of encoded strings knows, so that nothing of it is lost.
+void CFmlaExprBase::TranslateAndTake(const std::vector<Reference>& references, TEXT_LANGUAGE target)
+{
+    Translation translation = TranslationOf(m_ExprText, references, target);
+    if (!FitWords(translation.references)) {
+        Spelled spelled = SpellOut(m_ExprText.View(), references, translation.references);
+        translation =
+            TranslationOf(CString(std::move(spelled.text)), std::move(spelled.references), target);
+    }
+    TakeTranslation(translation);
+}
+
 void CFmlaExprBase::TakeTranslation(const Translation& translation)
 {
-    const WideView text = translation.text;
-    WideText literal;
-    std::size_t copied = 0;
     CWordArray words;
-    for (const Reference& reference : translation.references) {
-        const auto start = static_cast<std::size_t>(reference.position);
-        if (reference.FitsWords()) {
+    for (const Reference& reference : translation.references)
+        if (reference.FitsWords())
             AppendReference(words, reference);
-        } else if (start >= copied && start < text.size()) {
-            const auto length = static_cast<std::size_t>(reference.length);
-            literal.append(text.substr(copied, start - copied));
-            literal.append(
-                EncodeVariable(CString(BareName(text.substr(start, length))), reference.kind)
-                    .View());
-            copied = std::min(start + length, text.size());
-        }
-    }
-    literal.append(text.substr(copied));
-
-    m_ExprText = CString(std::move(literal));
-    m_VarPtrs = std::move(words);
+    SetText(CString(WideView(translation.text)), words);
     m_ScanPos = translation.scanPos;
     if (translation.fault)
         ReportFault(translation.fault);

@@ -6,6 +6,7 @@
 #include <TovoPlatform/NumberText.h>
 
 #include "../expression_core/Names.h"
+#include "../expression_core/Pass.h"
 #include "../expression_core/ScanRecord.h"
 #include "../expression_text/ReferenceTable.h"
 
@@ -31,17 +32,27 @@ double ValueOf(Object* object)
     return object ? object->GetValue() : 0.0;
 }
 
+double ValueOfVariable(IVarObj* variable)
+{
+    return variable ? Pass::ValueOf(*variable) : 0.0;
+}
+
 template <typename Object>
 int CalculateNested(Object* object, unsigned int& message, CScannedVariables* list)
 {
-    return object ? object->Calculate(message, list) : 0;
+    if (!object)
+        return 0;
+    const NestedCall call(*object);
+    return object->Calculate(message, list);
 }
 
 template <typename Object>
 void ScanNested(Object* object, CScannedVariables& list, int all, int clear)
 {
-    if (object)
-        object->GetVariables(list, all, clear);
+    if (!object)
+        return;
+    const NestedCall call(*object);
+    object->GetVariables(list, all, clear);
 }
 
 } // namespace
@@ -60,6 +71,7 @@ CFormtblElem::~CFormtblElem() = default;
 
 CFormtblElem& CFormtblElem::operator=(const CFormtblElem& other)
 {
+    Pass::NoteChange();
     m_Valid = other.m_Valid;
     m_Type = other.m_Type;
     m_Name = other.m_Name;
@@ -71,7 +83,7 @@ void CFormtblElem::init(const CString& combined)
     if (combined.IsEmpty())
         return ClearAll();
     const bool hasKind = KindOfLetter(combined[0]) != kNoKind;
-    m_Type = hasKind ? combined[0] : kConstant;
+    SetType(hasKind ? combined[0] : kConstant);
     SetName(hasKind ? combined.Mid(1) : combined);
 }
 
@@ -108,6 +120,7 @@ void CFormtblElem::SetFormtbl(const CString& name)
 
 void CFormtblElem::SetName(const CString& name)
 {
+    Pass::NoteChange();
     m_Name = name;
     m_Valid = 1;
 }
@@ -135,8 +148,15 @@ CString CFormtblElem::XGetName() const
     return number;
 }
 
+void CFormtblElem::SetType(WCHAR type)
+{
+    Pass::NoteChange();
+    m_Type = type;
+}
+
 void CFormtblElem::ClearAll()
 {
+    Pass::NoteChange();
     m_Type = kConstant;
     m_Name.Empty();
     m_Valid = 0;
@@ -168,7 +188,7 @@ double CFormtblElem::value() const
     case kConstant:
         return tovo::TextToDouble(m_Name) / kThousandths;
     case kVariable:
-        return ValueOf(CalcSet().GetVarObj(m_Name, 1, 0));
+        return ValueOfVariable(CalcSet().GetVarObj(m_Name, 1, 0));
     case kFormula:
         return ValueOf(CalcSet().GetFormulaObj(m_Name));
     case kFormtbl:
@@ -219,6 +239,7 @@ int CFormtblElem::CheckNested(Object* object, unsigned int notFound, const WCHAR
         CalcSet().ErrorTracker().SetError(notFound, this, label + m_Name);
         return 0;
     }
+    const NestedCall call(*object);
     if (object->IsValid(message, 1))
         return 1;
     CalcSet().ErrorTracker().AddObj(this);

@@ -11,6 +11,7 @@
 #include "../calculation/StaticScan.h"
 #include "../calculation/UnderWay.h"
 #include "../expression_core/Names.h"
+#include "../expression_core/Pass.h"
 
 using namespace tovo::detail;
 
@@ -82,6 +83,7 @@ FormulaTableImpl::~FormulaTableImpl()
 
 int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
 {
+    const Pass pass;
     if (!m_Validated) {
         IsValid(message, 0);
         if (!m_Validated)
@@ -92,6 +94,8 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
     const UnderWay underWay(static_cast<CObject*>(this));
     if (!underWay.IsFirst())
         return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
+    if (underWay.IsTooDeep())
+        return FailOnTable(MSG_GENERAL_FAILURE, message);
     if (!CalculateSelectors(message, list))
         return 0;
 
@@ -113,6 +117,7 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
 
 void FormulaTableImpl::GetVariables(CScannedVariables& list, int all, int clear)
 {
+    const Pass pass;
     if (clear)
         m_CalcSet->ClearScannedFlags(1);
     if (!all) {
@@ -121,7 +126,7 @@ void FormulaTableImpl::GetVariables(CScannedVariables& list, int all, int clear)
         return;
     }
     StaticScan scan(list);
-    if (!scan.Enters(static_cast<CObject*>(this)))
+    if (scan.IsTooDeep() || !scan.Enters(static_cast<CObject*>(this)))
         return;
     m_RowSelector.GetVariables(list, all, 0);
     if (m_NumColumns > 1)
@@ -133,6 +138,7 @@ void FormulaTableImpl::GetVariables(CScannedVariables& list, int all, int clear)
 
 void FormulaTableImpl::SetName(CString& name)
 {
+    Pass::NoteChange();
     m_Name = name;
     m_ValueType = ValueTypeOfName(m_Name.View());
 }
@@ -146,6 +152,7 @@ double FormulaTableImpl::GetRowLimit(int row) const
 void FormulaTableImpl::SetRowLimit(int row, double limit)
 {
     CheckIndex(row, m_NumRows, __LINE__, "row", "FormulaImpl::SetRowLimit");
+    Pass::NoteChange();
     m_RowLimits[row] = limit;
 }
 
@@ -158,6 +165,7 @@ double FormulaTableImpl::GetColumnLimit(int column) const
 void FormulaTableImpl::SetColumnLimit(int column, double limit)
 {
     CheckIndex(column, m_NumColumns, __LINE__, "column", "FormulaImpl::SetColumnLimit");
+    Pass::NoteChange();
     m_ColumnLimits[column] = limit;
 }
 
@@ -168,6 +176,7 @@ CFormtblElem* FormulaTableImpl::GetCell(int row, int column) const
 
 void FormulaTableImpl::SetCell(int row, int column, CFormtblElem* cell)
 {
+    Pass::NoteChange();
     m_Cells[CellIndex(row, column, __LINE__, "FormulaImpl::SetCell")] = cell;
 }
 
@@ -179,6 +188,30 @@ void FormulaTableImpl::SetRowSelector(const CFormtblElem& selector)
 void FormulaTableImpl::SetColumnSelector(const CFormtblElem& selector)
 {
     m_ColumnSelector = selector;
+}
+
+void FormulaTableImpl::SetScanned(int scanned)
+{
+    Pass::NoteChange();
+    m_Scanned = scanned;
+}
+
+void FormulaTableImpl::SetScannedInCondition(int inCondition)
+{
+    Pass::NoteChange();
+    m_ScannedInCondition = inCondition;
+}
+
+void FormulaTableImpl::SetCalculated(int calculated)
+{
+    Pass::NoteChange();
+    m_Calculated = calculated;
+}
+
+void FormulaTableImpl::SetValidated(int validated)
+{
+    Pass::NoteChange();
+    m_Validated = validated;
 }
 
 short FormulaTableImpl::GetRowIndex() const

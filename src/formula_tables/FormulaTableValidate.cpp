@@ -4,6 +4,9 @@
 #include <TovoFormula/MessageIds.h>
 
 #include "../calculation/UnderWay.h"
+#include "../expression_core/Pass.h"
+
+using namespace tovo::detail;
 
 namespace {
 
@@ -20,11 +23,14 @@ bool Rise(const CArray<double, double>& limits, int count)
 
 int FormulaTableImpl::IsValid(unsigned int& message, int nested)
 {
+    const Pass pass;
     if (m_Validated)
         return 1;
-    const tovo::detail::UnderWay underWay(static_cast<CObject*>(this));
+    const UnderWay underWay(static_cast<CObject*>(this));
     if (!underWay.IsFirst())
         return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
+    if (underWay.IsTooDeep())
+        return FailOnTable(MSG_GENERAL_FAILURE, message);
     if (!ValidateLimits(message) ||
         !ValidateSelector(m_RowSelector, u"Row selector", message, nested))
         return 0;
@@ -55,8 +61,10 @@ template <typename Object>
 int FormulaTableImpl::ValidateReference(Object* object, unsigned int notFound,
                                         const CString& missing, unsigned int& message, int nested)
 {
-    if (object)
+    if (object) {
+        const NestedCall call(*object);
         return object->IsValid(message, nested) ? 1 : 0;
+    }
     message = notFound;
     m_CalcSet->ErrorTracker().SetError(notFound, this, missing);
     return 0;

@@ -4,6 +4,7 @@
 #include <TovoFormula/MessageIds.h>
 #include <TovoPlatform/InvalidArgument.h>
 
+#include "../expression_core/Pass.h"
 #include "../expression_core/ScanRecord.h"
 
 namespace {
@@ -176,6 +177,7 @@ int CalculationOperand::GetInvalidPos()
 
 bool CalculationOperand::IsValid(bool nested)
 {
+    const tovo::detail::Pass pass;
     if (IsExpression())
         return GetFmlaExpression().IsValid(m_MsgId, CString(), nested) != 0;
     if (IsFormula() || IsFormulaTable())
@@ -185,6 +187,7 @@ bool CalculationOperand::IsValid(bool nested)
 
 bool CalculationOperand::Calculate()
 {
+    const tovo::detail::Pass pass;
     if (IsConstant() || IsVariable())
         return true;
     if (!IsValid(true))
@@ -196,6 +199,7 @@ bool CalculationOperand::Calculate()
 
 bool CalculationOperand::GetVariables(CScannedVariables& list, bool all, bool clear)
 {
+    const tovo::detail::Pass pass;
     if (IsVariable()) {
         IVarObj* const variable = CalcSet().GetVarObj(m_RefName, 1, 0);
         if (variable)
@@ -269,9 +273,12 @@ template <typename Visit>
 bool CalculationOperand::OnNested(Visit visit)
 {
     const auto ask = [&](auto* object, unsigned int notFound) {
-        if (!object)
+        if (!object) {
             m_MsgId = notFound;
-        return object && visit(*object);
+            return false;
+        }
+        const tovo::detail::NestedCall call(*object);
+        return visit(*object);
     };
     if (IsFormula())
         return ask(CalcSet().GetFormulaObj(m_RefName), MSG_OPERAND_FORMULA_NOT_FOUND);

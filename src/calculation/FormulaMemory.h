@@ -1,0 +1,69 @@
+#ifndef TOVOFORMULA_SRC_FORMULAMEMORY_H
+#define TOVOFORMULA_SRC_FORMULAMEMORY_H
+
+#include <TovoFormula/ExprTree.h>
+
+#include "../expression_core/Pass.h"
+
+namespace tovo::detail {
+
+// What a formula has succeeded in during the present pass. Failures are not remembered: each is
+// found anew, by the same steps and with the same chain.
+//
+// It speaks of one state of the expression's tree, which a host may load and walk by itself; the
+// formula says at each question which state that is.
+class FormulaMemory {
+public:
+    bool IsValidated(std::uint64_t treeState) const { return Holds(m_Validated, treeState); }
+    void NoteValidated(std::uint64_t treeState) { Note(m_Validated, treeState); }
+
+    // With a list, only if another walk into it could not change an in-condition flag: a first
+    // meeting writes them, a later one raises them if it is inside a condition.
+    bool IsCalculated(std::uint64_t treeState, const CScannedVariables* list) const
+    {
+        if (!list)
+            return Holds(m_Calculated, treeState);
+        const bool isRaised = m_IsScannedInCondition || !CExprTree::InIfCondition();
+        return list == m_List && isRaised && Holds(m_Scanned, treeState);
+    }
+    void NoteCalculated(std::uint64_t treeState, const CScannedVariables* list)
+    {
+        const bool wasInCondition =
+            m_IsScannedInCondition && list == m_List && m_Scanned == Pass::Now();
+        // Validating comes before, and walking the tree has left it just as valid.
+        m_Validated = Pass::Now();
+        Note(m_Calculated, treeState);
+        if (!list)
+            return;
+        m_Scanned = m_Calculated;
+        m_List = list;
+        m_IsScannedInCondition = wasInCondition || CExprTree::InIfCondition();
+    }
+
+    // What the set's text of a mathematical error was behind the success.
+    const CString& StrError() const { return m_StrError; }
+
+private:
+    bool Holds(Stamp stamp, std::uint64_t treeState) const
+    {
+        return m_TreeState == treeState && stamp == Pass::Now();
+    }
+    void Note(Stamp& stamp, std::uint64_t treeState)
+    {
+        stamp = Pass::Now();
+        m_TreeState = treeState;
+        m_StrError = LastStrError();
+    }
+
+    Stamp m_Validated = kNeverStamped;
+    Stamp m_Calculated = kNeverStamped;
+    Stamp m_Scanned = kNeverStamped;
+    std::uint64_t m_TreeState = 0;
+    const CScannedVariables* m_List = nullptr; // of the last scan; compared, never followed
+    bool m_IsScannedInCondition = false;
+    CString m_StrError;
+};
+
+} // namespace tovo::detail
+
+#endif

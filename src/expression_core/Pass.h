@@ -1,0 +1,88 @@
+#ifndef TOVOFORMULA_SRC_PASS_H
+#define TOVOFORMULA_SRC_PASS_H
+
+#include <cstdint>
+
+#include <TovoFormula/CalculationInterfaces.h>
+
+// What a formula may remember between two meetings in one pass.
+//
+// A pass is what happens on one thread between a host's call into a formula, an expression, a table
+// or an operand and its return. Taken literally, a formula is checked and calculated afresh
+// wherever it is named, at every level again, so that the work multiplies with the depth. Within a
+// pass nothing can have changed but by what the library is told of, so a success holds until then:
+// a stamp taken at the success is compared with the present one.
+//
+// All of it is kept for each thread.
+namespace tovo::detail {
+
+// Stands for a state of everything that calculations rest on. Two equal stamps other than
+// kNeverStamped belong to one pass in which nothing changed.
+using Stamp = std::uint64_t;
+inline constexpr Stamp kNeverStamped = 0;
+
+// Marks a call into the library for its duration; the outermost one begins a pass, and so does the
+// outermost one that a host's own object makes.
+class Pass {
+public:
+    Pass();
+    ~Pass();
+
+    Pass(const Pass&) = delete;
+    Pass& operator=(const Pass&) = delete;
+
+    // Never equal to an earlier stamp outside a pass, or while remembering is turned off.
+    static Stamp Now();
+    // Voids what was remembered. Every operation calls it that changes what a calculation may read.
+    static void NoteChange();
+    // Reads a variable. One that is not exactly a stock variable may have another value each time,
+    // so nothing that was calculated from it is remembered: the number of such reads tells.
+    static double ValueOf(IVarObj& variable);
+    static Stamp ForeignReads();
+    // For tests, which hold results with and without remembering against each other.
+    static void SetRemembering(bool isOn);
+
+private:
+    bool m_WasInForeignCall;
+};
+
+// Marks a call out of the library into an object of a formula or a table. One that is not exactly a
+// stock object may do anything, so nothing remembered before outlives it.
+class NestedCall {
+public:
+    explicit NestedCall(IFormulaObj& formula);
+    explicit NestedCall(IFormulaTableObj& table);
+    ~NestedCall();
+
+    NestedCall(const NestedCall&) = delete;
+    NestedCall& operator=(const NestedCall&) = delete;
+
+private:
+    explicit NestedCall(bool isForeign);
+
+    bool m_IsForeign;
+    bool m_WasInForeignCall;
+};
+
+// Undoes, at its end, the notes of changes in between: for a change that nothing remembered rests
+// on.
+class NoChange {
+public:
+    NoChange();
+    ~NoChange();
+
+    NoChange(const NoChange&) = delete;
+    NoChange& operator=(const NoChange&) = delete;
+
+private:
+    Stamp m_Found;
+};
+
+// The text that the library last gave to SetStrError, for an object that answers from memory and so
+// leaves the text as its calculation would have left it.
+void GiveStrError(ICalculationSet& calcSet, const CString& text);
+const CString& LastStrError();
+
+} // namespace tovo::detail
+
+#endif
