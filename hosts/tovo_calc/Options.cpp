@@ -11,6 +11,7 @@ constexpr const char* kExamples = R"(Examples:
   tovo-calc house-slab.json --set "Winter work?=yes" --set QUANTITY=5
   tovo-calc -e 'V(Length)*V(Width)' --set Length=12.5 --set Width=8.4
   tovo-calc house-slab.json --language house-slab.de.json
+  tovo-calc house-slab.json --rename "Slab area=Floor area" > renamed.json
 
 Exit codes: 0 all calculated, 1 a calculation failed, 2 nothing was calculated because of the
 command line or a file.)";
@@ -79,6 +80,25 @@ void DescribeManner(CLI::App& app, Options& options)
         ->type_name("MARK")
         ->check(RefuseEmpty);
     app.add_flag("--json", options.isJson, "Print the same facts as JSON");
+    app.add_option("--rtf", options.rtfFile, "Write the formulas to this file too, as rich text")
+        ->type_name("FILE")
+        ->check(RefuseEmpty);
+}
+
+// These print a job file in place of calculating it.
+void DescribeRewriting(CLI::App& app, Options& options)
+{
+    auto* const renaming =
+        app.add_option("--rename", options.renaming,
+                       "Print the job with a formula renamed wherever it is named")
+            ->type_name("OLD=NEW");
+    auto* const removal = app.add_option("--remove", options.removal,
+                                         "Print the job with a formula taken out of all others")
+                              ->type_name("NAME")
+                              ->excludes(renaming);
+    for (auto* const rewriting : {renaming, removal})
+        for (const char* other : {"--expression", "--set", "--json", "--static", "--rtf"})
+            rewriting->excludes(app.get_option(other));
 }
 
 } // namespace
@@ -92,6 +112,7 @@ std::optional<int> ReadCommandLine(int argc, char** argv, Options& options)
     std::vector<std::string> settings;
     DescribeJob(app, options, expression, settings);
     DescribeManner(app, options);
+    DescribeRewriting(app, options);
     try {
         app.parse(argc, argv);
         // An empty expression is one as well: it has a fault of its own.

@@ -25,6 +25,9 @@ struct Options {
     std::string languageFile; // empty for none, as are the separators
     std::string decimal;
     std::string list;
+    std::string rtfFile;                 // empty for none
+    std::optional<std::string> renaming; // OLD=NEW
+    std::optional<std::string> removal;  // the name of a formula
     bool isStrict = false;
     bool isStaticScan = false;
     bool isJson = false;

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <fstream>
 #include <system_error>
 
 #include <fmt/core.h>
@@ -13,9 +14,12 @@
 #include "Columns.h"
 #include "Job.h"
 #include "JobFile.h"
+#include "JsonFile.h"
 #include "JsonReport.h"
 #include "Language.h"
 #include "Options.h"
+#include "Rewrite.h"
+#include "RtfFile.h"
 #include "TextReport.h"
 
 namespace {
@@ -55,18 +59,44 @@ bool WantsColour()
     return isatty(STDOUT_FILENO) != 0 && !std::getenv("NO_COLOR");
 }
 
+void Print(const std::string& text)
+{
+    fmt::print("{}", text);
+    // A full disk shows only here, and a script must not take half a report for a whole one.
+    if (std::fflush(stdout) != 0)
+        throw std::system_error(errno, std::generic_category(), "the report cannot be written");
+}
+
+void WriteFile(const std::string& path, const std::string& content)
+{
+    std::ofstream stream(path, std::ios::binary);
+    stream << content;
+    stream.close();
+    if (!stream)
+        throw FileFault(path, "cannot be written");
+}
+
+int Rewrite(const Options& options)
+{
+    const Rewritten rewritten = RewriteJob(options);
+    Print(rewritten.file);
+    fmt::print(stderr, "{}", rewritten.summary);
+    return kAllCalculated;
+}
+
 int Run(const Options& options)
 {
     InitTovoFormulaDLL(0);
     // The language comes before the job: the job's texts are brought into it as they are read.
     const LanguageInForce language(LanguageOf(options));
+    if (options.renaming || options.removal)
+        return Rewrite(options);
     Job job(EntriesOf(options), options.isStrict);
     const Facts facts = CalculateJob(job, options.isStaticScan);
     const TextManner manner{language.DecimalSeparator(), WantsColour()};
-    fmt::print("{}", ReportOn(facts, options, manner));
-    // A full disk shows only here, and a script must not take half a report for a whole one.
-    if (std::fflush(stdout) != 0)
-        throw std::system_error(errno, std::generic_category(), "the report cannot be written");
+    Print(ReportOn(facts, options, manner));
+    if (!options.rtfFile.empty())
+        WriteFile(options.rtfFile, RtfDocument(job));
     return HasFault(facts) ? kCalculationFailed : kAllCalculated;
 }
 

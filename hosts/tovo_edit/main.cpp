@@ -1,0 +1,85 @@
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <fmt/core.h>
+
+#include <TovoFormula/Module.h>
+
+#include "Columns.h"
+#include "FormulaListView.h"
+#include "JobDocument.h"
+#include "Language.h"
+#include "Terminal.h"
+
+namespace {
+
+constexpr int kNothingEdited = 2;
+
+struct EditorOptions {
+    std::string jobFile;
+    std::string languageFile; // empty for none, as are the separators
+    std::string decimal;
+    std::string list;
+    bool isStrict = false;
+};
+
+void Describe(CLI::App& app, EditorOptions& options)
+{
+    app.add_option("JOB", options.jobFile, "The job file (JSON) to edit")
+        ->option_text(" ")
+        ->required();
+    app.add_flag("--strict", options.isStrict,
+                 "Report what a function or a division cannot do, in place of going on with 0");
+    app.add_option("--language", options.languageFile, "Names of the words in another language")
+        ->type_name("FILE");
+    app.add_option("--decimal", options.decimal, "The decimal separator, as in --decimal ,")
+        ->type_name("MARK");
+    app.add_option("--list", options.list,
+                   "The separator of arguments; a semicolon if the decimal separator is a comma")
+        ->type_name("MARK");
+}
+
+// Separators of the command line go before those of the file.
+Language LanguageOf(const EditorOptions& options)
+{
+    Language language;
+    if (!options.languageFile.empty())
+        language = ReadLanguageFile(options.languageFile);
+    if (!options.decimal.empty())
+        language.decimal = CString(std::string_view(options.decimal));
+    if (!options.list.empty())
+        language.list = CString(std::string_view(options.list));
+    return language;
+}
+
+void Run(const EditorOptions& options)
+{
+    InitTovoFormulaDLL(0);
+    const LanguageInForce language(LanguageOf(options));
+    const TextManner manner{language.DecimalSeparator(), false};
+    // Opened before the terminal, so that the fault of a file is told on a plain line.
+    JobDocument document(options.jobFile, options.isStrict);
+    Terminal terminal;
+    FormulaListView(terminal, document, manner).Run();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    EditorOptions options;
+    CLI::App app("Edits the formulas of a job in the terminal.", "tovo-edit");
+    Describe(app, options);
+    try {
+        app.parse(argc, argv);
+        Run(options);
+    } catch (const CLI::ParseError& end) {
+        return app.exit(end) == 0 ? 0 : kNothingEdited;
+    } catch (const std::exception& fault) {
+        fmt::print(stderr, "tovo-edit: {}\n", Printable(std::string_view(fault.what())));
+        return kNothingEdited;
+    }
+    return 0;
+}
