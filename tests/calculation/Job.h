@@ -53,23 +53,19 @@ public:
 struct NestedNames : CFmlaExpression {
     using CFmlaExpression::operator=;
     using CFmlaExpression::m_NestedFmlaNames;
-
-    static std::string All()
-    {
-        std::string all;
-        for (POSITION pos = m_NestedFmlaNames.GetHeadPosition(); pos;)
-            all += m_NestedFmlaNames.GetNext(pos).ToUtf8() + ";";
-        return all;
-    }
 };
 
-inline std::string Names(const CScannedVariables& scanned)
+inline std::string Names(const CStringList& list)
 {
-    const CStringList& list = scanned.VariableList();
     std::string names;
     for (POSITION pos = list.GetHeadPosition(); pos;)
         names += (names.empty() ? "" : " ") + list.GetNext(pos).ToUtf8();
     return names;
+}
+
+inline std::string Names(const CScannedVariables& scanned)
+{
+    return Names(scanned.VariableList());
 }
 
 // The message of a check, 0 for a good one. A message argument is written on failure only.
@@ -87,6 +83,13 @@ unsigned int MessageOfCalculation(Object& object, CScannedVariables* list = null
     unsigned int message = 77;
     const int calculated = object.Calculate(message, list);
     return calculated != 0 && message == 77 ? 0 : message;
+}
+
+template <typename Object>
+double ValueOf(Object& object)
+{
+    EXPECT_EQ(MessageOfCalculation(object), 0u);
+    return object.GetValue();
 }
 
 // A job as a host keeps it: the set and the objects that a test puts into it.

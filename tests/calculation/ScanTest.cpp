@@ -58,8 +58,10 @@ TEST_F(Scan, DynamicScanListsWhatIsReachedAndStaticScanAll)
         {"IF(F(Sum)>0,V(X),F(Sum))", "Y X", "Y X", "Y", "YZ"},
         {"T(Pick)", "X Y", "X Y Z", "X", "XZ"},
         {"V(X)+IF(T(Pick)>0,1,V(Z))", "X Y", "X Y Z", "XY", "XYZ"},
-        // The table was met outside a condition first; inside one it is walked again.
+        // What was met outside a condition first is walked again inside one.
         {"T(Pick)+IF(T(Pick)>0,1,0)", "X Y", "X Y Z", "XY", "XYZ"},
+        {"F(Sum)+IF(F(Sum)>0,1,0)", "Y", "Y", "Y", "XYZ"},
+        {"IF(F(Sum)>0,F(Sum),0)", "Y", "Y", "Y", "XYZ"},
         {"1+2", "", "", "", "XYZ"},
     };
     for (const auto& row : rows) {
@@ -78,48 +80,27 @@ TEST_F(Scan, DynamicScanListsWhatIsReachedAndStaticScanAll)
     }
 }
 
-TEST_F(Scan, JobValuesAreRecordedWhereTheyAreReached)
+TEST_F(Scan, JobValuesAreRecordedInTheSetByADynamicScanOnly)
 {
-    const struct {
-        const char* encoded;
-        int all;
-        const char* met;         // of QUANTITY, DURATION, JOBSIZE
-        const char* inCondition; // of the same; - is untouched
-        int quantityInCalculations;
-    } rows[] = {
-        {"IF(QUANTITY>0,DURATION,JOBSIZE)", 0, "110", "10-", 1},
-        {"IF(QUANTITY<0,DURATION,JOBSIZE)", 0, "101", "1-0", 1},
-        {"IF(QUANTITY<0,DURATION,JOBSIZE)", 1, "000", "---", -1},
-        {"JOBSIZE+IF(JOBSIZE<DURATION,1,QUANTITY)", 0, "011", "-11", -1},
-        {"IF(JOBSIZE<DURATION,JOBSIZE,0)", 0, "011", "-11", -1},
-        {"QUANTITY*JOBSIZE", 0, "101", "0-0", 1},
-    };
+    Formula("Inner", "IF(QUANTITY>0,DURATION,JOBSIZE)");
+    FormulaImpl& formula = Formula("Top", "F(Inner)+1");
     m_Set.SetQuantity(5);
-    m_Set.SetDuration(4);
-    m_Set.SetJobSize(3);
-    const auto flag = [](int value) {
-        return value < 0 ? std::string("-") : std::to_string(value);
+    m_Set.SetQuantityInCondition(-1);
+    m_Set.SetDURATIONInCondition(-1);
+    m_Set.SetJOBSIZEInCondition(-1);
+    // QUANTITY, its place, that of DURATION and of JOBSIZE; what was not met is -1.
+    const auto recorded = [this] {
+        return std::vector{m_Set.GetQuantityInCalculations(), m_Set.GetQuantityInCondition(),
+                           m_Set.GetDURATIONInCondition(), m_Set.GetJOBSIZEInCondition()};
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.encoded);
-        FormulaImpl& formula = Formula("Scanned", row.encoded);
-        m_Set.SetQuantityInCondition(-1);
-        m_Set.SetDURATIONInCondition(-1);
-        m_Set.SetJOBSIZEInCondition(-1);
-        m_Set.SetQuantityInCalculations(-1);
-        EXPECT_EQ(MessageOfCalculation(formula), 0u);
-        EXPECT_EQ(m_Set.GetQuantityInCalculations(), -1)
-            << "an ordinary calculation records nothing";
-        CScannedVariables scanned;
-        formula.GetVariables(scanned, row.all, 0);
-        EXPECT_EQ(flag(scanned.QuantityScanned()) + flag(scanned.DURATIONScanned()) +
-                      flag(scanned.JOBSIZEScanned()),
-                  row.met);
-        EXPECT_EQ(flag(m_Set.GetQuantityInCondition()) + flag(m_Set.GetDURATIONInCondition()) +
-                      flag(m_Set.GetJOBSIZEInCondition()),
-                  row.inCondition);
-        EXPECT_EQ(m_Set.GetQuantityInCalculations(), row.quantityInCalculations);
-    }
+    CScannedVariables scanned;
+    EXPECT_EQ(ValueOf(formula), 1.0);
+    formula.GetVariables(scanned, 1, 1);
+    EXPECT_EQ(recorded(), (std::vector{0, -1, -1, -1}));
+    formula.GetVariables(scanned, 0, 1);
+    EXPECT_EQ(recorded(), (std::vector{1, 1, 0, -1}));
+    EXPECT_EQ(scanned.QuantityScanned() + scanned.DURATIONScanned(), 2);
+    EXPECT_EQ(scanned.JOBSIZEScanned(), 0);
 }
 
 TEST_F(Scan, SetIsToldOfANewScanOnce)

@@ -1,118 +1,93 @@
 #include "ExpressionFixture.h"
 
+#include <algorithm>
 #include <cctype>
-#include <map>
+#include <iterator>
+#include <sstream>
 
 namespace tovo::test {
 
 namespace {
 
+// Each word at its code.
 // clang-format off
-const std::map<std::string_view, int> kWords = {
-    {",", TOK_COMMA}, {"(", TOK_LPAREN}, {")", TOK_RPAREN},
-    {"+", TOK_PLUS}, {"-", TOK_MINUS}, {"*", TOK_TIMES}, {"/", TOK_DIVIDE},
-    {"=", TOK_EQ_SIGN}, {">=", TOK_GE_SIGN}, {"<=", TOK_LE_SIGN},
-    {"<>", TOK_NE_SIGN}, {">", TOK_GT_SIGN}, {"<", TOK_LT_SIGN},
-    {"EQ", TOK_EQ}, {"GE", TOK_GE}, {"LE", TOK_LE}, {"NE", TOK_NE}, {"GT", TOK_GT}, {"LT", TOK_LT},
-    {"AND", TOK_AND}, {"OR", TOK_OR}, {"NOT", TOK_NOT},
-    {"DURATION", TOK_DURATION}, {"JOBSIZE", TOK_JOBSIZE}, {"QUANTITY", TOK_QUANTITY},
-    {"YES", TOK_YES}, {"NO", TOK_NO}, {"PI", TOK_PI},
-    {"ABS", TOK_ABS}, {"ACOS", TOK_ACOS}, {"ASIN", TOK_ASIN}, {"ATAN", TOK_ATAN},
-    {"AVG", TOK_AVG}, {"COS", TOK_COS}, {"COSH", TOK_COSH}, {"IF", TOK_IF}, {"MAX", TOK_MAX},
-    {"MIN", TOK_MIN}, {"MOD", TOK_MOD}, {"POWER", TOK_POWER}, {"ROUND", TOK_ROUND},
-    {"ROUNDTO", TOK_ROUNDTO}, {"SIN", TOK_SIN}, {"SINH", TOK_SINH}, {"SQRT", TOK_SQRT},
-    {"SUM", TOK_SUM}, {"TAN", TOK_TAN}, {"TANH", TOK_TANH}, {"TRUNC", TOK_TRUNC},
-    {"group", TOK_GROUP},
-};
+constexpr std::string_view kWords[] = {
+    "V", "F", "T", "#", "0", ",", "(", ")", "+", "-", "*", "/", "=", ">=", "<=", "<>", ">", "<",
+    "AND", "DURATION", "EQ", "GE", "GT", "JOBSIZE", "LE", "LT", "NE", "NO", "NOT", "OR", "PI",
+    "QUANTITY", "YES", "ABS", "ACOS", "ASIN", "ATAN", "AVG", "COS", "COSH", "group", "IF", "MAX",
+    "MIN", "MOD", "POWER", "ROUND", "ROUNDTO", "SIN", "SINH", "SQRT", "SUM", "TAN", "TANH",
+    "TRUNC"};
 // clang-format on
+static_assert(std::size(kWords) == kTokenCount);
 
 bool IsReference(std::string_view word)
 {
-    return word.starts_with("V:") || word.starts_with("F:") || word.starts_with("T:");
+    return word.size() > 1 && word[1] == ':';
 }
 
-int CodeOfReference(char letter)
+std::string WithoutOuterBlanks(std::string_view text)
 {
-    if (letter == 'V')
-        return TOK_VARIABLE;
-    return letter == 'F' ? TOK_FORMULA : TOK_FORMTBL;
-}
-
-// A reference stands in a text with a blank on either side of its name.
-CString TextOf(std::string_view word)
-{
-    if (IsReference(word))
-        return CString(' ' + std::string(word.substr(2)) + ' ');
-    return CString(word);
-}
-
-// What stands before the first of the separators, which is taken out with it.
-std::string_view TakeUntil(std::string_view separators, std::string_view& text)
-{
-    const std::size_t end = text.find_first_of(separators);
-    const std::string_view taken = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    return taken;
-}
-
-std::string_view WithoutOuterBlanks(std::string_view text)
-{
-    const std::size_t start = text.find_first_not_of(' ');
-    if (start == std::string_view::npos)
-        return {};
-    return text.substr(start, text.find_last_not_of(' ') - start + 1);
+    const std::size_t start = std::min(text.find_first_not_of(' '), text.size());
+    return std::string(text.substr(start, text.find_last_not_of(' ') + 1 - start));
 }
 
 } // namespace
 
 std::vector<Row> RowsOf(std::string_view table)
 {
-    constexpr std::string_view arrow = "->";
+    std::string text(table);
+    std::ranges::replace(text, '\n', ';');
+    std::istringstream cells(text);
     std::vector<Row> rows;
-    while (!table.empty()) {
-        const std::string_view row = WithoutOuterBlanks(TakeUntil(";\n", table));
-        const std::size_t end = row.find(arrow);
-        if (end != std::string_view::npos)
-            rows.push_back({std::string(WithoutOuterBlanks(row.substr(0, end))),
-                            std::string(WithoutOuterBlanks(row.substr(end + arrow.size())))});
-        else
-            EXPECT_EQ(row, "") << "a row without a result";
+    while (std::getline(cells, text, ';')) {
+        const std::size_t end = text.find("->");
+        EXPECT_EQ(end == text.npos, WithoutOuterBlanks(text).empty()) << text << " has no result";
+        if (end != text.npos)
+            rows.push_back({WithoutOuterBlanks(text.substr(0, end)),
+                            WithoutOuterBlanks(text.substr(end + 2))});
     }
     return rows;
 }
 
 int CodeOf(std::string_view word)
 {
-    if (IsReference(word))
-        return CodeOfReference(word.front());
-    if (word.front() == '.' || std::isdigit(static_cast<unsigned char>(word.front())))
+    if (word[0] == '.' || std::isdigit(static_cast<unsigned char>(word[0])))
         return TOK_NUMBER;
-    const auto found = kWords.find(word);
-    return found == kWords.end() ? TOK_ILLEGAL : found->second;
+    const auto found = std::ranges::find(kWords, IsReference(word) ? word.substr(0, 1) : word);
+    return found == std::end(kWords) ? TOK_ILLEGAL : static_cast<int>(found - kWords);
 }
 
 int ExpressionTest::Insert(std::string_view word, int nested)
 {
-    return m_Tree.InsertToken(CodeOf(word), TextOf(word), 0, nested);
+    // A reference stands in a text with a blank on either side of its name.
+    const CString text =
+        IsReference(word) ? CString(' ' + std::string(word.substr(2)) + ' ') : CString(word);
+    return m_Tree.InsertToken(CodeOf(word), text, 0, nested);
 }
 
 std::string ExpressionTest::Fault(const std::string& place) const
 {
+    constexpr std::string_view kind = "token: ";
+    const CCalcErrorTracker& tracker = m_Set.m_Tracker;
+    std::string object = tracker.NumObjs() == 1 ? tracker.GetStr(0).ToUtf8() : Dump(tracker);
+    if (object.starts_with(kind))
+        object = WithoutOuterBlanks(object.substr(kind.size()));
     const std::string message = std::to_string(m_Tree.GetMsg());
-    const std::string record = Dump(m_Set.m_Tracker);
-    if (record.starts_with(message + ' '))
-        return message + place + record.substr(message.size());
-    return message + place + ", " + record;
+    const std::string recorded = std::to_string(tracker.GetError());
+    return WithoutOuterBlanks(message + place + (recorded == message ? "" : ',' + recorded) + ' ' +
+                              object);
 }
 
-std::string ExpressionTest::Load(std::string_view words, int nested)
+std::string ExpressionTest::Load(const std::string& words, int nested)
 {
     m_Tree.Clear();
-    for (int place = 0; !words.empty(); ++place) {
-        if (!Insert(TakeUntil(" ", words), nested))
-            return Fault(" at " + std::to_string(place));
+    std::istringstream rest(words);
+    std::string word;
+    for (int place = 0; rest >> word; ++place) {
+        if (!Insert(word, nested))
+            return Fault('@' + std::to_string(place));
     }
-    return m_Tree.EndOfExpression() ? Dump(m_Tree) : Fault(" at end");
+    return m_Tree.EndOfExpression() ? Dump(m_Tree) : Fault("@end");
 }
 
 void ExpressionTest::ExpectLoads(std::string_view table, int nested)

@@ -23,11 +23,10 @@ struct Row {
 };
 std::vector<Row> RowsOf(std::string_view table);
 
-// The code of a word: a name of the language, "V:x", "F:x" or "T:x" for a reference, a number if it
-// begins with a digit or a point, TOK_ILLEGAL for anything else.
+// The code of a word: a name of the language, "V:x", "F:x" or "T:x" for a reference, a number.
+// TOK_ILLEGAL for anything else.
 int CodeOf(std::string_view word);
 
-// A tree whose inside a test may look at.
 class InspectedTree : public CExprTree {
 public:
     using CExprTree::CExprTree;
@@ -40,14 +39,12 @@ public:
 // "IF ( V:x > 1 , 2 , 3 )"; a place is the number of a word, counted from 0.
 class ExpressionTest : public testing::Test {
 protected:
-    // Hands one word to the tree. Answers as InsertToken does.
     int Insert(std::string_view word, int nested = 0);
 
     // Builds the expression in a cleared tree. Gives the tree as Dump has it, or for a fault its
-    // message, its place and the objects in the tracker: "6628 at 0 [token: *]", with the tracker's
-    // message before them if that is another one: "6624 at 1, 6623 [token: ]".
-    std::string Load(std::string_view words, int nested = 0);
-    // Compares that for each row of the table.
+    // message, its place and the text of the token in the tracker: "6628@0 *", with the tracker's
+    // message before that if it is another one: "6624@1,6623".
+    std::string Load(const std::string& words, int nested = 0);
     void ExpectLoads(std::string_view table, int nested = 0);
 
     // Calculates the tree. Gives the fault like Load, without a place, or an empty text.

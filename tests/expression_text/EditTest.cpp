@@ -1,9 +1,8 @@
 #include <algorithm>
 #include <climits>
-#include <iterator>
+#include <cstdlib>
 #include <random>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -56,25 +55,27 @@ protected:
         EXPECT_EQ(Show(m_Expression), m_Before);
         EXPECT_EQ(m_Expression.GetInvalidPos(), 1);
     }
+    int Delete(int start, int end, int expectedWholeVar = 0)
+    {
+        int wholeVar = 77;
+        const int answer = m_Expression.DeleteChars(start, end, &wholeVar);
+        EXPECT_EQ(wholeVar, expectedWholeVar);
+        return answer;
+    }
     // What lies at the gap, as inside, right or left edge with the index: "R0L1".
     std::string At(int gap) const
     {
-        return At('I', gap, &CFmlaExprBase::InVar) + At('R', gap, &CFmlaExprBase::OnVarRightEdge) +
-               At('L', gap, &CFmlaExprBase::OnVarLeftEdge);
+        int index = 0;
+        std::string found;
+        found += m_Expression.InVar(gap, &index) ? 'I' + std::to_string(index) : "";
+        found += m_Expression.OnVarRightEdge(gap, &index) ? 'R' + std::to_string(index) : "";
+        found += m_Expression.OnVarLeftEdge(gap, &index) ? 'L' + std::to_string(index) : "";
+        return found;
     }
 
     CFmlaExprBase m_Expression;
 
 private:
-    std::string At(char letter, int gap, int (CFmlaExprBase::*ask)(int, int*) const) const
-    {
-        int index = 77;
-        const int answer = (m_Expression.*ask)(gap, &index);
-        EXPECT_EQ((m_Expression.*ask)(gap, nullptr), answer);
-        EXPECT_TRUE(answer == 1 || index == 77) << letter << gap;
-        return answer == 1 ? letter + std::to_string(index) : "";
-    }
-
     std::string m_Before;
 };
 
@@ -106,63 +107,50 @@ TEST_F(Editing, TextGoesInBesideAReferenceNeverIntoIt)
 TEST_F(Editing, AReferenceGoesAsAWhole)
 {
     // At the end of the text there is nothing to take, which is no refusal. A start behind the end
-    // acts as the Delete key at the end. The limit ends a range, but not what the key takes.
+    // acts as the Delete key at the end.
     const struct {
-        int limit;
         int start;
         int end;
         const char* edited;
         int wholeVar;
     } rows[] = {
-        {99, 4, 4, "2 * F(bc)+", 1},
-        {99, 4, 15, "2 * F(bc)+", 0},
-        {99, 15, 15, "2 * V(Unit Cost)+", 1},
-        {99, 3, 3, "2 *V(Unit Cost)F(bc)+", 0},
-        {99, 2, 15, "2 F(bc)+", 0},
-        {99, 19, 19, "2 * V(Unit Cost)F(bc)", 0},
-        {99, 0, INT_MAX, "", 0},
-        {99, 21, 98, kUnitCost, 0},
-        {INT_MAX, INT_MAX - 1, INT_MAX - 1, kUnitCost, 0},
-        {99, 9, 2, "2  V(Unit Cost)F(bc)+", 0},
-        {99, INT_MAX, 4, "2 * F(bc)+", 1},
-        {15, 0, 99, "F(bc)+", 0},
-        {17, 15, 15, "2 * V(Unit Cost)+", 1},
+        {4, 4, "2 * F(bc)+", 1},       {15, 15, "2 * V(Unit Cost)+", 1},
+        {4, 15, "2 * F(bc)+", 0},      {3, 3, "2 *V(Unit Cost)F(bc)+", 0},
+        {2, 15, "2 F(bc)+", 0},        {19, 19, "2 * V(Unit Cost)F(bc)", 0},
+        {0, INT_MAX, "", 0},           {20, 20, kUnitCost, 0},
+        {INT_MAX, 4, "2 * F(bc)+", 1}, {9, 2, "2  V(Unit Cost)F(bc)+", 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.start) + " to " + std::to_string(row.end));
-        Start(kUnitCost, row.limit);
-        int wholeVar = 77;
-        ExpectDone(row.edited, m_Expression.DeleteChars(row.start, row.end, &wholeVar));
-        EXPECT_EQ(wholeVar, row.wholeVar);
+        Start(kUnitCost);
+        ExpectDone(row.edited, Delete(row.start, row.end, row.wholeVar));
     }
-    const struct {
-        int limit;
-        int start;
-        int end;
-    } refusals[] = {
-        {99, 3, 6},
-        {99, 9, 9},
-        {99, 14, 19},
-        {99, 15, 9},
-        {99, 0, -1},
-        {99, INT_MIN, 3},
-        {99, INT_MAX, INT_MAX},
-        {17, 0, 99},
-        {15, 15, 15},
-        {0, 0, 0},
-        {-5, 0, 0},
-        {INT_MIN, 0, 0},
+    const int refused[][2] = {
+        {3, 6}, {9, 9}, {14, 19}, {15, 9}, {0, -1}, {INT_MIN, 3}, {INT_MAX, INT_MAX},
     };
-    for (const auto& row : refusals) {
-        SCOPED_TRACE(std::to_string(row.start) + " to " + std::to_string(row.end));
-        Start(kUnitCost, row.limit);
-        int wholeVar = 77;
-        ExpectRefused(m_Expression.DeleteChars(row.start, row.end, &wholeVar));
-        EXPECT_EQ(wholeVar, 0);
-    }
     Start(kUnitCost);
+    for (const auto& [start, end] : refused) {
+        SCOPED_TRACE(std::to_string(start) + " to " + std::to_string(end));
+        ExpectRefused(Delete(start, end));
+    }
     EXPECT_THROW(m_Expression.DeleteChars(19, 20, nullptr), CInvalidArgException);
     ExpectRefused(0);
+}
+
+TEST_F(Editing, DeletionEndsAtTheLimitButAReferenceGoesBeyond)
+{
+    for (const int limit : {17, 0, -5, INT_MIN}) {
+        SCOPED_TRACE(limit);
+        Start(kUnitCost, limit);
+        ExpectRefused(Delete(0, 99)); // 17 is inside a reference
+        ExpectRefused(Delete(17, 17));
+    }
+    Start(kUnitCost, 17);
+    ExpectDone("2 * V(Unit Cost)+", Delete(15, 15, 1));
+    Start(kUnitCost, 15);
+    ExpectDone("F(bc)+", Delete(0, 99));
+    Start(kUnitCost, INT_MAX);
+    ExpectDone(kUnitCost, Delete(INT_MAX - 1, INT_MAX - 1));
 }
 
 TEST_F(Editing, ReferenceBringsItsBlanksAndItsEntry)
@@ -184,39 +172,22 @@ TEST_F(Editing, ReferenceBringsItsBlanksAndItsEntry)
 
 TEST_F(Editing, EntryGoesWhereNoReferenceStands)
 {
-    const char* const before = "2,3,0,5,3,1,";
-    const struct {
-        int pos;
-        int length;
-        int kind;
-        const char* pointers;
-    } rows[] = {
-        {0, 2, 2, "0,2,2,2,3,0,5,3,1,"},
-        {8, 4, 0, "2,3,0,5,3,1,8,4,0,"},
-        {2, 1, 0, before},
-        {4, 1, 0, before},
-        {5, 1, 0, before},
-        {-1, 1, 0, before},
-        {8, -1, 0, before},
-        {8, 1, -1, before},
-        {65536, 1, 0, before},
-        {8, 65536, 0, before},
-        {8, 1, 65536, before},
-        {65535, 65535, 1, "2,3,0,5,3,1,65535,65535,1,"},
+    const int refused[][3] = {
+        {2, 1, 0},  {4, 1, 0},     {5, 1, 0},     {-1, 1, 0},
+        {8, -1, 0}, {65536, 1, 0}, {8, 65536, 0}, {8, 1, 65537},
     };
-    for (const auto& row : rows) {
+    for (const auto& [pos, length, kind] : refused) {
+        SCOPED_TRACE(std::to_string(pos) + ", " + std::to_string(length));
         Start("1+V(a)F(b)");
-        EXPECT_EQ(m_Expression.InsVarPtrs(row.pos, row.length, row.kind),
-                  row.pointers == before ? 0 : 1);
-        EXPECT_EQ(m_Expression.GetPtrStr().ToUtf8(), row.pointers)
-            << row.pos << ", " << row.length << ", " << row.kind;
+        ExpectRefused(m_Expression.InsVarPtrs(pos, length, kind));
     }
     Start("1+V(a)F(b)");
-    for (const int index : {-1, 2, INT_MIN, INT_MAX})
+    EXPECT_EQ(m_Expression.InsVarPtrs(65535, 65535, 1) + m_Expression.InsVarPtrs(0, 2, 2), 2);
+    EXPECT_EQ(Show(m_Expression), "1+ a  b [0,2,2,2,3,0,5,3,1,65535,65535,1,]");
+    for (const int index : {-1, 4, INT_MIN, INT_MAX})
         EXPECT_THROW(m_Expression.DelVarPtrs(index), CInvalidArgException) << index;
-    ExpectRefused(0);
-    m_Expression.DelVarPtrs(0);
-    EXPECT_EQ(Show(m_Expression), "1+ a  b [5,3,1,]");
+    m_Expression.DelVarPtrs(1);
+    EXPECT_EQ(Show(m_Expression), "1+ a  b [0,2,2,5,3,1,65535,65535,1,]");
 }
 
 TEST_F(Editing, CursorStandsOutsideReferences)
@@ -231,6 +202,7 @@ TEST_F(Editing, CursorStandsOutsideReferences)
         {3, "", 3, 3, 3},
         {4, "L0", 4, 4, 4},
         {5, "I0", 15, 4, 4},
+        {8, "I0", 15, 4, 4},
         {9, "I0", 15, 4, 4},
         {10, "I0", 15, 4, 15},
         {14, "I0", 15, 4, 15},
@@ -239,25 +211,28 @@ TEST_F(Editing, CursorStandsOutsideReferences)
         {17, "I1", 19, 15, 15},
         {18, "I1", 19, 15, 19},
         {19, "R1", 19, 19, 19},
-        {20, "", 20, 20, 20},
-        {1470, "", 1470, 1470, 1470},
+        {99, "", 99, 99, 99},
         {1471, "", 1470, 1470, 1470},
         {-1, "", 0, 0, 0},
-        {INT_MAX, "", 1470, 1470, 1470},
-        {INT_MIN, "", 0, 0, 0},
+        {INT_MIN + 1, "", 0, 0, 0},
+        {INT_MAX - 1, "", 1470, 1470, 1470},
     };
     Start(kUnitCost);
     for (const auto& row : rows) {
         SCOPED_TRACE(row.pos);
         EXPECT_EQ(At(row.pos), row.found);
-        EXPECT_EQ(m_Expression.FixPos(row.pos, std::max(row.pos, INT_MIN + 1) - 1), row.right);
-        EXPECT_EQ(m_Expression.FixPos(row.pos, std::min(row.pos, INT_MAX - 1) + 1), row.left);
+        EXPECT_EQ(m_Expression.FixPos(row.pos, row.pos - 1), row.right);
+        EXPECT_EQ(m_Expression.FixPos(row.pos, row.pos + 1), row.left);
         EXPECT_EQ(m_Expression.FixPos(row.pos, row.pos), row.nearest);
         EXPECT_EQ(m_Expression.FixPos(row.pos, FD_NEAREST), row.nearest);
         EXPECT_EQ(m_Expression.FixPos(row.pos, FD_LEFT), row.left);
         EXPECT_EQ(m_Expression.FixPos(row.pos, FD_RIGHT), row.right);
         EXPECT_EQ(m_Expression.FixPos(row.pos, static_cast<FMLA_DIRECTION>(3)), row.right);
     }
+    int index = 77;
+    EXPECT_EQ(m_Expression.InVar(5, nullptr), 1);
+    EXPECT_EQ(m_Expression.InVar(4, &index), 0);
+    EXPECT_EQ(index, 77);
     // The questions end at the limit, and so does the cursor, reference or not.
     m_Expression.SetExprTextLimit(15);
     EXPECT_EQ(At(15) + At(16) + At(19), "R0L1");
@@ -270,21 +245,20 @@ TEST_F(Editing, TrailingBlanksTakeNoRoom)
     // Every character before the place takes room, blank or not.
     const struct {
         const char* text;
-        const char* inserted;
         int pos;
+        const char* refused;
+        const char* inserted;
         const char* edited;
-        const char* refused; // at the same place
     } rows[] = {
-        {"12345", "67890", 0, "6789012345", "678901"},
-        {"12345     ", "abcde", 0, "abcde12345", "abcdef"},
-        {"12345     ", "abcde", 5, "12345abcde", "abcdef"},
-        {"12345     ", "ab", 3, "123ab45   ", "abcdef"},
-        {"12345     ", "abc", 7, "12345  abc", "abcd"},
-        {"12", "a", 9, "12a", "ab"},
-        {"1234567890", "", 0, "1234567890", "a"},
-        {"1234567890  ", "", 0, "1234567890", "a"},
-        {"V(a)  12    ", "abc", 3, "V(a)abc  12", "abcd"},
-        {"12345\t\t\t\t", "a", 0, "a12345\t\t\t\t", "ab"},
+        {"12345", 0, "678901", "67890", "6789012345"},
+        {"12345     ", 0, "abcdef", "abcde", "abcde12345"},
+        {"12345     ", 5, "abcdef", "abcde", "12345abcde"},
+        {"12345     ", 3, "abcdef", "ab", "123ab45   "},
+        {"12345     ", 7, "abcd", "abc", "12345  abc"},
+        {"12", 9, "ab", "a", "12a"},
+        {"1234567890  ", 0, "a", "", "1234567890"},
+        {"V(a)  12    ", 3, "abcd", "abc", "V(a)abc  12"},
+        {"12345\t\t\t\t", 0, "ab", "a", "a12345\t\t\t\t"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.edited);
@@ -295,7 +269,7 @@ TEST_F(Editing, TrailingBlanksTakeNoRoom)
     Start("12345", 10);
     ExpectRefused(m_Expression.InsertVariable("abcd", 5, 0)); // with two blanks
     ExpectDone("12345V(abc)", m_Expression.InsertVariable("abc", 5, 0));
-    // Not even an empty text goes into one that is too long, or has no limit above its place.
+    // Not even an empty text goes into one that is too long.
     for (const int limit : {4, 0, -5, INT_MIN}) {
         SCOPED_TRACE(limit);
         Start("12345", limit);
@@ -311,7 +285,6 @@ TEST_F(Editing, SixteenthReferenceIsRefused)
     for (const int kind : {0, 1, 2})
         ExpectRefused(m_Expression.InsertVariable("n", 45, kind));
     ExpectRefused(m_Expression.InsVarPtrs(45, 3, 0));
-
     // More of them can be loaded, and are moved like any others.
     Start(Repeated("V(n)", 20));
     ExpectRefused(m_Expression.InsertFormula("n", 0));
@@ -320,92 +293,90 @@ TEST_F(Editing, SixteenthReferenceIsRefused)
 
 TEST_F(Editing, ReferenceStaysWithinSixteenBits)
 {
+    const std::string longest = Repeated("m", 65533);
     const struct {
         int loadedPos; // of the reference in the text before
         int pos;
-        int length; // of the name, or of a text if negative
-        bool fits;
+        const std::string name; // "+1" is inserted as text
+        const char* pointers;   // null for a refusal
     } rows[] = {
-        {0, 3, 65533, true},   {0, 3, 65534, false},     {0, 65535, 1, true},
-        {0, 65536, 1, false},  {0, 69990, 1, false},     {65533, 0, -2, true},
-        {65534, 0, -2, false}, {65534, 69990, -2, true}, {65535, 65535, -1, false},
-        {65532, 0, 1, true},   {65533, 0, 1, false},     {65530, 65533, 70, true},
+        {0, 3, longest, "0,3,0,3,65535,1,"}, {0, 3, longest + "m", nullptr},
+        {0, 65535, "m", "0,3,0,65535,3,1,"}, {0, 65536, "m", nullptr},
+        {65532, 0, "m", "0,3,1,65535,3,0,"}, {65533, 0, "m", nullptr},
+        {65533, 0, "+1", "65535,3,0,"},      {65534, 0, "+1", nullptr},
+        {65534, 69990, "+1", "65534,3,0,"},  {65535, 65535, "+1", nullptr},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(std::to_string(row.loadedPos) + ", at " + std::to_string(row.pos) + ", " +
-                     std::to_string(row.length));
+        SCOPED_TRACE(std::to_string(row.loadedPos) + " and " + std::to_string(row.pos));
         Start(Repeated("1", row.loadedPos) + "V(n)" + Repeated("1", 70000 - row.loadedPos), 200000);
-        const std::string name = Repeated("m", std::abs(row.length));
-        const std::string text = row.length < 0 ? name : ' ' + name + ' ';
-        std::string expected = m_Expression.GetTextStr().ToUtf8();
-        if (row.fits)
-            expected.insert(static_cast<std::size_t>(row.pos), text);
-        const int answer = row.length < 0 ? m_Expression.InsertString(CString(text), row.pos)
-                                          : m_Expression.InsertFormula(CString(name), row.pos);
-        EXPECT_EQ(answer, row.fits ? 1 : 0);
-        EXPECT_TRUE(m_Expression.GetTextStr().ToUtf8() == expected);
-        EXPECT_EQ(m_Expression.NumVars(), row.fits && row.length > 0 ? 2 : 1);
+        const int answer = row.name == "+1"
+                               ? m_Expression.InsertString("+1", row.pos)
+                               : m_Expression.InsertFormula(CString(row.name), row.pos);
+        if (!row.pointers) {
+            ExpectRefused(answer);
+            continue;
+        }
+        EXPECT_EQ(m_Expression.GetPtrStr().ToUtf8(), row.pointers);
         for (int i = 0; i < m_Expression.NumVars(); ++i)
             EXPECT_TRUE(m_Expression.VarText(i).ToUtf8() ==
-                        (m_Expression.VarType(i) == 1 ? text : " n "));
+                        (m_Expression.VarType(i) == 1 ? ' ' + row.name + ' ' : " n "));
     }
 }
 
-// One character of the text that an expression ought to have.
-struct Cell {
-    char character;
-    int reference; // a number of its own for each reference, 0 for literal text
-};
+// The names of random references are all different, tell their kind and hold the only "#".
+std::string NameOf(int number)
+{
+    return '#' + std::to_string(number) + ")\\ V(";
+}
 
-// The same expression as cells, which know of a reference only that no edit may part it.
-class CellRow {
-public:
-    explicit CellRow(int limit) : m_Limit(limit) {}
+void CheckNamedReferences(const CFmlaExprBase& expression)
+{
+    int end = 0;
+    for (int i = 0; i < expression.NumVars(); ++i) {
+        const int number = std::atoi(expression.VarName(i).Mid(1).ToUtf8().c_str());
+        EXPECT_EQ(expression.VarText(i).ToUtf8(), ' ' + NameOf(number) + ' ');
+        EXPECT_EQ(expression.VarType(i), number % 3);
+        EXPECT_GE(expression.VarPos(i), end);
+        end = expression.VarEndPos(i);
+    }
+    const std::string text = expression.GetTextStr().ToUtf8();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '#'), expression.NumVars());
+}
 
-    int Length() const { return static_cast<int>(m_Cells.size()); }
-    std::string Show() const
-    {
-        std::string text;
-        std::string pointers;
-        for (int start = 0; start < Length(); start = NextGap(start)) {
-            const int end = NextGap(start);
-            for (int i = start; i < end; ++i)
-                text += At(i).character;
-            if (At(start).reference != 0)
-                pointers += std::to_string(start) + ',' + std::to_string(end - start) + ',' +
-                            std::to_string(At(start).reference % 3) + ',';
+TEST_F(Editing, RandomEditsKeepTextAndTableInStep)
+{
+    static constexpr const char* kTexts[] = {"1", "+", " ", "(", ")", "V(", "IF", "      ", ""};
+    std::mt19937 random(20240229);
+    const auto below = [&random](int count) { return static_cast<int>(random() % 1000) % count; };
+    for (int step = 0; step < 3000 && !HasFailure(); ++step) {
+        const std::string before = Show(m_Expression);
+        SCOPED_TRACE(before);
+        CString text = m_Expression.GetTextStr();
+        const int pos = below(text.GetLength() + 2) - 1;
+        const int end = below(3) == 0 ? below(text.GetLength() + 2) - 1 : pos;
+        const CString name(NameOf(step));
+        const CString literal = kTexts[below(9)];
+        const int edit = below(5);
+        int wholeVar = 0;
+        int answer = 0;
+        if (edit == 0) {
+            answer = m_Expression.DeleteChars(pos, end, &wholeVar);
+            const int key = wholeVar ? text.GetLength() - m_Expression.GetTextStr().GetLength() : 1;
+            text.Delete(std::min(pos, end), pos < end ? end - pos : key);
+        } else if (edit < 3) {
+            answer = m_Expression.InsertString(literal, pos);
+            text.Insert(pos, literal);
+        } else {
+            answer = m_Expression.InsertVariable(name, pos, step % 3);
+            text.Insert(pos, " " + name + " ");
         }
-        return text + '[' + pointers + ']';
+        EXPECT_TRUE(answer != 0 ? m_Expression.GetTextStr() == text : Show(m_Expression) == before)
+            << edit << " from " << pos << " to " << end << ": " << Show(m_Expression);
+        CheckNamedReferences(m_Expression);
+        const std::string encoded = m_Expression.GetEncodedString().ToUtf8();
+        EXPECT_EQ(Read(encoded).GetEncodedString().ToUtf8(), encoded);
     }
-    bool Insert(const std::string& text, int reference, int gap)
-    {
-        const auto isUsed = [](const Cell& cell) { return cell.character != ' '; };
-        const auto end = std::find_if(m_Cells.rbegin(), m_Cells.rend(), isUsed).base();
-        const int used = std::max(gap, static_cast<int>(end - m_Cells.begin()));
-        if (!IsFree(gap) || static_cast<int>(text.size()) > m_Limit - used)
-            return false;
-        std::vector<Cell> cells;
-        for (const char character : text)
-            cells.push_back({character, reference});
-        m_Cells.insert(m_Cells.begin() + gap, cells.begin(), cells.end());
-        m_Cells.resize(std::min(m_Cells.size(), static_cast<std::size_t>(m_Limit)));
-        return true;
-    }
-    bool Delete(int start, int end)
-    {
-        start = std::min(start, end);
-        if (!IsFree(start) || !IsFree(end))
-            return false;
-        if (start == end && end < Length())
-            end = NextGap(start);
-        m_Cells.erase(m_Cells.begin() + start, m_Cells.begin() + end);
-        return true;
-    }
-
-private:
-    std::vector<Cell> m_Cells;
-    int m_Limit;
-};
+}
 
 } // namespace
 

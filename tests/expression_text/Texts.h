@@ -47,6 +47,21 @@ private:
     std::optional<CDynLinkLibrary> m_Module;
 };
 
+// Text and reference table as one line, such as "2 *  Width + 3[4,7,0,]", and the way back.
+inline std::string Whole(const CFmlaExprBase& expression)
+{
+    return expression.GetTextStr().ToUtf8() + "[" + expression.GetPtrStr().ToUtf8() + "]";
+}
+
+inline CFmlaExprBase Expression(const std::string& whole)
+{
+    const std::size_t bracket = whole.rfind('[');
+    CFmlaExprBase expression;
+    expression.SetExpr(CString(whole.substr(0, bracket)),
+                       CString(whole.substr(bracket + 1, whole.size() - bracket - 2)));
+    return expression;
+}
+
 inline std::string Repeated(const std::string& part, int count)
 {
     std::string text;

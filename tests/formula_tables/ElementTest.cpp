@@ -23,14 +23,11 @@ TEST_F(Element, CombinedStringIsAKindAndANameOrThousandths)
         {"VHeight", u'V', "Height", 1, 3.5, "VHeight"},
         {"FArea", u'F', "Area", 1, 0, "FArea"}, // not calculated yet
         {"TUnion?", u'T', "Union?", 1, 0, "TUnion?"},
-        {"FGone", u'F', "Gone", 1, 0, "FGone"},
         {"V", u'V', "", 1, 0, "V"},
         {"Tax", u'T', "ax", 1, 0, "Tax"},
-        {"V Height ", u'V', " Height ", 1, 0, "V Height "},
         {"7500", 0, "7500", 1, 7.5, "7500.000000"},
         {"-12.5", 0, "-12.5", 1, -0.0125, "-12.500000"},
         {"x1", 0, "x1", 1, 0, ""},
-        {"vx", 0, "vx", 1, 0, ""},
         {"0", 0, "0", 1, 0, ""},
         {"", 0, "", 0, 0, ""},
     };
@@ -60,18 +57,14 @@ TEST_F(Element, UserTypesAPlainNumber)
         const char* shown;
     } rows[] = {
         {".", "2.5", "2500", "2.500"},
-        {".", "-12", "-12000", "-12.000"},
         {".", "1,234.5", "1234500", "1234.500"},
         {".", "1,234,567", "1234567000", "1234567.000"},
         {".", "2,5", "2500", "2.500"},
         {".", "0.000002", "0.002", "0.000"},
-        {".", " 1 000 ", "1000000", "1000.000"},
         {".", "", "0", "0.000"},
-        {".", "abc", "0", "0.000"},
         {",", "2,5", "2500", "2,500"},
         {",", "2.5", "2500", "2,500"},
         {",", "1.234,5", "1234500", "1234,500"},
-        {",", "1,234.5", "1234500", "1234,500"},
         {",", "0,000002", "0.002", "0,000"},
     };
     for (const auto& row : rows) {
@@ -118,6 +111,7 @@ TEST_F(Element, NestedCheckNamesTheElement)
 {
     Formula("Good", "1");
     Formula("Bad", "1+");
+    Formula("Deep", "F(Gone)");
     Table("Twisted", "", {"", ""}).SetRowLimit(1, 0.0);
     const struct {
         const char* combined;
@@ -127,10 +121,9 @@ TEST_F(Element, NestedCheckNamesTheElement)
         {"FGone", 6614, "6614 [Formula: Gone]"},
         {"TGone", 6615, "6615 [Formula table: Gone]"},
         {"FBad", 10732, "10732 [token: + | Formula: Bad | Formula table element: Bad]"},
+        {"FDeep", 6614, "6614 [Formula: Gone | Formula: Deep | Formula table element: Deep]"},
         {"TTwisted", 10847, "10847 [Formula table: Twisted | Formula table element: Twisted]"},
         {"FGood", 0, nullptr},
-        {"VGone", 0, nullptr},
-        {"5000", 0, nullptr},
         {"", 0, nullptr},
     };
     for (const auto& row : rows) {

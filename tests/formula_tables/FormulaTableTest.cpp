@@ -56,8 +56,7 @@ TEST_F(FormulaTable, SelectorPicksTheFirstLimitThatIsNotBelowIt)
             EXPECT_EQ(table->GetRowIndex(), row.index);
             EXPECT_EQ(table->GetColIndex(), column.index);
             table->SetCalculated(0);
-            EXPECT_EQ(MessageOfCalculation(*table), 0u);
-            EXPECT_EQ(table->GetValue(), 3 * row.index + column.index + 1);
+            EXPECT_EQ(ValueOf(*table), 3 * row.index + column.index + 1);
         }
     }
 }
@@ -72,8 +71,7 @@ TEST_F(FormulaTable, YesNoSelectorIsOneOrZero)
     EXPECT_EQ(table->GetColIndex(), 0);
     done.SetValue(1);
     table->SetCalculated(0);
-    EXPECT_EQ(MessageOfCalculation(*table), 0u);
-    EXPECT_EQ(table->GetValue(), 2.0);
+    EXPECT_EQ(ValueOf(*table), 2.0);
 }
 
 TEST_F(FormulaTable, LimitsMustRise)
@@ -116,9 +114,6 @@ TEST_F(FormulaTable, ChainLeadsFromTheFaultToTheTable)
     const auto table = Grid(2, 3);
     SetCell(*table, 1, 2, "FGone");
     expectChain(*table, "6614 [Formula: Gone | Cell at row 2, column 3. | Formula table: Grid]");
-    SetCell(*table, 1, 0, "TGone");
-    expectChain(*table,
-                "6615 [Formula table: Gone | Cell at row 2, column 1. | Formula table: Grid]");
     SetCell(*table, 0, 1, "FBad");
     expectChain(*table, "10732 [token: + | Formula: Bad | Cell at row 1, column 2. | "
                         "Formula table: Grid]");
@@ -140,11 +135,9 @@ TEST_F(FormulaTable, EmptyPlaceIsAFaultAndNoCrash)
     const auto table = Grid(2, 3, "15000", "25000");
     delete table->GetCell(1, 2);
     table->SetCell(1, 2, nullptr);
-    const auto expectFault = [&](unsigned int message) {
+    const auto expectFault = [this](unsigned int message) {
         EXPECT_EQ(message, 10732u);
-        EXPECT_EQ(m_Set.ErrorTracker().GetError(), 10732u);
-        EXPECT_NE(Chain().find("Cell at row 2, column 3."), std::string::npos) << Chain();
-        EXPECT_NE(Chain().find("Formula table: Grid]"), std::string::npos) << Chain();
+        EXPECT_EQ(Chain(), "10732 [Cell at row 2, column 3. | Formula table: Grid]");
         m_Set.ErrorTracker().SetError(0, nullptr);
     };
     expectFault(MessageOfCheck(*table, 0));
@@ -165,8 +158,7 @@ TEST_F(FormulaTable, CalculatedTableAnswersAtOnce)
     EXPECT_EQ(table->GetValue(), 0.0);
     EXPECT_EQ(MessageOfCalculation(*table), 0u);
     rate.SetValue(4);
-    EXPECT_EQ(MessageOfCalculation(*table), 0u);
-    EXPECT_EQ(table->GetValue(), 3.0);
+    EXPECT_EQ(ValueOf(*table), 3.0);
     EXPECT_EQ(table->GetCalculated() * 10 + table->GetScanned(), 10);
 
     // A scan passes through a table that was only calculated, and once more inside a condition.
@@ -217,6 +209,13 @@ TEST_F(FormulaTable, ValidatedTableIsNotLookedAtAgain)
     EXPECT_EQ(table->GetCalculated() * 10 + table->GetScanned(), 10);
     table->SetValidated(0);
     EXPECT_EQ(MessageOfCheck(*table, 0), 10847u);
+
+    // A calculation validates each cell by itself, so a formula that is not selected may be broken
+    // further down.
+    const auto fresh = Grid(2, 1, "5000");
+    cell.SetFromEncodedString("F(Gone)");
+    SetCell(*fresh, 1, 0, "FCell");
+    EXPECT_EQ(ValueOf(*fresh), 1.0);
 }
 
 TEST_F(FormulaTable, ScanListsEveryCellOrWhatIsReached)
@@ -257,15 +256,12 @@ TEST_F(FormulaTable, BadArgumentIsNamed)
         {"pBadPtr", "FormulaImpl::FormulaImpl", [] { FormulaTableImpl(nullptr, 2, 1); }},
         {"numRows", "FormulaImpl::FormulaImpl", [this] { FormulaTableImpl(&m_Set, 1, 1); }},
         {"numColumns", "FormulaImpl::FormulaImpl", [this] { FormulaTableImpl(&m_Set, 2, 0); }},
-        {"numRows", "FormulaImpl::FormulaImpl", [this] { FormulaTableImpl(&m_Set, -9, -9); }},
-        {"row", "FormulaImpl::GetRowLimit", [&] { grid.GetRowLimit(-1); }},
         {"row", "FormulaImpl::GetRowLimit", [&] { grid.GetRowLimit(3); }},
         {"row", "FormulaImpl::SetRowLimit", [&] { grid.SetRowLimit(3, 1.0); }},
         {"column", "FormulaImpl::GetColumnLimit", [&] { grid.GetColumnLimit(2); }},
         {"column", "FormulaImpl::SetColumnLimit", [&] { grid.SetColumnLimit(-1, 1.0); }},
         {"row", "FormulaImpl::GetCell", [&] { grid.GetCell(3, 0); }},
         {"column", "FormulaImpl::GetCell", [&] { grid.GetCell(0, 2); }},
-        {"row", "FormulaImpl::SetCell", [&] { grid.SetCell(-1, 0, &cell); }},
         {"column", "FormulaImpl::SetCell", [&] { grid.SetCell(0, 5, &cell); }},
     };
     for (const auto& row : rows) {

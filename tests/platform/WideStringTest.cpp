@@ -1,6 +1,5 @@
 #include <TovoPlatform/WideString.h>
 
-#include <initializer_list>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -21,18 +20,20 @@ CString Units(std::initializer_list<int> units)
 
 TEST(WideString, CarriesEveryCodePointOverTheUtf8Border)
 {
+    // clang-format off
     const std::pair<std::string, CString> rows[] = {
-        {"A\x7F", Units({0x41, 0x7F})},
-        {"\xC2\x80\xDF\xBF", Units({0x80, 0x7FF})},
-        {"\xE0\xA0\x80\xED\x9F\xBF", Units({0x800, 0xD7FF})},
+        {std::string("a\0\x7F", 3), Units({'a', 0, 0x7F})}, {"\xC2\x80", Units({0x80})},
+        {"\xDF\xBF\xE0\xA0\x80", Units({0x7FF, 0x800})}, {"\xED\x9F\xBF", Units({0xD7FF})},
         {"\xEE\x80\x80\xEF\xBF\xBF", Units({0xE000, 0xFFFF})},
-        {"\xF0\x90\x80\x80", Units({0xD800, 0xDC00})},
-        {"\xF4\x8F\xBF\xBF", Units({0xDBFF, 0xDFFF})},
-        {std::string("a\0b", 3), Units({'a', 0, 'b'})}};
+        {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", Units({0xD800, 0xDC00, 0xDBFF, 0xDFFF})}};
+    // clang-format on
     for (const auto& [utf8, wide] : rows) {
         EXPECT_EQ(CString(utf8), wide) << utf8;
         EXPECT_EQ(wide.ToUtf8(), utf8);
     }
+    // A surrogate without its other half is replaced.
+    EXPECT_EQ(Units({0xDC00, 0xDC00, 0xDBFF, '>'}).ToUtf8(), "\uFFFD\uFFFD\uFFFD>");
+    EXPECT_EQ(Units({0xD800, 0xD800, 0xDC00}).ToUtf8(), "\uFFFD\U00010000");
 }
 
 TEST(WideString, EachByteOutsideWellFormedUtf8IsReplaced)
@@ -48,55 +49,37 @@ TEST(WideString, EachByteOutsideWellFormedUtf8IsReplaced)
     EXPECT_EQ(CString("<\xE2\x82"), "<" + CString(WCHAR(0xFFFD), 2)) << "cut short by the end";
 }
 
-TEST(WideString, LoneSurrogatesAreReplacedInUtf8)
-{
-    EXPECT_EQ(Units({0xD800, '>'}).ToUtf8(), "\uFFFD>");
-    EXPECT_EQ(Units({0xDC00, 0xDBFF}).ToUtf8(), "\uFFFD\uFFFD");
-    EXPECT_EQ(Units({0xD800, 0xD800, 0xDC00}).ToUtf8(), "\uFFFD\U00010000");
-}
-
-TEST(WideString, IndexesOutsideTheStringThrow)
-{
-    CString text("abc");
-    EXPECT_EQ(text[3], 0) << "the length gives the terminating zero";
-    EXPECT_EQ(CString()[0], 0);
-    for (const int index : {-1, 4, 1 << 30})
-        EXPECT_THROW(text.GetAt(index), CInvalidArgException) << index;
-    for (const int index : {-1, 3})
-        EXPECT_THROW(text.SetAt(index, 'x'), CInvalidArgException) << index;
-}
-
-TEST(WideString, PartsAreClippedToTheString)
+// clang-format off
+TEST(WideString, IndexesOutsideThrowAndRangesAreClipped)
 {
     constexpr int kFar = 0x7FFFFFFF;
-    const CString text("abcde");
-    const std::pair<CString, const char*> rows[] = {
-        {text.Left(2), "ab"},   {text.Left(-1), ""},       {text.Left(kFar), "abcde"},
-        {text.Right(2), "de"},  {text.Right(-kFar), ""},   {text.Right(kFar), "abcde"},
-        {text.Mid(2), "cde"},   {text.Mid(-2), "abcde"},   {text.Mid(kFar), ""},
-        {text.Mid(1, 2), "bc"}, {text.Mid(-1, 2), "ab"},   {text.Mid(4, kFar), "e"},
-        {text.Mid(1, -1), ""},  {CString().Mid(1, 2), ""}, {CString(WCHAR('x'), -3), ""}};
-    for (const auto& [part, expected] : rows)
-        EXPECT_EQ(part, expected) << "row of " << expected << ", not " << part.ToUtf8();
-}
+    CString text("abcde");
+    EXPECT_EQ(text[5], 0) << "the length gives the terminating zero";
+    EXPECT_THROW(text.GetAt(-1), CInvalidArgException);
+    EXPECT_THROW(text.GetAt(6), CInvalidArgException);
+    EXPECT_THROW(text.SetAt(-1, 'x'), CInvalidArgException);
+    EXPECT_THROW(text.SetAt(5, 'x'), CInvalidArgException);
 
-TEST(WideString, EditsAreClippedToTheString)
-{
-    const struct {
-        int index, count;
-        const char *inserted, *deleted;
-    } rows[] = {{0, 1, "<>abc", "bc"},  {1, 1, "a<>bc", "ac"},  {-5, 2, "<>abc", "c"},
-                {9, 1, "abc<>", "abc"}, {2, 99, "ab<>c", "ab"}, {1, -1, "a<>bc", "abc"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.index << ", " << row.count);
-        CString inserted("abc");
-        CString deleted("abc");
-        EXPECT_EQ(inserted.Insert(row.index, "<>"), 5);
-        EXPECT_EQ(inserted, row.inserted);
-        EXPECT_EQ(deleted.Delete(row.index, row.count), CString(row.deleted).GetLength());
-        EXPECT_EQ(deleted, row.deleted);
-    }
+    EXPECT_EQ(text.Left(-1) + '|' + text.Left(2) + '|' + text.Left(kFar), "|ab|abcde");
+    EXPECT_EQ(text.Right(-kFar) + '|' + text.Right(2) + '|' + text.Right(kFar), "|de|abcde");
+    EXPECT_EQ(text.Mid(2) + '|' + text.Mid(-2) + '|' + text.Mid(kFar), "cde|abcde|");
+    EXPECT_EQ(text.Mid(1, 2) + '|' + text.Mid(-1, 2) + '|' + text.Mid(4, kFar), "bc|ab|e");
+    EXPECT_EQ(text.Mid(1, -1) + '|' + CString().Mid(1, 2) + '|' + CString(WCHAR('x'), -3), "||");
+
+    const auto inserted = [](int index) {
+        CString abc("abc");
+        return abc.Insert(index, "<>") == 5 ? abc : CString("bad length");
+    };
+    EXPECT_EQ(inserted(0) + inserted(1) + inserted(-5) + inserted(9), "<>abca<>bc<>abcabc<>");
+    const auto deleted = [](int index, int count) {
+        CString abc("abc");
+        const int length = abc.Delete(index, count);
+        return abc + WCHAR('0' + length);
+    };
+    EXPECT_EQ(deleted(1, 1) + deleted(-5, 2) + deleted(9, 1), "ac2c1abc3");
+    EXPECT_EQ(deleted(2, 99) + deleted(1, -1), "ab2abc3");
 }
+// clang-format on
 
 TEST(WideString, AnArgumentMayBeTheStringItself)
 {
@@ -104,25 +87,12 @@ TEST(WideString, AnArgumentMayBeTheStringItself)
     text += text;
     text.Insert(1, text);
     text.Format(text.GetString());
-    EXPECT_EQ(text, "aababbab");
     text.Replace(text, text);
     EXPECT_EQ(text, "aababbab");
-}
-
-TEST(WideString, ReplaceGoesFromLeftToRightAndNotOverItsOwnResult)
-{
-    CString text("aaaaa-b");
-    EXPECT_EQ(text.Replace("aa", "a"), 2);
-    EXPECT_EQ(text.Replace("b", "bb"), 1);
+    // A replacement goes from left to right and never over its own result.
+    EXPECT_EQ(text.Replace("ba", "aba"), 2);
     EXPECT_EQ(text.Replace("", "x"), 0);
-    EXPECT_EQ(text, "aaa-bb");
-}
-
-TEST(WideString, TrimRightTakesEveryKindOfBlank)
-{
-    CString text = " a b \t\r\n" + Units({0xA0, 0x2003, 0x202F, 0x3000});
-    text.TrimRight();
-    EXPECT_EQ(text, " a b");
+    EXPECT_EQ(text, "aaabababab");
 }
 
 TEST(WideString, ChangingACopyLeavesTheOthersAlone)
@@ -141,16 +111,17 @@ TEST(WideString, ChangingACopyLeavesTheOthersAlone)
         EXPECT_NE(changed, original) << "change " << i;
         EXPECT_EQ(original, "abc ") << "change " << i;
     }
+    CString blanks = " a b \t\r\n" + Units({0xA0, 0x2003, 0x202F, 0x3000});
+    blanks.TrimRight();
+    EXPECT_EQ(blanks, " a b");
 }
 
 TEST(WideString, FormatFillsItsPlacesInOrder)
 {
-    const CString name("Len");
-    const CString format = "%s = %d%%, %x %";
     CString text;
-    text.Format(format.GetString(), name, -5);
+    text.Format(CString("%s = %d%%, %x %").GetString(), CString("Len"), -5);
     EXPECT_EQ(text, "Len = -5%, %x %");
-    text.Format(CString("[%s%d]").GetString(), name);
+    text.Format(CString("[%s%d]").GetString(), CString("Len"));
     EXPECT_EQ(text, "[Len]") << "a place without an argument";
     text.Format(CString("[%s]").GetString(), CString("%d"), 7);
     EXPECT_EQ(text, "[%d]") << "an argument is no format, and a surplus one is passed over";

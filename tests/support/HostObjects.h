@@ -20,22 +20,30 @@ VALUETYPE KindOfName(const CString& name);
 
 class HostVariable : public CObject, public IVarObj {
 public:
-    HostVariable(const CString& name, double value);
+    HostVariable(const CString& name, double value) : m_Name(name), m_Value(value) {}
 
     CString& GetName() override { return m_Name; }
     void SetName(CString& name) override { m_Name = name; }
-    double GetValue() override;
+    double GetValue() override
+    {
+        if (m_OnRead)
+            m_OnRead();
+        return m_Value;
+    }
     void SetValue(double value) override { m_Value = value; }
-    void SetInCond(int inCondition) override;
+    void SetInCond(int inCondition) override
+    {
+        ++m_SetInCondCalls;
+        m_InCond = inCondition;
+    }
     bool IsNumeric() override { return GetType() == VALUE_NUMERIC; }
     bool IsBoolean() override { return GetType() == VALUE_BOOLEAN; }
-    CString& GetUnit(long) override { return m_Unit; }
+    CString& GetUnit(long) override { return m_Name; } // the library asks for no unit
     int InCond() override { return m_InCond; }
     VALUETYPE GetType() override { return KindOfName(m_Name); }
 
     CString m_Name;
     double m_Value;
-    CString m_Unit;
     int m_InCond = 0;
     int m_SetInCondCalls = 0;
     std::function<void()> m_OnRead; // runs at the start of GetValue
@@ -66,7 +74,6 @@ public:
     }
     int IsValid(unsigned int& message, int nested) override
     {
-        ++m_Validations;
         m_LastNested = nested;
         return Verdict(message);
     }
@@ -83,7 +90,6 @@ public:
     std::function<void(CScannedVariables&, int all, int clear)> m_OnGetVariables;
 
     int m_Calculations = 0;
-    int m_Validations = 0;
     int m_Scans = 0;
     int m_LastNested = 0;
     CScannedVariables* m_LastList = nullptr;
@@ -102,16 +108,11 @@ public:
     using HostCalculated::HostCalculated;
 
     bool IsNumeric() override { return KindOfName(m_Name) == VALUE_NUMERIC; }
-    CString& GetUnit() override { return m_Unit; }
-    int GetValidated() override { return m_Validations > 0 ? 1 : 0; }
-
-    CString m_Unit;
+    CString& GetUnit() override { return m_Name; } // the library asks for no unit
+    int GetValidated() override { return 0; }
 };
 
-class HostTable : public HostCalculated<IFormulaTableObj> {
-public:
-    using HostCalculated::HostCalculated;
-};
+using HostTable = HostCalculated<IFormulaTableObj>;
 
 // Objects of any class can stand in the maps; what AddVariable and its sisters make is owned here.
 class HostSet : public ICalculationSet {
@@ -121,20 +122,23 @@ public:
     HostTable& AddTable(const CString& name, double value = 0.0);
 
     IVarObj* GetVarObj(CExString name, int, long) override;
-    IFormulaObj* GetFormulaObj(CExString name) override;
-    IFormulaTableObj* GetFormulaTableObj(CExString name) override;
+    IFormulaObj* GetFormulaObj(CExString name) override { return Find(m_Formulas, "F:", name); }
+    IFormulaTableObj* GetFormulaTableObj(CExString name) override
+    {
+        return Find(m_Tables, "T:", name);
+    }
 
     double GetDuration() override { return m_Duration; }
-    void SetDURATIONInCondition(int inCondition) override;
+    void SetDURATIONInCondition(int flag) override { Note("DURATION", flag); }
     double GetJobSize() override { return m_JobSize; }
-    void SetJOBSIZEInCondition(int inCondition) override;
+    void SetJOBSIZEInCondition(int flag) override { Note("JOBSIZE", flag); }
     double GetQuantity() override { return m_Quantity; }
-    void SetQuantityInCalculations(int met) override;
+    void SetQuantityInCalculations(int flag) override { Note("COUNTS", flag); }
     int GetReportFcnDomainErrors() override { return m_ReportDomainErrors ? 1 : 0; }
     CCalcErrorTracker& ErrorTracker() override { return m_Tracker; }
-    void SetStrError(CString text) override;
-    void SetQuantityInCondition(int inCondition) override;
-    void ClearScannedFlags(int argument) override;
+    void SetStrError(CString text) override { m_StrError = text; }
+    void SetQuantityInCondition(int flag) override { Note("QUANTITY", flag); }
+    void ClearScannedFlags(int argument) override { m_ClearScannedFlagsCalls += argument == 1; }
     int HasDatabase() override { return m_HasDatabase ? 1 : 0; }
     void ClearFormtblObjList() override {}
     void ClearFmlaObjList() override {}
@@ -155,15 +159,22 @@ public:
 
     CCalcErrorTracker m_Tracker;
     CString m_StrError;                 // the text given last
-    std::vector<CString> m_StrErrors;   // the texts given that were not empty
-    std::vector<std::string> m_Flags;   // such as "DURATION in condition 1", in calling order
+    std::string m_Flags;                // " DURATION1" for one in a condition, in calling order
     std::vector<std::string> m_Lookups; // such as "V:x", in calling order
     int m_ClearScannedFlagsCalls = 0;   // those with the argument 1
-    int m_OtherClearCalls = 0;          // ClearScannedFlags with any other argument
 
 private:
     template <typename Object, typename Interface>
     Object& Add(std::map<CString, Interface*>& objects, const CString& name, double value);
+
+    template <typename Interface>
+    Interface* Find(const std::map<CString, Interface*>& objects, const char* kind, CExString name)
+    {
+        m_Lookups.push_back(kind + name.ToUtf8());
+        const auto found = objects.find(name);
+        return found == objects.end() ? nullptr : found->second;
+    }
+    void Note(const char* what, int flag) { m_Flags += ' ' + (what + std::to_string(flag)); }
 
     std::vector<std::unique_ptr<CObject>> m_Owned;
 };
