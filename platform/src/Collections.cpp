@@ -1,5 +1,7 @@
 #include <TovoPlatform/Collections.h>
 
+#include <algorithm>
+
 CStringList::CStringList(int)
 {}
 
@@ -15,6 +17,7 @@ CStringList& CStringList::operator=(const CStringList& other)
     // Swapping nodes keeps the places in them, so the copy's places become this list's.
     CStringList copy(other);
     m_Nodes.swap(copy.m_Nodes);
+    m_Index.swap(copy.m_Index);
     return *this;
 }
 
@@ -53,20 +56,27 @@ POSITION CStringList::AddTail(const CString& text)
 
 POSITION CStringList::Find(const CString& text) const
 {
-    for (const Node& node : m_Nodes) {
-        if (node.text == text)
-            return const_cast<Node*>(&node);
-    }
-    return nullptr;
+    const auto [first, end] = m_Index.equal_range(text);
+    if (first == end)
+        return nullptr;
+    if (std::next(first) == end)
+        return const_cast<Node*>(first->second);
+    const auto node = std::find_if(m_Nodes.begin(), m_Nodes.end(),
+                                   [&](const Node& each) { return each.text == text; });
+    return const_cast<Node*>(&*node);
 }
 
 void CStringList::RemoveAt(POSITION position)
 {
-    m_Nodes.erase(NodeAt(position).self);
+    const Node& node = NodeAt(position);
+    const auto [first, end] = m_Index.equal_range(node.text);
+    m_Index.erase(std::find_if(first, end, [&](const auto& each) { return each.second == &node; }));
+    m_Nodes.erase(node.self);
 }
 
 void CStringList::RemoveAll()
 {
+    m_Index.clear();
     m_Nodes.clear();
 }
 
@@ -75,6 +85,7 @@ POSITION CStringList::Insert(Nodes::const_iterator before, const CString& text)
 {
     const Nodes::iterator self = m_Nodes.insert(before, Node{{}, text, {}});
     self->self = self;
+    m_Index.emplace(text, &*self);
     return &*self;
 }
 

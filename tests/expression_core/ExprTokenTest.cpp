@@ -1,6 +1,9 @@
 #include <array>
 #include <climits>
 
+#include <TovoFormula/FmlaExprBase.h>
+#include <TovoPlatform/LocaleSettings.h>
+
 #include "ExpressionFixture.h"
 
 namespace tovo::test {
@@ -13,6 +16,19 @@ protected:
 
     HostSet m_Set;
 };
+
+TEST_F(Token, CodeAndTextSettleWhatItIs)
+{
+    for (const int code : {-1, 55, INT_MIN, INT_MAX})
+        EXPECT_EQ(Make(code, "text").GetCode(), TOK_ILLEGAL) << code;
+    EXPECT_EQ(Make(TOK_IF, "IF").GetTokArgType(0), RT_BOOLEAN) << "whatever the others are";
+
+    SetLocaleSetting(LOCALE_SDECIMAL, ",");
+    CFmlaExprBase::ReInitExprNames();
+    EXPECT_EQ(Make(TOK_NUMBER, "1,5").GetValue(), 1.5);
+    SetLocaleSetting(LOCALE_SDECIMAL, "");
+    CFmlaExprBase::ReInitExprNames();
+}
 
 // clang-format off
 
@@ -49,6 +65,16 @@ TEST_F(Token, CountOutsideTheLimitsFailsUnderEitherAnswer)
 }
 
 // clang-format on
+
+TEST_F(Token, EveryCalculationStartsClean)
+{
+    CExprToken division = Make(TOK_DIVIDE, "/");
+    std::array<double, 2> args = {1.0, 0.0};
+    EXPECT_FALSE(division.Calculate(args.data(), 2, 1, nullptr));
+    args[1] = 2.0;
+    EXPECT_TRUE(division.Calculate(args.data(), 2, 1, nullptr));
+    EXPECT_EQ(division.GetCalculationError(), 0u);
+}
 
 TEST_F(Token, NestedZeroKeepsFormulasAndTablesFromBeingLookedUp)
 {

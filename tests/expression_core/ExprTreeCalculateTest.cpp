@@ -192,8 +192,8 @@ TEST_F(TreeCalculation, AnyDepthIsBuiltCalculatedAndDeleted)
 {
     // clang-format off
     const struct { int count; const char *before, *middle, *after; double value; } rows[] = {
-        {200000, "( ", "7", " )", 7.0}, {5000, "", "V:x", " + 1", 5000.0},
-        {10000, "- ", "7", "", 7.0},    {1000, "IF ( ", "YES", " , YES )", 1.0}};
+        {200000, "( ", "7", " )", 7.0}, {100000, "", "V:x", " + 1", 100000.0},
+        {200000, "- ", "7", "", 7.0}, {1000, "IF ( ", "YES", " , YES )", 1.0}};
     // clang-format on
     for (const auto& row : rows) {
         std::string text;

@@ -124,7 +124,8 @@ public:
 
     POSITION AddHead(const CString& text);
     POSITION AddTail(const CString& text);
-    // The first place that holds exactly the text; null for none.
+    // The first place that holds exactly the text; null for none. In constant time, unless the list
+    // holds the text more than once.
     POSITION Find(const CString& text) const;
     // In constant time. Requires: a place of this list; null throws CInvalidArgException.
     void RemoveAt(POSITION position);
@@ -142,6 +143,7 @@ private:
     static Node& NodeAt(POSITION position);
 
     Nodes m_Nodes;
+    std::unordered_multimap<CString, const Node*> m_Index;
 };
 
 // A map with unique keys. Lookups take constant time; a walk follows the order of insertion.
