@@ -145,6 +145,18 @@ Language ReadLanguageFile(const std::string& path)
     return language;
 }
 
+Language LanguageOf(const LanguageOptions& options)
+{
+    Language language;
+    if (!options.file.empty())
+        language = ReadLanguageFile(options.file);
+    if (!options.decimal.empty())
+        language.decimal = CString(std::string_view(options.decimal));
+    if (!options.list.empty())
+        language.list = CString(std::string_view(options.list));
+    return language;
+}
+
 LanguageInForce::LanguageInForce(const Language& language) : m_Words(language.words)
 {
     const CString decimal = language.decimal.IsEmpty() ? CString(u".") : language.decimal;

@@ -22,6 +22,16 @@ struct Language {
 // in English.
 Language ReadLanguageFile(const std::string& path);
 
+// What the command line of a program may say of the language; empty for nothing.
+struct LanguageOptions {
+    std::string file;
+    std::string decimal; // goes before that of the file, as the next does
+    std::string list;
+};
+
+// Reads the file, if there is one. Throws as ReadLanguageFile does.
+Language LanguageOf(const LanguageOptions& options);
+
 // Puts a language in force for the process. Throws std::invalid_argument for separators that
 // cannot be told apart from each other or from the rest of an expression. There is one at a time,
 // and it lives as long as expressions are used.

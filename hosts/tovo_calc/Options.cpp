@@ -69,13 +69,14 @@ void DescribeManner(CLI::App& app, Options& options)
                  "Report what a function or a division cannot do, in place of going on with 0");
     app.add_flag("--static", options.isStaticScan,
                  "Tell what the texts refer to, in place of what the calculation reads");
-    app.add_option("--language", options.languageFile, "Names of the words in another language")
+    app.add_option("--language", options.language.file, "Names of the words in another language")
         ->type_name("FILE")
         ->check(RefuseEmpty);
-    app.add_option("--decimal", options.decimal, "The decimal separator, as in --decimal ,")
+    app.add_option("--decimal", options.language.decimal,
+                   "The decimal separator, as in --decimal ,")
         ->type_name("MARK")
         ->check(RefuseEmpty);
-    app.add_option("--list", options.list,
+    app.add_option("--list", options.language.list,
                    "The separator of arguments; a semicolon if the decimal separator is a comma")
         ->type_name("MARK")
         ->check(RefuseEmpty);

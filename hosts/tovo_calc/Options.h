@@ -7,6 +7,8 @@
 
 #include <TovoPlatform/WideString.h>
 
+#include "Language.h"
+
 // The exit codes. Scripts test these: never renumber.
 inline constexpr int kAllCalculated = 0;
 inline constexpr int kCalculationFailed = 1;
@@ -22,9 +24,7 @@ struct Options {
     std::string jobFile; // empty if there is an expression
     std::optional<std::string> expression;
     std::vector<Setting> settings;
-    std::string languageFile; // empty for none, as are the separators
-    std::string decimal;
-    std::string list;
+    LanguageOptions language;
     std::string rtfFile;                 // empty for none
     std::optional<std::string> renaming; // OLD=NEW
     std::optional<std::string> removal;  // the name of a formula

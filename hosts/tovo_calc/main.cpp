@@ -25,18 +25,6 @@
 namespace {
 
 // What the command line says goes before what the file says.
-Language LanguageOf(const Options& options)
-{
-    Language language;
-    if (!options.languageFile.empty())
-        language = ReadLanguageFile(options.languageFile);
-    if (!options.decimal.empty())
-        language.decimal = CString(std::string_view(options.decimal));
-    if (!options.list.empty())
-        language.list = CString(std::string_view(options.list));
-    return language;
-}
-
 JobEntries EntriesOf(const Options& options)
 {
     if (options.expression)
@@ -88,7 +76,7 @@ int Run(const Options& options)
 {
     InitTovoFormulaDLL(0);
     // The language comes before the job: the job's texts are brought into it as they are read.
-    const LanguageInForce language(LanguageOf(options));
+    const LanguageInForce language(LanguageOf(options.language));
     if (options.renaming || options.removal)
         return Rewrite(options);
     Job job(EntriesOf(options), options.isStrict);

@@ -19,9 +19,7 @@ constexpr int kNothingEdited = 2;
 
 struct EditorOptions {
     std::string jobFile;
-    std::string languageFile; // empty for none, as are the separators
-    std::string decimal;
-    std::string list;
+    LanguageOptions language;
     bool isStrict = false;
 };
 
@@ -32,32 +30,21 @@ void Describe(CLI::App& app, EditorOptions& options)
         ->required();
     app.add_flag("--strict", options.isStrict,
                  "Report what a function or a division cannot do, in place of going on with 0");
-    app.add_option("--language", options.languageFile, "Names of the words in another language")
+    app.add_option("--language", options.language.file, "Names of the words in another language")
         ->type_name("FILE");
-    app.add_option("--decimal", options.decimal, "The decimal separator, as in --decimal ,")
+    app.add_option("--decimal", options.language.decimal,
+                   "The decimal separator, as in --decimal ,")
         ->type_name("MARK");
-    app.add_option("--list", options.list,
+    app.add_option("--list", options.language.list,
                    "The separator of arguments; a semicolon if the decimal separator is a comma")
         ->type_name("MARK");
 }
 
 // Separators of the command line go before those of the file.
-Language LanguageOf(const EditorOptions& options)
-{
-    Language language;
-    if (!options.languageFile.empty())
-        language = ReadLanguageFile(options.languageFile);
-    if (!options.decimal.empty())
-        language.decimal = CString(std::string_view(options.decimal));
-    if (!options.list.empty())
-        language.list = CString(std::string_view(options.list));
-    return language;
-}
-
 void Run(const EditorOptions& options)
 {
     InitTovoFormulaDLL(0);
-    const LanguageInForce language(LanguageOf(options));
+    const LanguageInForce language(LanguageOf(options.language));
     const TextManner manner{language.DecimalSeparator(), false};
     // Opened before the terminal, so that the fault of a file is told on a plain line.
     JobDocument document(options.jobFile, options.isStrict);
