@@ -5,20 +5,13 @@
 #include <string>
 #include <vector>
 
-#include <TovoPlatform/WideString.h>
-
+#include "Job.h"
 #include "Language.h"
 
 // The exit codes. Scripts test these: never renumber.
 inline constexpr int kAllCalculated = 0;
 inline constexpr int kCalculationFailed = 1;
 inline constexpr int kNothingCalculated = 2;
-
-// A value from the command line, for a variable or a job value.
-struct Setting {
-    CString name;
-    double value = 0.0;
-};
 
 struct Options {
     std::string jobFile; // empty if there is an expression

@@ -110,7 +110,7 @@ Decimal ReadDecimal(WideView text, WCHAR decimalSeparator)
     return number;
 }
 
-double ToDouble(Decimal number)
+double DoubleOf(Decimal number)
 {
     constexpr double kTooLarge = std::numeric_limits<double>::infinity();
     if (number.digits.empty() || number.order < kSmallestOrder)
@@ -241,16 +241,16 @@ WideText CleanNumber(WideView text, const NumberPlaces& places, WCHAR decimalSep
 
 namespace tovo {
 
-double TextToDouble(const CString& text, WCHAR decimalSeparator)
+double ParseDouble(const CString& text, WCHAR decimalSeparator)
 {
     const WideView number = WithoutBlanksInFront(text.View());
     // Zero has no sign: a person who reads or writes numbers makes no difference there.
     const double value =
-        ToDouble(ReadDecimal(number.substr(EndOfSign(number, 0)), decimalSeparator));
+        DoubleOf(ReadDecimal(number.substr(EndOfSign(number, 0)), decimalSeparator));
     return CharacterAt(number, 0) == '-' && value != 0.0 ? -value : value;
 }
 
-int TextToInt(const CString& text)
+int ParseInt(const CString& text)
 {
     constexpr std::int64_t kBeyondInt = std::int64_t{std::numeric_limits<int>::max()} + 1;
     const std::int64_t value = ReadWhole(WithoutBlanksInFront(text.View()), kBeyondInt);

@@ -22,7 +22,7 @@ double InitialValue(int code, const CString& text)
 {
     switch (code) {
     case TOK_NUMBER:
-        return tovo::TextToDouble(text, tovo::detail::LocalDecimalSeparator());
+        return tovo::ParseDouble(text, tovo::detail::LocalDecimalSeparator());
     case TOK_PI:
         return kPi;
     case TOK_YES:

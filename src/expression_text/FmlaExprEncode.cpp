@@ -216,6 +216,6 @@ void CFmlaExprBase::SetExpr(const CString& text, const CString& pointers)
 {
     CWordArray words;
     for (const CString& piece : PiecesOf(pointers.View()))
-        words.Add(static_cast<WORD>(tovo::TextToInt(piece)));
+        words.Add(static_cast<WORD>(tovo::ParseInt(piece)));
     SetExpr(text, words);
 }

@@ -97,7 +97,7 @@ CString CFormtblElem::GetCombinedString() const
     if (m_Type != kConstant)
         return m_Type + m_Name;
     CString text;
-    const double thousandths = tovo::TextToDouble(m_Name);
+    const double thousandths = tovo::ParseDouble(m_Name);
     if (thousandths != 0.0)
         ftoa(thousandths, text, kStoredDecimals);
     return text;
@@ -132,7 +132,7 @@ void CFormtblElem::XSetName(const CString& text)
     CString number = text;
     FormatNumString(number, 1, kStoredDecimals, 1);
     CleanIntlNumericString(number, 0);
-    FloatToNumString(tovo::TextToDouble(number) * kThousandths, number, 1, kStoredDecimals, 0);
+    FloatToNumString(tovo::ParseDouble(number) * kThousandths, number, 1, kStoredDecimals, 0);
     CleanNumericString(number, 0);
     SetName(number);
 }
@@ -144,7 +144,7 @@ CString CFormtblElem::XGetName() const
     CString number = m_Name;
     FormatNumString(number, 1, kShownDecimals, 1);
     CleanNumericString(number, 0);
-    FloatToNumString(tovo::TextToDouble(number) / kThousandths, number, 1, kShownDecimals, 0);
+    FloatToNumString(tovo::ParseDouble(number) / kThousandths, number, 1, kShownDecimals, 0);
     return number;
 }
 
@@ -186,7 +186,7 @@ double CFormtblElem::value() const
 {
     switch (m_Type) {
     case kConstant:
-        return tovo::TextToDouble(m_Name) / kThousandths;
+        return tovo::ParseDouble(m_Name) / kThousandths;
     case kVariable:
         return ValueOfVariable(CalcSet().GetVarObj(m_Name, 1, 0));
     case kFormula:

@@ -202,7 +202,7 @@ bool CalcOpBase::LoadPrefixedString(const CString& text)
     const int kind = text.GetLength() > 1 ? KindOfLetter(text[0]) : kNoKind;
     if (kind != kNoKind)
         return LoadReference(kind, text.Mid(1));
-    LoadConstant(tovo::TextToDouble(text) / kThousandths);
+    LoadConstant(tovo::ParseDouble(text) / kThousandths);
     return true;
 }
 

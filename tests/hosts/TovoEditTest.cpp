@@ -447,8 +447,8 @@ protected:
 
     std::string Tmux(const std::string& command) const
     {
-        const std::string line = "tmux -u -f /dev/null -S '" + (m_Folder / "socket").string() +
-                                 "' " + command + " 2>/dev/null";
+        const std::string line = "tmux -u -f /dev/null -S '" + m_Folder.string() + "/socket" +
+                                 std::to_string(m_Server) + "' " + command + " 2>/dev/null";
         std::string output;
         FILE* const pipe = popen(line.c_str(), "r");
         std::array<char, 4096> block;
@@ -458,8 +458,11 @@ protected:
             pclose(pipe);
         return output;
     }
-    void Start(const std::string& terminal) const
+    // On a server of its own: one that was told to end takes clients until it has.
+    void Start(const std::string& terminal)
     {
+        Tmux("kill-server");
+        ++m_Server;
         Tmux("new-session -d -x 80 -y 24 \"TERM=" + terminal + " '" TOVO_EDIT "' '" +
              JobPath().string() + "'; echo left with \\$?; cat\"");
     }
@@ -469,7 +472,7 @@ protected:
     std::string WaitFor(const std::string& text) const
     {
         std::string screen;
-        for (int attempt = 0; attempt < 100; ++attempt) {
+        for (int attempt = 0; attempt < 300; ++attempt) {
             screen = Tmux("capture-pane -p") + "column " + Tmux("display -p '#{cursor_x}'");
             if (screen.find(text) != std::string::npos)
                 return screen;
@@ -478,6 +481,9 @@ protected:
         ADD_FAILURE() << "no " << text << " in\n" << screen;
         return screen;
     }
+
+private:
+    int m_Server = 0;
 };
 
 TEST_F(TovoEditScreen, EditsRenamesSavesAndReopens)
@@ -532,7 +538,6 @@ TEST_F(TovoEditScreen, EditsRenamesSavesAndReopens)
     JobDocument saved(JobPath().string(), false);
     EXPECT_EQ(saved.Expression(0).ToUtf8(), "V(Length)*V(Width)+1");
     EXPECT_EQ(saved.Expression(7).ToUtf8(), "ROUNDTO(F(Slab)*V(Gravel depth),1,0.5)");
-    Tmux("kill-server");
     Start("xterm-256color");
     WaitFor("Slab                           106");
     Press("Enter");

@@ -25,10 +25,10 @@ inline bool Load(CalcOpBase& operand, const CString& row)
     case u'p':
         return operand.LoadPrefixedString(text);
     case u'n':
-        operand.LoadNumericConstant(TextToDouble(text));
+        operand.LoadNumericConstant(ParseDouble(text));
         return true;
     case u'b':
-        operand.LoadBooleanConstant(TextToDouble(text));
+        operand.LoadBooleanConstant(ParseDouble(text));
         return true;
     default:
         operand.Clear();

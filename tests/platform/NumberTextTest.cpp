@@ -20,7 +20,7 @@ protected:
 
 // clang-format off
 
-TEST(TextToDouble, ReadsTheNumberThatTheTextBeginsWith)
+TEST(ParseDouble, ReadsTheNumberThatTheTextBeginsWith)
 {
     const auto zeros = [](std::size_t count) { return std::string(count, '0'); };
     const std::pair<std::string, double> rows[] = {
@@ -35,18 +35,18 @@ TEST(TextToDouble, ReadsTheNumberThatTheTextBeginsWith)
         {"0." + zeros(700000) + "25e700001", 2.5}, {"25" + zeros(700000) + "e-700001", 2.5},
         {"9007199254740993." + zeros(5000) + "1", 9007199254740994.0}};
     for (const auto& [text, value] : rows)
-        EXPECT_EQ(tovo::TextToDouble(CString(text)), value) << text.substr(0, 60);
-    EXPECT_EQ(tovo::TextToDouble("-1,25e1", ','), -12.5);
-    EXPECT_EQ(tovo::TextToDouble("1,234.5", ','), 1.234) << "only one separator is decimal";
+        EXPECT_EQ(tovo::ParseDouble(CString(text)), value) << text.substr(0, 60);
+    EXPECT_EQ(tovo::ParseDouble("-1,25e1", ','), -12.5);
+    EXPECT_EQ(tovo::ParseDouble("1,234.5", ','), 1.234) << "only one separator is decimal";
 }
 
-TEST(TextToInt, ReadsThePrefixAndSaturates)
+TEST(ParseInt, ReadsThePrefixAndSaturates)
 {
     const std::pair<const char*, int> rows[] = {
         {"", 0}, {" 12.9", 12}, {"-7x", -7}, {"+7", 7}, {"2147483648", 0x7FFFFFFF},
         {"-2147483648", -0x7FFFFFFF - 1}, {"-99999999999999999999", -0x7FFFFFFF - 1}};
     for (const auto& [text, value] : rows)
-        EXPECT_EQ(tovo::TextToInt(text), value) << text;
+        EXPECT_EQ(tovo::ParseInt(text), value) << text;
 }
 
 TEST(IsAlphabetic, HoldsForLettersOfAnyAlphabetOnly)
@@ -90,7 +90,7 @@ TEST_F(NumberTexts, HaveTheUsersSeparatorAndComeBackClean)
     EXPECT_EQ(text, "10");
     ftoa(Limits::lowest(), text, 99);
     EXPECT_EQ(text.GetLength(), 1 + 309 + 1 + 15);
-    EXPECT_EQ(tovo::TextToDouble(text), Limits::lowest());
+    EXPECT_EQ(tovo::ParseDouble(text), Limits::lowest());
 }
 
 // Only a separator that is usual for decimals as well as for groups, and stands where either could,

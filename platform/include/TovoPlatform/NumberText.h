@@ -12,10 +12,10 @@ namespace tovo {
 // with one decimal separator, an exponent; the rest is passed over. The separator given counts as
 // well as
 // ".". Correctly rounded; too large gives an infinity, too small 0.0.
-TOVO_API double TextToDouble(const CString& text, WCHAR decimalSeparator = u'.');
+TOVO_API double ParseDouble(const CString& text, WCHAR decimalSeparator = u'.');
 
 // The whole number that the text begins with, 0 if it begins with none; saturates.
-TOVO_API int TextToInt(const CString& text);
+TOVO_API int ParseInt(const CString& text);
 
 // True for any letter of any alphabet: Unicode category L, within the Basic Multilingual Plane.
 TOVO_API bool IsAlphabetic(WCHAR character);

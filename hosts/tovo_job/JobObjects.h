@@ -1,5 +1,5 @@
-#ifndef TOVO_CALC_JOBOBJECTS_H
-#define TOVO_CALC_JOBOBJECTS_H
+#ifndef TOVO_JOB_JOBOBJECTS_H
+#define TOVO_JOB_JOBOBJECTS_H
 
 #include <vector>
 

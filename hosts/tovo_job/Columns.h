@@ -1,5 +1,5 @@
-#ifndef TOVO_CALC_COLUMNS_H
-#define TOVO_CALC_COLUMNS_H
+#ifndef TOVO_JOB_COLUMNS_H
+#define TOVO_JOB_COLUMNS_H
 
 #include <cstddef>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef TOVO_CALC_JOBFILE_H
-#define TOVO_CALC_JOBFILE_H
+#ifndef TOVO_JOB_JOBFILE_H
+#define TOVO_JOB_JOBFILE_H
 
 #include <optional>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef TOVO_EDIT_JOBDOCUMENT_H
-#define TOVO_EDIT_JOBDOCUMENT_H
+#ifndef TOVO_JOB_JOBDOCUMENT_H
+#define TOVO_JOB_JOBDOCUMENT_H
 
 #include <cstddef>
 #include <memory>

@@ -1,5 +1,5 @@
-#ifndef TOVO_CALC_CALCULATION_H
-#define TOVO_CALC_CALCULATION_H
+#ifndef TOVO_JOB_CALCULATION_H
+#define TOVO_JOB_CALCULATION_H
 
 #include <optional>
 #include <vector>

@@ -1,5 +1,5 @@
-#ifndef TOVO_CALC_JSONFILE_H
-#define TOVO_CALC_JSONFILE_H
+#ifndef TOVO_JOB_JSONFILE_H
+#define TOVO_JOB_JSONFILE_H
 
 #include <cstddef>
 #include <initializer_list>

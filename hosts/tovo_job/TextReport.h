@@ -1,5 +1,5 @@
-#ifndef TOVO_CALC_TEXTREPORT_H
-#define TOVO_CALC_TEXTREPORT_H
+#ifndef TOVO_JOB_TEXTREPORT_H
+#define TOVO_JOB_TEXTREPORT_H
 
 #include <string>
 

@@ -1,5 +1,5 @@
-#ifndef TOVO_EDIT_REPLACEFILE_H
-#define TOVO_EDIT_REPLACEFILE_H
+#ifndef TOVO_JOB_REPLACEFILE_H
+#define TOVO_JOB_REPLACEFILE_H
 
 #include <string>
 

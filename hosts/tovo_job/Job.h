@@ -1,5 +1,5 @@
-#ifndef TOVO_CALC_JOB_H
-#define TOVO_CALC_JOB_H
+#ifndef TOVO_JOB_JOB_H
+#define TOVO_JOB_JOB_H
 
 #include <map>
 #include <memory>
@@ -7,7 +7,12 @@
 
 #include "JobFile.h"
 #include "JobObjects.h"
-#include "Options.h"
+
+// A value given beside the file, for a variable or a job value.
+struct Setting {
+    CString name;
+    double value = 0.0;
+};
 
 // Puts the settings of the command line into a job. Throws std::invalid_argument for a variable
 // that the job does not have.

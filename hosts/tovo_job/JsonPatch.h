@@ -1,5 +1,5 @@
-#ifndef TOVO_EDIT_JSONPATCH_H
-#define TOVO_EDIT_JSONPATCH_H
+#ifndef TOVO_JOB_JSONPATCH_H
+#define TOVO_JOB_JSONPATCH_H
 
 #include <cstddef>
 #include <map>
