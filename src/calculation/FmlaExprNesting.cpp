@@ -11,6 +11,27 @@
 
 using namespace tovo::detail;
 
+namespace {
+
+struct TreeReference {
+    int code;
+    CString text; // with its blanks
+};
+
+// Taken down before anything is called that might rebuild the tree.
+std::vector<TreeReference> ReferencesIn(const CExprTree& tree)
+{
+    std::vector<TreeReference> references;
+    for (POSITION pos = tree.FindFirstVarFmlOrTbl(); pos;) {
+        TreeReference found;
+        pos = tree.GetNextVarFmlOrTbl(0, pos, found.text, found.code);
+        references.push_back(std::move(found));
+    }
+    return references;
+}
+
+} // namespace
+
 int CFmlaExpression::CheckNestedFormula(CString name)
 {
     return CheckNestedReference(TOK_FORMULA, name);
@@ -24,13 +45,9 @@ int CFmlaExpression::CheckNestedFormtbl(CString name)
 int CFmlaExpression::NestedFormulasOK()
 {
     const Pass pass;
-    CString text;
-    int code = TOK_ILLEGAL;
-    for (POSITION pos = m_Tree.FindFirstFmlOrTbl(); pos;) {
-        pos = m_Tree.GetNextFmlOrTbl(pos, text, code);
+    for (const auto& [code, text] : ReferencesIn(m_Tree))
         if (!CheckNestedReference(code, text))
             return 0;
-    }
     return 1;
 }
 
@@ -67,23 +84,11 @@ int CFmlaExpression::CheckNested(Object* object, unsigned int notFound, const CS
     return 0;
 }
 
-// The references are taken down before anything is called that might rebuild this tree.
 void CFmlaExpression::ScanStatically(CScannedVariables& list)
 {
     StaticScan scan(list);
     if (scan.IsTooDeep() || !scan.Enters(this))
         return;
-    struct Found {
-        int code;
-        CString name;
-    };
-    std::vector<Found> references;
-    for (POSITION pos = m_Tree.FindFirstVarFmlOrTbl(); pos;) {
-        Found found;
-        pos = m_Tree.GetNextVarFmlOrTbl(0, pos, found.name, found.code);
-        found.name = BareName(found.name);
-        references.push_back(std::move(found));
-    }
     const auto scanNested = [&](auto* object) {
         if (!object)
             return;
@@ -91,7 +96,8 @@ void CFmlaExpression::ScanStatically(CScannedVariables& list)
         if (!object->GetScanned() && scan.Enters(object))
             object->GetVariables(list, 1, 0);
     };
-    for (const auto& [code, name] : references) {
+    for (const auto& [code, text] : ReferencesIn(m_Tree)) {
+        const CString name = BareName(text);
         if (code == TOK_FORMULA)
             scanNested(CalcSet().GetFormulaObj(name));
         else if (code == TOK_FORMTBL)

@@ -202,9 +202,10 @@ CETree* CETree::GetNextActiveChild(const CETree* child, int& ifCount) const
         return GetChild(next);
     if (next == kCondition)
         ++ifCount;
-    // Behind a branch stands a comma or the right parenthesis, so there is always one to go on
-    // with.
-    return GetChild(IsRuledOut(*this, next) ? next + 1 : next);
+    if (!IsRuledOut(*this, next))
+        return GetChild(next);
+    // Behind a branch stands a comma or the right parenthesis, unless the tree was left unfinished.
+    return next + 1 < NumChildren() ? GetChild(next + 1) : nullptr;
 }
 
 CETree* CETree::GetNextActiveTwigOrParent(int& ifCount) const
