@@ -36,9 +36,10 @@ int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
         GiveStrError(*m_CalcSet, m_Memory->StrError());
         return 1;
     }
+    // A host's formula counts as a change also in a branch that only the validation goes into.
+    const Stamp before = Pass::Now();
     if (!Validate(message, 1))
         return 0;
-    const Stamp before = Pass::Now();
     const Stamp readsBefore = Pass::ForeignReads();
     if (!m_Expression.Calculate(list)) {
         message = static_cast<unsigned int>(m_Expression.GetMessageNum());
