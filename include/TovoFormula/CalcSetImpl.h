@@ -1,14 +1,20 @@
 #ifndef TOVOFORMULA_CALCSETIMPL_H
 #define TOVOFORMULA_CALCSETIMPL_H
 
+#include <cstdint>
 #include <memory>
 
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoPlatform/Collections.h>
 
+class CalcSetImpl;
 class FormulaImpl;
 class FormulaTableImpl;
 class VariableImpl;
+
+namespace tovo::detail {
+std::uint64_t VersionOfNames(const CalcSetImpl& calcSet, int kind);
+}
 
 // The stock calculation set, complete in itself and made to be derived from.
 //
@@ -90,6 +96,9 @@ protected:
     std::shared_ptr<VariableMap> m_MissingVariables; // owns its variables
     std::shared_ptr<FormulaMap> m_Formulas;
     std::shared_ptr<FormulaTableMap> m_FormulaTables;
+
+private:
+    friend std::uint64_t tovo::detail::VersionOfNames(const CalcSetImpl& calcSet, int kind);
 };
 
 #endif

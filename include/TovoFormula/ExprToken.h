@@ -9,8 +9,9 @@ class CScannedVariables;
 struct ICalculationSet;
 
 namespace tovo::detail {
+class Sequence;
 struct MathResult;
-}
+} // namespace tovo::detail
 
 // One element of an expression: what it is, from the token catalogue, and its present value.
 //
@@ -101,6 +102,8 @@ protected:
     ICalculationSet& CalcSet() const { return m_CalcSet; }
 
 private:
+    friend class tovo::detail::Sequence;
+
     int ReadFromOutside(int nested, CScannedVariables* list);
     int ReadVariable(CScannedVariables* list);
     template <typename Object>

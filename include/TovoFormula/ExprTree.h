@@ -2,12 +2,17 @@
 #define TOVOFORMULA_EXPRTREE_H
 
 #include <memory>
+#include <optional>
 
 #include <TovoFormula/Tree.h>
 #include <TovoPlatform/Collections.h>
 
 class CScannedVariables;
 struct ICalculationSet;
+
+namespace tovo::detail {
+class Sequence;
+}
 
 // An expression as a checked tree: built from tokens one by one, with nothing looked ahead, and
 // calculated as often as wanted.
@@ -78,6 +83,19 @@ protected:
     ICalculationSet& CalcSet() const { return m_CalcSet; }
 
 private:
+    // An expression whose text has not changed has its tree calculated anew, not built anew.
+    friend class CFmlaExpression;
+
+    void Record();
+    bool IsRecorded() const;
+    tovo::detail::Sequence& StartAgain(int nested);
+    void ConcludeAgain();
+    void StartReenacting(std::optional<int> checkMessage);
+    void EndReenacting();
+    bool IsReenacted() const;
+
+    int CompleteCurrentNode();
+    int CalculateToken(double* args, int numArgs, CScannedVariables* list);
     int Raise(unsigned int message, CObject* object);
     int RefuseToken(CExprToken& token);
     CExprToken* Current() const { return m_Current->GetData(); }
@@ -105,6 +123,9 @@ protected:
     // The depth of conditions. Kept for each thread; put back as found when a calculation ends,
     // however it ends.
     static constinit thread_local int m_InIfConditionCount;
+
+private:
+    std::unique_ptr<tovo::detail::Sequence> m_Sequence; // null if the building was not recorded
 };
 
 #endif

@@ -2,9 +2,13 @@
 #define TOVOFORMULA_FMLAEXPRESSION_H
 
 #include <cstdint>
+#include <optional>
 
 #include <TovoFormula/ExprTree.h>
 #include <TovoFormula/FmlaExprBase.h>
+
+struct IFormulaObj;
+struct IFormulaTableObj;
 
 // An expression bound to a calculation set: its text can be checked and calculated.
 //
@@ -87,19 +91,37 @@ protected:
 private:
     friend class FormulaImpl;
     std::uint64_t m_TreeState = 0; // another number whenever the tree may have other values
+    int m_UnderWay = 0;            // how often it is being checked or calculated at present
 
 private:
+    // What the tree was built from, all of it void if names is 0.
+    struct Source {
+        CString text;
+        CWordArray references;
+        std::uint64_t names = 0; // the state of the token names
+    };
+
+    bool IsBuiltFromPresent() const;
+    int BuildTree(int nested);
+    int CalculateAgain(int nested);
+    int ReenactFailure(int nested, std::optional<int> checkMessage);
+    bool PassesCheck(int code, const CString& token);
     int Fail(unsigned int message);
     int InsertScanned(int code, const CString& token, int pos, int nested);
     int CloseTree(int lastPos, int endPos);
     int LoadNamed(const CString& name, int nested);
     int CheckNestedReference(int code, const CString& text);
+    int CheckNested(IFormulaObj* formula, const CString& name);
+    int CheckNested(IFormulaTableObj* table, const CString& name);
     template <typename Object>
-    int CheckNested(Object* object, unsigned int notFound, const CString& missing);
+    int CheckFound(Object& object);
+    int FailMissing(unsigned int message, const CString& missing);
     void ScanStatically(CScannedVariables& list);
     bool IsFormulaAt(int index, const CString& name) const;
     bool HasFormula(const CString& name) const;
     void DeleteUpToNeighbour(int index);
+
+    Source m_Source; // of a tree that was built with nested checks
 };
 
 #endif

@@ -109,6 +109,9 @@ protected:
     CArray<double, double> m_RowLimits;
     CArray<double, double> m_ColumnLimits;
     CArray<CFormtblElem*, CFormtblElem*> m_Cells; // row by row; owned by this table
+
+private:
+    int m_UnderWay = 0; // how often it is being checked or calculated at present
 };
 
 #endif

@@ -1,6 +1,13 @@
 #include <TovoPlatform/Collections.h>
 
 #include <algorithm>
+#include <atomic>
+
+std::uint64_t NextMapVersion()
+{
+    static std::atomic<std::uint64_t> last = 0;
+    return ++last;
+}
 
 CStringList::CStringList(int)
 {}

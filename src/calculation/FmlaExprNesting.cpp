@@ -57,28 +57,39 @@ int CFmlaExpression::CheckNestedReference(int code, const CString& text)
     const CString name = BareName(text);
     switch (code) {
     case TOK_FORMULA:
-        return CheckNested(CalcSet().GetFormulaObj(name), MSG_FORMULA_NOT_FOUND,
-                           u"Formula: " + name);
+        return CheckNested(CalcSet().GetFormulaObj(name), name);
     case TOK_FORMTBL:
-        return CheckNested(CalcSet().GetFormulaTableObj(name), MSG_FORMTBL_NOT_FOUND,
-                           u"Formula table : " + name);
+        return CheckNested(CalcSet().GetFormulaTableObj(name), name);
     default:
         return 1;
     }
 }
 
+int CFmlaExpression::CheckNested(IFormulaObj* formula, const CString& name)
+{
+    return formula ? CheckFound(*formula) : FailMissing(MSG_FORMULA_NOT_FOUND, u"Formula: " + name);
+}
+
+int CFmlaExpression::CheckNested(IFormulaTableObj* table, const CString& name)
+{
+    return table ? CheckFound(*table)
+                 : FailMissing(MSG_FORMTBL_NOT_FOUND, u"Formula table : " + name);
+}
+
+int CFmlaExpression::FailMissing(unsigned int message, const CString& missing)
+{
+    m_MessageNum = static_cast<int>(message);
+    CalcSet().ErrorTracker().SetError(message, this, missing);
+    return 0;
+}
+
 // A failure below comes back through this expression's own message.
 template <typename Object>
-int CFmlaExpression::CheckNested(Object* object, unsigned int notFound, const CString& missing)
+int CFmlaExpression::CheckFound(Object& object)
 {
-    if (!object) {
-        m_MessageNum = static_cast<int>(notFound);
-        CalcSet().ErrorTracker().SetError(notFound, this, missing);
-        return 0;
-    }
-    const NestedCall call(*object);
+    const NestedCall call(object);
     auto message = static_cast<unsigned int>(m_MessageNum);
-    if (object->IsValid(message, 1))
+    if (object.IsValid(message, 1))
         return 1;
     m_MessageNum = static_cast<int>(message);
     return 0;

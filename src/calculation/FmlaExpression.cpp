@@ -7,8 +7,10 @@
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/MessageIds.h>
 
+#include "../expression_core/LocalNumbers.h"
 #include "../expression_core/Names.h"
 #include "../expression_core/Pass.h"
+#include "../expression_core/Sequence.h"
 #include "../expression_text/TokenScanner.h"
 #include "UnderWay.h"
 
@@ -71,32 +73,30 @@ int CFmlaExpression::LoadExpressionTree(int nested)
 {
     const Pass pass;
     // A tree that is being built or walked further up must not be torn down.
-    const UnderWay underWay(this);
+    const UnderWay underWay(m_UnderWay);
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
     if (underWay.IsTooDeep())
         return Fail(MSG_GENERAL_FAILURE);
 
     ++m_TreeState;
-    m_Tree.Clear();
     m_MessageNum = MSG_NONE;
     m_InvalidPos = 0;
-    m_ScanPos = 0;
-    const std::vector<Reference> references = ReferencesOf(m_VarPtrs);
-    TokenScanner scanner(m_ExprText, references, SpellingOf(TL_LOCAL), m_ScanPos);
-    CString token;
-    int code = TOK_ILLEGAL;
-    int pos = 0;
-    if (!DeliverToken(scanner, token, code, pos))
-        return m_MessageNum ? 0 : Fail(MSG_FORMULA_TEXT_REQUIRED);
-
-    int lastPos = pos;
-    do {
-        lastPos = pos;
-        if (!InsertScanned(code, token, pos, nested))
-            return 0;
-    } while (DeliverToken(scanner, token, code, pos));
-    return CloseTree(lastPos, pos);
+    if (!nested || !Pass::IsRemembering()) {
+        m_Tree.Clear();
+        return BuildTree(nested);
+    }
+    // Many a tree is built once and never again, so only the second building is recorded.
+    const bool isSame = IsBuiltFromPresent();
+    if (isSame && m_Tree.IsRecorded())
+        return CalculateAgain(nested);
+    m_Tree.Clear();
+    if (isSame)
+        m_Tree.Record();
+    const int isBuilt = BuildTree(nested);
+    if (!isSame)
+        m_Source = {m_ExprText, m_VarPtrs, TokenNamesState()};
+    return isBuilt;
 }
 
 int CFmlaExpression::IsValid(unsigned int& message, CString name, int nested)
@@ -124,7 +124,7 @@ int CFmlaExpression::IsValid()
 int CFmlaExpression::Calculate(CScannedVariables* list)
 {
     const Pass pass;
-    const UnderWay underWay(this);
+    const UnderWay underWay(m_UnderWay);
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
     ++m_TreeState;
@@ -152,6 +152,69 @@ int CFmlaExpression::Fail(unsigned int message)
     return 0;
 }
 
+bool CFmlaExpression::IsBuiltFromPresent() const
+{
+    return m_Source.names == TokenNamesState() && m_Source.text == m_ExprText &&
+           m_Source.references == m_VarPtrs;
+}
+
+// Requires: an empty tree.
+int CFmlaExpression::BuildTree(int nested)
+{
+    m_ScanPos = 0;
+    const std::vector<Reference> references = ReferencesOf(m_VarPtrs);
+    TokenScanner scanner(m_ExprText, references, SpellingOf(TL_LOCAL), m_ScanPos);
+    CString token;
+    int code = TOK_ILLEGAL;
+    int pos = 0;
+    if (!DeliverToken(scanner, token, code, pos))
+        return m_MessageNum ? 0 : Fail(MSG_FORMULA_TEXT_REQUIRED);
+
+    int lastPos = pos;
+    do {
+        lastPos = pos;
+        if (!InsertScanned(code, token, pos, nested))
+            return 0;
+    } while (DeliverToken(scanner, token, code, pos));
+    return CloseTree(lastPos, pos);
+}
+
+// Comes to what building the recorded tree from the same text would come to, now.
+int CFmlaExpression::CalculateAgain(int nested)
+{
+    Sequence& sequence = m_Tree.StartAgain(nested);
+    for (;;) {
+        switch (sequence.Run()) {
+        case Sequence::Stop::TextEnd:
+            m_MessageNum = MSG_NONE;
+            break;
+        case Sequence::Stop::End:
+            m_Tree.ConcludeAgain();
+            m_ScanPos = m_ExprText.GetLength();
+            return 1;
+        case Sequence::Stop::Failure:
+            return ReenactFailure(nested, std::nullopt);
+        case Sequence::Stop::Nested:
+            const bool isFormula = sequence.Token().IsFormula() != 0;
+            if (!(isFormula ? CheckNested(sequence.Find<IFormulaObj>(), sequence.Name())
+                            : CheckNested(sequence.Find<IFormulaTableObj>(), sequence.Name())))
+                return ReenactFailure(nested, m_MessageNum);
+            m_MessageNum = MSG_NONE;
+            if (!sequence.ReadNested())
+                return ReenactFailure(nested, std::nullopt);
+        }
+    }
+}
+
+int CFmlaExpression::ReenactFailure(int nested, std::optional<int> checkMessage)
+{
+    m_MessageNum = MSG_NONE;
+    m_Tree.StartReenacting(checkMessage);
+    const int isBuilt = BuildTree(nested);
+    m_Tree.EndReenacting();
+    return isBuilt;
+}
+
 // Takes one token of the text into the tree, a reference after its check. The position at fault is
 // that of the token, until it is taken.
 int CFmlaExpression::InsertScanned(int code, const CString& token, int pos, int nested)
@@ -159,7 +222,7 @@ int CFmlaExpression::InsertScanned(int code, const CString& token, int pos, int 
     m_InvalidPos = pos;
     if (code == TOK_ILLEGAL)
         return Fail(MSG_INVALID_ELEMENT);
-    if (nested && !CheckNestedReference(code, token))
+    if (nested && !PassesCheck(code, token))
         return 0;
     if (!m_Tree.InsertToken(code, token, pos, nested)) {
         m_MessageNum = static_cast<int>(m_Tree.GetMsg());
@@ -168,6 +231,16 @@ int CFmlaExpression::InsertScanned(int code, const CString& token, int pos, int 
     m_MessageNum = MSG_NONE;
     m_InvalidPos = 0;
     return 1;
+}
+
+bool CFmlaExpression::PassesCheck(int code, const CString& token)
+{
+    if (!m_Tree.IsReenacted())
+        return CheckNestedReference(code, token) != 0;
+    const bool isNested = code == TOK_FORMULA || code == TOK_FORMTBL;
+    const std::optional<int> message = isNested ? m_Tree.m_Sequence->ReenactCheck() : std::nullopt;
+    m_MessageNum = message.value_or(m_MessageNum);
+    return !message;
 }
 
 // What is left to do when the scanner delivers no more: endPos is where it stopped, lastPos where

@@ -4,7 +4,6 @@
 
 #include "../expression_core/Names.h"
 #include "FormulaMemory.h"
-#include "UnderWay.h"
 
 using namespace tovo::detail;
 
@@ -31,7 +30,7 @@ FormulaImpl::~FormulaImpl() = default;
 int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
 {
     const Pass pass;
-    const bool isFree = !UnderWay::Marks(&m_Expression);
+    const bool isFree = m_Expression.m_UnderWay == 0;
     if (isFree && m_Memory->IsCalculated(m_Expression.m_TreeState, list)) {
         GiveStrError(*m_CalcSet, m_Memory->StrError());
         return 1;
@@ -40,6 +39,9 @@ int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
     const Stamp before = Pass::Now();
     if (!Validate(message, 1))
         return 0;
+    // Building the tree has calculated it already.
+    if (isFree && m_Memory->IsCalculated(m_Expression.m_TreeState, list))
+        return 1;
     const Stamp readsBefore = Pass::ForeignReads();
     if (!m_Expression.Calculate(list)) {
         message = static_cast<unsigned int>(m_Expression.GetMessageNum());
@@ -87,15 +89,21 @@ void FormulaImpl::SetFromEncodedString(const CString& encoded)
 // to.
 int FormulaImpl::Validate(unsigned int& message, int nested)
 {
-    const bool isFree = !UnderWay::Marks(&m_Expression);
+    const bool isFree = m_Expression.m_UnderWay == 0;
     if (nested && isFree && m_Memory->IsValidated(m_Expression.m_TreeState)) {
         GiveStrError(*m_CalcSet, m_Memory->StrError());
         return 1;
     }
     const Stamp before = Pass::Now();
+    const Stamp readsBefore = Pass::ForeignReads();
     if (!m_Expression.IsValid(message, m_Name, nested))
         return 0;
-    if (nested && Pass::Now() == before)
+    if (!nested || Pass::Now() != before)
+        return 1;
+    // All of the tree was calculated while it was built.
+    if (Pass::ForeignReads() == readsBefore)
+        m_Memory->NoteCalculated(m_Expression.m_TreeState, nullptr);
+    else
         m_Memory->NoteValidated(m_Expression.m_TreeState);
     return 1;
 }

@@ -9,24 +9,33 @@ namespace tovo::detail {
 // stack, under sanitizers several times as much; this many fit into 8 MiB even so.
 inline constexpr int kDeepestNesting = 1000;
 
-// Marks an object as being validated or calculated on this thread, from construction to
-// destruction. Who finds it marked already has come back to it through what it refers to.
+// Marks an object as being validated or calculated, from construction to destruction, in a count
+// that the object keeps. Who finds it marked already has come back to it through what it refers to.
 class UnderWay {
 public:
-    explicit UnderWay(const void* object);
-    ~UnderWay();
+    explicit UnderWay(int& marks) : m_Marks(marks)
+    {
+        ++m_Marks;
+        ++depth;
+    }
+    ~UnderWay()
+    {
+        --m_Marks;
+        --depth;
+    }
 
     UnderWay(const UnderWay&) = delete;
     UnderWay& operator=(const UnderWay&) = delete;
 
     // Whether this is the only mark on the object.
-    bool IsFirst() const { return m_IsFirst; }
-    // Whether too many objects are marked for another to be gone into.
-    bool IsTooDeep() const;
-    static bool Marks(const void* object);
+    bool IsFirst() const { return m_Marks == 1; }
+    // Whether too many objects are marked on this thread for another to be gone into.
+    bool IsTooDeep() const { return depth > kDeepestNesting; }
 
 private:
-    bool m_IsFirst;
+    static inline constinit thread_local int depth = 0;
+
+    int& m_Marks;
 };
 
 // Enters a name at the head of the list, and takes exactly that entry out again on every way out.

@@ -162,3 +162,6 @@ int CExprToken::ReadNested(Object* object, CScannedVariables* list)
         return HardFailure(m_CalcError);
     return Give(object->GetValue());
 }
+
+template int CExprToken::ReadNested(IFormulaObj*, CScannedVariables*);
+template int CExprToken::ReadNested(IFormulaTableObj*, CScannedVariables*);

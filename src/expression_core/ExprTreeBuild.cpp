@@ -3,6 +3,8 @@
 #include <TovoFormula/ExprToken.h>
 #include <TovoFormula/MessageIds.h>
 
+#include "Sequence.h"
+
 namespace {
 
 // The kind of an operator's operands and of a function's arguments; an IF's condition has its own.
@@ -55,6 +57,8 @@ unsigned int RefusalMessage(const CExprToken& token)
 int CExprTree::InsertToken(int code, CString text, int pos, int nested)
 {
     m_Msg = MSG_NONE;
+    if (IsRecorded())
+        m_Sequence.reset();
     auto token = std::make_unique<CExprToken>(CalcSet(), code, std::move(text), pos);
     CExprToken* const taken = token.get();
     if (!PutGroupBefore(*taken, pos, nested))
@@ -81,10 +85,14 @@ int CExprTree::InsertToken(int code, CString text, int pos, int nested)
 int CExprTree::EndOfExpression()
 {
     m_Msg = MSG_NONE;
+    if (m_Sequence)
+        m_Sequence->NoteTextEnd();
     const bool isClosed = m_Current && CompleteUpToRoot();
     if (!isClosed && m_Msg == MSG_NONE)
         Raise(MSG_GENERAL_FAILURE, m_Current);
     m_Nested = 0;
+    if (isClosed && m_Sequence && !m_Sequence->IsFinished())
+        m_Sequence->Finish();
     return isClosed ? 1 : 0;
 }
 
@@ -137,7 +145,7 @@ int CExprTree::MoveUpToFunction(int closed)
 {
     for (bool passesOver = closed != 0; passesOver || !Current()->IsFunction();
          passesOver = false) {
-        if (!CalcCurrentNode(nullptr) || !m_Current->GetParent())
+        if (!CompleteCurrentNode() || !m_Current->GetParent())
             return 0;
         m_Current = m_Current->GetParent();
         if (!CheckCurrentChildren())
@@ -186,6 +194,15 @@ int CExprTree::RaiseWrongKind(int index)
                  &parent);
 }
 
+int CExprTree::CompleteCurrentNode()
+{
+    if (!CalcCurrentNode(nullptr))
+        return 0;
+    if (m_Sequence)
+        m_Sequence->NoteCompleted(m_Current);
+    return 1;
+}
+
 // Reports on the token, unless something more telling was raised already.
 int CExprTree::RefuseToken(CExprToken& token)
 {
@@ -215,7 +232,7 @@ void CExprTree::PlantRoot(std::unique_ptr<CExprToken> token, int nested)
 
 bool CExprTree::InsertOperator(std::unique_ptr<CExprToken>& token)
 {
-    if (!ClimbAbove(token->GetPrecedence()) || !CalcCurrentNode(nullptr) ||
+    if (!ClimbAbove(token->GetPrecedence()) || !CompleteCurrentNode() ||
         !InsertNewParentToken(token.get()))
         return false;
     (void)token.release();
@@ -229,7 +246,7 @@ bool CExprTree::ClimbAbove(int precedence)
     for (CETree* parent = m_Current->GetParent(); parent && parent->GetData()->IsOperator() &&
                                                   precedence <= parent->GetData()->GetPrecedence();
          parent = m_Current->GetParent()) {
-        if (!CalcCurrentNode(nullptr))
+        if (!CompleteCurrentNode())
             return false;
         m_Current = parent;
     }
@@ -251,12 +268,12 @@ bool CExprTree::InsertBelow(std::unique_ptr<CExprToken>& token)
         return false;
     if (taken.IsComma())
         return CheckCurrentChildren() != 0;
-    return taken.IsLeftParen() || CalcCurrentNode(nullptr);
+    return taken.IsLeftParen() || CompleteCurrentNode();
 }
 
 bool CExprTree::CompleteUpToRoot()
 {
-    while (CalcCurrentNode(nullptr)) {
+    while (CompleteCurrentNode()) {
         if (!m_Current->GetParent())
             return true;
         m_Current = m_Current->GetParent();

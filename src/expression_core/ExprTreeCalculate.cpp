@@ -6,11 +6,10 @@
 #include <TovoFormula/MessageIds.h>
 
 #include "IfDepthGuard.h"
+#include "Sequence.h"
+#include "TokenCatalogue.h"
 
 namespace {
-
-// More than any row of the catalogue takes.
-constexpr std::size_t kMaxArguments = 99;
 
 int ArgumentPlace(const CExprToken& token, int argument)
 {
@@ -76,14 +75,23 @@ int CExprTree::CalcCurrentNode(CScannedVariables* list)
     if (!CheckCurrentChildren() || !CheckArgumentCount(numArgs))
         return 0;
 
-    std::array<double, kMaxArguments> args;
+    std::array<double, tovo::detail::kMaxArguments> args;
     if (CollectArguments(args.data(), numArgs) &&
-        !token.Calculate(numArgs > 0 ? args.data() : nullptr, numArgs, 1, list)) {
+        !CalculateToken(numArgs > 0 ? args.data() : nullptr, numArgs, list)) {
         m_Msg = token.GetCalculationError();
         return 0;
     }
     token.SetLoaded(1);
     return 1;
+}
+
+// While a tree is built anew up to where its recorded steps have failed, what they gave stands.
+int CExprTree::CalculateToken(double* args, int numArgs, CScannedVariables* list)
+{
+    CExprToken& token = *Current();
+    if (IsReenacted())
+        return m_Sequence->Reenact(token);
+    return token.Calculate(args, numArgs, 1, list);
 }
 
 int CExprTree::CheckArgumentCount(int& numArgs)

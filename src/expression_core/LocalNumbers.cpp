@@ -6,6 +6,7 @@ namespace tovo::detail {
 namespace {
 
 std::atomic<WCHAR> decimalSeparator{u'.'};
+std::atomic<std::uint64_t> namesState{1};
 
 } // namespace
 
@@ -17,6 +18,12 @@ WCHAR LocalDecimalSeparator()
 void SetLocalDecimalSeparator(WCHAR separator)
 {
     decimalSeparator.store(separator, std::memory_order_relaxed);
+    ++namesState;
+}
+
+std::uint64_t TokenNamesState()
+{
+    return namesState.load(std::memory_order_relaxed);
 }
 
 } // namespace tovo::detail

@@ -51,6 +51,11 @@ Stamp Pass::ForeignReads()
     return foreignReads;
 }
 
+bool Pass::IsRemembering()
+{
+    return isRemembering;
+}
+
 void Pass::SetRemembering(bool isOn)
 {
     isRemembering = isOn;

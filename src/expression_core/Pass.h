@@ -39,6 +39,7 @@ public:
     // so nothing that was calculated from it is remembered: the number of such reads tells.
     static double ValueOf(IVarObj& variable);
     static Stamp ForeignReads();
+    static bool IsRemembering();
     // For tests, which hold results with and without remembering against each other.
     static void SetRemembering(bool isOn);
 

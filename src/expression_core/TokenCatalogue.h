@@ -6,6 +6,9 @@
 
 namespace tovo::detail {
 
+// More than any row of the catalogue takes.
+inline constexpr std::size_t kMaxArguments = 99;
+
 // The name id of a token that no string resource names.
 inline constexpr int kNoName = -1;
 

@@ -91,7 +91,7 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
     }
     if (AnswersFromValue(list))
         return 1;
-    const UnderWay underWay(static_cast<CObject*>(this));
+    const UnderWay underWay(m_UnderWay);
     if (!underWay.IsFirst())
         return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
     if (underWay.IsTooDeep())

@@ -26,7 +26,7 @@ int FormulaTableImpl::IsValid(unsigned int& message, int nested)
     const Pass pass;
     if (m_Validated)
         return 1;
-    const UnderWay underWay(static_cast<CObject*>(this));
+    const UnderWay underWay(m_UnderWay);
     if (!underWay.IsFirst())
         return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
     if (underWay.IsTooDeep())

@@ -279,7 +279,7 @@ template <typename Set>
 std::string Seen(unsigned int seed, bool isRemembering)
 {
     Pass::SetRemembering(isRemembering);
-    std::string seen = Net<Set>(seed).Live(20);
+    std::string seen = Net<Set>(seed).Live(60);
     Pass::SetRemembering(true);
     return seen;
 }

@@ -1,6 +1,7 @@
 #ifndef TOVOPLATFORM_COLLECTIONS_H
 #define TOVOPLATFORM_COLLECTIONS_H
 
+#include <cstdint>
 #include <iterator>
 #include <list>
 #include <unordered_map>
@@ -72,6 +73,11 @@ public:
     void RemoveAll() { m_Elements.clear(); }
     // New elements are zero or empty.
     void SetSize(int count) { m_Elements.resize(Unsigned(count)); }
+
+    friend bool operator==(const CArray& a, const CArray& b)
+    {
+        return a.m_Elements == b.m_Elements;
+    }
 
 private:
     void GrowTo(int count)
@@ -146,6 +152,9 @@ private:
     std::unordered_multimap<CString, const Node*> m_Index;
 };
 
+// A number that was never given before, on any thread.
+TOVO_API std::uint64_t NextMapVersion();
+
 // A map with unique keys. Lookups take constant time; a walk follows the order of insertion.
 template <typename KEY, typename ARG_KEY, typename VALUE, typename ARG_VALUE>
 class CMap : public CObject {
@@ -156,6 +165,10 @@ public:
 
     int GetCount() const { return static_cast<int>(m_Index.size()); }
     bool IsEmpty() const { return m_Index.empty(); }
+
+    // Another number after every change, unlike that of any other map that holds something; 0 for a
+    // map that was never changed. As long as it stays, what was looked up is still so.
+    std::uint64_t Version() const { return m_Version; }
 
     // True, with the value stored, if the key is there; else false with nothing stored.
     bool Lookup(ARG_KEY key, VALUE& value) const
@@ -169,6 +182,7 @@ public:
     // Enters the value, or replaces the one that the key has.
     void SetAt(ARG_KEY key, ARG_VALUE value)
     {
+        m_Version = NextMapVersion();
         if (const auto found = m_Index.find(key); found != m_Index.end()) {
             found->second->value = value;
             return;
@@ -183,12 +197,14 @@ public:
         const auto found = m_Index.find(key);
         if (found == m_Index.end())
             return false;
+        m_Version = NextMapVersion();
         m_Entries.erase(found->second);
         m_Index.erase(found);
         return true;
     }
     void RemoveAll()
     {
+        m_Version = NextMapVersion();
         m_Index.clear();
         m_Entries.clear();
     }
@@ -222,6 +238,7 @@ private:
 
     Entries m_Entries;
     std::unordered_map<KEY, typename Entries::iterator> m_Index;
+    std::uint64_t m_Version = 0;
 };
 
 #endif

@@ -1,0 +1,243 @@
+#include "Sequence.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <TovoFormula/CalcErrorTracker.h>
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/MessageIds.h>
+
+#include "Computation.h"
+#include "OwnObjects.h"
+#include "Pass.h"
+#include "TokenCatalogue.h"
+
+namespace tovo::detail {
+namespace {
+
+bool IsNested(const CExprToken& token)
+{
+    return token.IsFormula() || token.IsFormtbl();
+}
+
+bool IsComputed(const CExprToken& token)
+{
+    return token.IsOperator() || token.IsFunction();
+}
+
+template <typename Object>
+Object* Ask(ICalculationSet& calcSet, const CString& name)
+{
+    if constexpr (std::is_same_v<Object, IVarObj>)
+        return calcSet.GetVarObj(name, 1, 0);
+    else if constexpr (std::is_same_v<Object, IFormulaObj>)
+        return calcSet.GetFormulaObj(name);
+    else
+        return calcSet.GetFormulaTableObj(name);
+}
+
+} // namespace
+
+Sequence::Sequence(ICalculationSet& calcSet) : m_CalcSet(calcSet)
+{}
+
+Sequence::~Sequence() = default;
+
+void Sequence::Finish()
+{
+    for (std::size_t completed = 0; completed < m_Completed.size(); ++completed)
+        if (IsNeeded(completed))
+            AddStep(completed);
+    m_StepsInText = static_cast<std::size_t>(std::ranges::count_if(
+        m_Steps, [this](const Step& step) { return step.completed < m_CompletedInText; }));
+    m_Completed.shrink_to_fit();
+    m_Steps.shrink_to_fit();
+    m_IsFinished = true;
+}
+
+// Constants and punctuation have no other effect than to clear the set's text of an error. That
+// shows only to what is called next, a formula or a table; before all others it is cleared anyway.
+bool Sequence::IsNeeded(std::size_t completed) const
+{
+    const CETree* const node = m_Completed[completed];
+    const CExprToken& token = *node->GetData();
+    const bool isLast = completed + 1 == m_Completed.size();
+    if (IsComputed(token)) // A function is closed by its parenthesis and again by what follows.
+        return completed == 0 || m_Completed[completed - 1] != node;
+    return token.IsVarValue() || isLast || IsNested(*m_Completed[completed + 1]->GetData());
+}
+
+void Sequence::AddStep(std::size_t completed)
+{
+    const CETree& node = *m_Completed[completed];
+    CExprToken& token = *node.GetData();
+    Step step = {};
+    step.token = &token;
+    step.code = static_cast<std::uint16_t>(token.GetCode());
+    step.completed = static_cast<std::uint32_t>(completed);
+    step.arguments = static_cast<std::uint32_t>(m_Arguments.size());
+    step.reference = static_cast<std::uint32_t>(m_References.size());
+    // The arguments of a function stand between punctuation.
+    const int first = token.IsFunction() ? 1 : 0;
+    const int apart = token.IsFunction() ? 2 : 1;
+    for (int child = first; child < node.NumChildren(); child += apart)
+        m_Arguments.push_back(node.GetChild(child)->GetData());
+    step.numArgs = static_cast<std::uint16_t>(m_Arguments.size() - step.arguments);
+    if (step.numArgs > 0)
+        step.first = m_Arguments[step.arguments];
+    if (step.numArgs > 1)
+        step.second = m_Arguments[step.arguments + 1];
+    if (step.numArgs <= 2)
+        m_Arguments.resize(step.arguments);
+    if (token.IsVariable() || IsNested(token))
+        m_References.push_back({token.GetName(), 0, nullptr});
+    m_Steps.push_back(step);
+}
+
+void Sequence::Start()
+{
+    m_OwnSet = AsOwn(m_CalcSet);
+    m_At = 0;
+    m_End = m_StepsInText;
+    m_IsInText = true;
+    m_IsStrErrorClear = false;
+}
+
+Sequence::Stop Sequence::Run()
+{
+    for (; m_At < m_End; ++m_At) {
+        const Step& step = m_Steps[m_At];
+        if (step.code == TOK_FORMULA || step.code == TOK_FORMTBL)
+            return Stop::Nested;
+        if (!Calculate(step))
+            return Stop::Failure;
+    }
+    if (std::exchange(m_IsInText, false)) {
+        m_End = m_Steps.size();
+        return Stop::TextEnd;
+    }
+    return Stop::End;
+}
+
+bool Sequence::Calculate(const Step& step)
+{
+    if (!m_IsStrErrorClear)
+        ClearStrError();
+    switch (step.code) {
+    case TOK_PLUS:
+        return Give(*step.token, step.first->m_Value + step.second->m_Value);
+    case TOK_TIMES:
+        return Give(*step.token, step.first->m_Value * step.second->m_Value);
+    case TOK_VARIABLE:
+        return ReadVariable(step);
+    default:
+        return CalculateFromArguments(step);
+    }
+}
+
+bool Sequence::CalculateFromArguments(const Step& step)
+{
+    CExprToken& token = *step.token;
+    MathResult result;
+    if (step.numArgs == 0) {
+        m_IsStrErrorClear = m_OwnSet != nullptr;
+        return token.Calculate(nullptr, 0, 1, nullptr) != 0;
+    }
+    if (step.numArgs <= 2) {
+        const std::array args = {step.first->m_Value, step.second ? step.second->m_Value : 0.0};
+        result = Compute(step.code, {args.data(), step.numArgs});
+    } else {
+        std::array<double, kMaxArguments> args;
+        for (std::size_t argument = 0; argument < step.numArgs; ++argument)
+            args[argument] = m_Arguments[step.arguments + argument]->m_Value;
+        result = Compute(step.code, {args.data(), step.numArgs});
+    }
+    if (result.message == MSG_NONE && result.errorNumber == 0)
+        return Give(token, result.value);
+    m_IsStrErrorClear = false;
+    token.m_CalcError = MSG_NONE;
+    return token.Conclude(result) != 0;
+}
+
+bool Sequence::ReadVariable(const Step& step)
+{
+    IVarObj* const variable = Find<IVarObj>(step);
+    if (!variable)
+        return step.token->HardFailure(MSG_NONE) != 0;
+    m_IsStrErrorClear = m_OwnSet && IsOwn(*variable);
+    return Give(*step.token, Pass::ValueOf(*variable));
+}
+
+template <typename Object>
+Object* Sequence::Find()
+{
+    return Find<Object>(m_Steps[m_At]);
+}
+
+template IFormulaObj* Sequence::Find<IFormulaObj>();
+template IFormulaTableObj* Sequence::Find<IFormulaTableObj>();
+
+// The stock set can tell whether its names are still the same; any other is asked each time.
+template <typename Object>
+Object* Sequence::Find(const Step& step)
+{
+    Reference& reference = ReferenceOf(step);
+    if (!m_OwnSet)
+        return Ask<Object>(m_CalcSet, reference.name);
+    if (reference.version == 0 || reference.version != VersionOfNames(*m_OwnSet, step.code)) {
+        reference.object = Ask<Object>(m_CalcSet, reference.name);
+        reference.version = VersionOfNames(*m_OwnSet, step.code);
+    }
+    return static_cast<Object*>(reference.object);
+}
+
+bool Sequence::ReadNested()
+{
+    const Step& step = m_Steps[m_At];
+    CExprToken& token = *step.token;
+    ClearStrError();
+    m_IsStrErrorClear = false;
+    token.m_CalcError = MSG_NONE;
+    const bool isRead = step.code == TOK_FORMULA
+                            ? token.ReadNested(Find<IFormulaObj>(step), nullptr) != 0
+                            : token.ReadNested(Find<IFormulaTableObj>(step), nullptr) != 0;
+    if (isRead)
+        ++m_At;
+    return isRead;
+}
+
+bool Sequence::Give(CExprToken& token, double value)
+{
+    token.m_Value = value;
+    token.m_Calculated = 1;
+    token.m_CalcError = MSG_NONE;
+    return true;
+}
+
+void Sequence::ClearStrError()
+{
+    GiveStrError(m_CalcSet, CString());
+    m_IsStrErrorClear = true;
+}
+
+void Sequence::StartReenacting(std::unique_ptr<CETree> tree, std::optional<int> checkMessage)
+{
+    m_Tree = std::move(tree);
+    m_Reenacted = 0;
+    m_CheckMessage = checkMessage;
+}
+
+int Sequence::Reenact(CExprToken& token)
+{
+    const CExprToken& before = *m_Completed[m_Reenacted]->GetData();
+    const bool hasFailed = m_Reenacted++ == CompletedAt();
+    token.m_Value = before.m_Value;
+    token.m_CalcError = before.m_CalcError;
+    token.m_Calculated = hasFailed ? 0 : 1;
+    if (hasFailed)
+        m_CalcSet.ErrorTracker().SetError(token.m_CalcError, &token);
+    return token.m_Calculated;
+}
+
+} // namespace tovo::detail

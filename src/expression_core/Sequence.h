@@ -1,0 +1,126 @@
+#ifndef TOVOFORMULA_SRC_SEQUENCE_H
+#define TOVOFORMULA_SRC_SEQUENCE_H
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <TovoFormula/ExprToken.h>
+#include <TovoFormula/TokenCodes.h>
+#include <TovoFormula/Tree.h>
+
+class CalcSetImpl;
+
+namespace tovo::detail {
+
+// The order in which the nodes of a tree were completed while it was built, to calculate them again
+// with the present values instead of building the tree anew from the same text: each token comes to
+// the same value or the same failure, but nothing is scanned, checked for its place or allocated.
+//
+// Going on to a failure leaves the tree as it was when it was whole. To have it as building leaves
+// it, cut short by the failure, it is built anew once, with what the tokens have come to meanwhile
+// instead of calculations: that is reenacting it.
+//
+// Lives beside its tree and is void with any change of that. Does not own: the set, the tokens.
+class Sequence {
+public:
+    // All tokens are taken, and what is left was done when the text had ended; all is done; the
+    // next token is a formula or a table, which is to be checked first; a token has failed, and has
+    // reported that.
+    enum class Stop { TextEnd, End, Nested, Failure };
+
+    explicit Sequence(ICalculationSet& calcSet);
+    ~Sequence();
+
+    Sequence(const Sequence&) = delete;
+    Sequence& operator=(const Sequence&) = delete;
+
+    // While the tree is built.
+    void NoteCompleted(CETree* node)
+    {
+        if (!m_IsFinished)
+            m_Completed.push_back(node);
+    }
+    void NoteTextEnd() { m_CompletedInText = m_Completed.size(); }
+    void Finish();
+    bool IsFinished() const { return m_IsFinished; }
+
+    void Start();
+    // Goes on to the next stop.
+    Stop Run();
+    // Of the formula or table that the sequence has stopped at: its token, its name, what the set
+    // has under that name (null for nothing), and the step that calculates it.
+    const CExprToken& Token() const { return *m_Steps[m_At].token; }
+    const CString& Name() const { return ReferenceOf(m_Steps[m_At]).name; }
+    template <typename Object>
+    Object* Find();
+    bool ReadNested();
+
+    // Begins to reenact the sequence up to where it has stopped: because the check of a formula or
+    // a table has failed, with that message, or else its calculation or that of another token. The
+    // tree that it speaks of is kept until the end of this object.
+    void StartReenacting(std::unique_ptr<CETree> tree, std::optional<int> checkMessage);
+    bool IsReenacted() const { return m_Tree != nullptr; }
+    // Gives the token built anew what its predecessor came to.
+    int Reenact(CExprToken& token);
+    // The message of the check that comes next, nothing if it was passed.
+    std::optional<int> ReenactCheck() const
+    {
+        return m_Reenacted == CompletedAt() ? m_CheckMessage : std::nullopt;
+    }
+
+private:
+    struct Step {
+        CExprToken* token;
+        // The token's arguments: the first two, null for none, and where all of them stand.
+        CExprToken* first;
+        CExprToken* second;
+        std::uint32_t arguments;
+        std::uint16_t numArgs;
+        std::uint16_t code;
+        std::uint32_t completed; // which one of the nodes completed
+        std::uint32_t reference; // which one, if the token names something
+    };
+    // An object as the set last gave it.
+    struct Reference {
+        CString name;
+        std::uint64_t version; // of the names that it was found in, 0 if it must be asked for
+        void* object;
+    };
+
+    Reference& ReferenceOf(const Step& step) { return m_References[step.reference]; }
+    const Reference& ReferenceOf(const Step& step) const { return m_References[step.reference]; }
+    bool IsNeeded(std::size_t completed) const;
+    void AddStep(std::size_t completed);
+    std::size_t CompletedAt() const { return m_Steps[m_At].completed; }
+    template <typename Object>
+    Object* Find(const Step& step);
+    bool Calculate(const Step& step);
+    bool CalculateFromArguments(const Step& step);
+    bool ReadVariable(const Step& step);
+    static bool Give(CExprToken& token, double value);
+    void ClearStrError();
+
+    ICalculationSet& m_CalcSet;
+    const CalcSetImpl* m_OwnSet = nullptr; // the set, if it is a stock one
+    std::vector<CETree*> m_Completed;
+    std::vector<Step> m_Steps; // of the nodes whose calculation may show in anything
+    std::vector<CExprToken*> m_Arguments;
+    std::vector<Reference> m_References;
+    std::size_t m_CompletedInText = 0; // how many
+    std::size_t m_StepsInText = 0;
+    std::size_t m_At = 0;  // the present step
+    std::size_t m_End = 0; // where to stop
+    bool m_IsInText = false;
+    bool m_IsFinished = false;
+    bool m_IsStrErrorClear = false;
+
+    std::unique_ptr<CETree> m_Tree; // the one that is reenacted
+    std::size_t m_Reenacted = 0;    // how many of the nodes completed
+    std::optional<int> m_CheckMessage;
+};
+
+} // namespace tovo::detail
+
+#endif
