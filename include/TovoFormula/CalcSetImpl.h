@@ -1,19 +1,17 @@
 #ifndef TOVOFORMULA_CALCSETIMPL_H
 #define TOVOFORMULA_CALCSETIMPL_H
 
-#include <cstdint>
 #include <memory>
 
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoPlatform/Collections.h>
 
-class CalcSetImpl;
 class FormulaImpl;
 class FormulaTableImpl;
 class VariableImpl;
 
 namespace tovo::detail {
-std::uint64_t VersionOfNames(const CalcSetImpl& calcSet, int kind);
+struct OwnObjects;
 }
 
 // The stock calculation set, complete in itself and made to be derived from.
@@ -98,7 +96,7 @@ protected:
     std::shared_ptr<FormulaTableMap> m_FormulaTables;
 
 private:
-    friend std::uint64_t tovo::detail::VersionOfNames(const CalcSetImpl& calcSet, int kind);
+    friend struct tovo::detail::OwnObjects;
 };
 
 #endif

@@ -10,6 +10,10 @@
 struct IFormulaObj;
 struct IFormulaTableObj;
 
+namespace tovo::detail {
+struct OwnObjects;
+}
+
 // An expression bound to a calculation set: its text can be checked and calculated.
 //
 // Text and tree are not kept in step: SetExpr and the other changes of the text leave the tree as
@@ -90,6 +94,7 @@ protected:
 
 private:
     friend class FormulaImpl;
+    friend struct tovo::detail::OwnObjects;
     std::uint64_t m_TreeState = 0; // another number whenever the tree may have other values
     int m_UnderWay = 0;            // how often it is being checked or calculated at present
 
@@ -109,6 +114,7 @@ private:
     int Fail(unsigned int message);
     int InsertScanned(int code, const CString& token, int pos, int nested);
     int CloseTree(int lastPos, int endPos);
+    int Validate(unsigned int& message, const CString& name, int nested);
     int LoadNamed(const CString& name, int nested);
     int CheckNestedReference(int code, const CString& text);
     int CheckNested(IFormulaObj* formula, const CString& name);

@@ -8,7 +8,8 @@
 
 namespace tovo::detail {
 class FormulaMemory;
-}
+struct OwnObjects;
+} // namespace tovo::detail
 
 // The stock formula: a name, a unit text and an expression. The host makes, names, fills and owns
 // it, and adds it to a set, which finds it under the name that it had then.
@@ -65,6 +66,8 @@ protected:
     CFmlaExpression m_Expression;
 
 private:
+    friend struct tovo::detail::OwnObjects;
+
     int Validate(unsigned int& message, int nested);
 
     std::unique_ptr<tovo::detail::FormulaMemory> m_Memory;

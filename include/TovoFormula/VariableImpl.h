@@ -4,6 +4,10 @@
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoPlatform/Object.h>
 
+namespace tovo::detail {
+struct OwnObjects;
+}
+
 // The stock variable: a name, a value and a unit text. The host makes, names and owns it, and adds
 // it to a set, which finds it under the name that it had then.
 class TOVO_API VariableImpl : public CObject, public IVarObj {
@@ -33,6 +37,9 @@ protected:
     bool m_InCond = false;
     CString m_Unit;
     VALUETYPE m_ValueType = VALUE_NONE;
+
+private:
+    friend struct tovo::detail::OwnObjects;
 };
 
 #endif

@@ -2,12 +2,27 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
+#include <utility>
 
 std::uint64_t NextMapVersion()
 {
     static std::atomic<std::uint64_t> last = 0;
     return ++last;
 }
+
+namespace {
+
+// A list that has been longer than this is searched by an index.
+constexpr std::size_t kShortList = 8;
+constexpr std::size_t kMostSpare = 64;
+
+std::size_t HashOf(const CString& text)
+{
+    return std::hash<CString>()(text);
+}
+
+} // namespace
 
 CStringList::CStringList(int)
 {}
@@ -24,7 +39,7 @@ CStringList& CStringList::operator=(const CStringList& other)
     // Swapping nodes keeps the places in them, so the copy's places become this list's.
     CStringList copy(other);
     m_Nodes.swap(copy.m_Nodes);
-    m_Index.swap(copy.m_Index);
+    m_Buckets.swap(copy.m_Buckets);
     return *this;
 }
 
@@ -63,37 +78,81 @@ POSITION CStringList::AddTail(const CString& text)
 
 POSITION CStringList::Find(const CString& text) const
 {
-    const auto [first, end] = m_Index.equal_range(text);
-    if (first == end)
-        return nullptr;
-    if (std::next(first) == end)
-        return const_cast<Node*>(first->second);
-    const auto node = std::find_if(m_Nodes.begin(), m_Nodes.end(),
-                                   [&](const Node& each) { return each.text == text; });
-    return const_cast<Node*>(&*node);
+    if (!IsIndexed())
+        return FirstOf(text);
+    const std::size_t hash = HashOf(text);
+    Node* found = nullptr;
+    for (Node* node = m_Buckets[hash & (m_Buckets.size() - 1)]; node; node = node->nextInBucket)
+        if (node->hash == hash && node->text == text) {
+            if (found)
+                return FirstOf(text);
+            found = node;
+        }
+    return found;
 }
 
 void CStringList::RemoveAt(POSITION position)
 {
-    const Node& node = NodeAt(position);
-    const auto [first, end] = m_Index.equal_range(node.text);
-    m_Index.erase(std::find_if(first, end, [&](const auto& each) { return each.second == &node; }));
-    m_Nodes.erase(node.self);
+    Node& node = NodeAt(position);
+    if (IsIndexed())
+        TakeFromIndex(node);
+    if (m_Spare.size() >= kMostSpare) {
+        m_Nodes.erase(node.self);
+        return;
+    }
+    node.text.Empty();
+    m_Spare.splice(m_Spare.begin(), m_Nodes, node.self);
 }
 
 void CStringList::RemoveAll()
 {
-    m_Index.clear();
+    m_Buckets.clear();
     m_Nodes.clear();
 }
 
 // The node learns its own iterator, which lets a place be removed without a search.
 POSITION CStringList::Insert(Nodes::const_iterator before, const CString& text)
 {
-    const Nodes::iterator self = m_Nodes.insert(before, Node{{}, text, {}});
-    self->self = self;
-    m_Index.emplace(text, &*self);
-    return &*self;
+    if (m_Spare.empty())
+        m_Spare.emplace_back();
+    Node& node = m_Spare.front();
+    node.text = text;
+    node.self = m_Spare.begin();
+    m_Nodes.splice(before, m_Spare, node.self);
+    if (m_Nodes.size() > std::max(m_Buckets.size(), kShortList))
+        MakeIndex();
+    else if (IsIndexed())
+        EnterIntoIndex(node);
+    return &node;
+}
+
+void CStringList::EnterIntoIndex(Node& node)
+{
+    node.hash = HashOf(node.text);
+    node.nextInBucket = std::exchange(BucketOf(node), &node);
+}
+
+void CStringList::TakeFromIndex(const Node& node)
+{
+    Node** link = &BucketOf(node);
+    while (*link != &node)
+        link = &(*link)->nextInBucket;
+    *link = node.nextInBucket;
+}
+
+// With room for as many nodes again.
+void CStringList::MakeIndex()
+{
+    m_Buckets.assign(std::bit_ceil(2 * m_Nodes.size()), nullptr);
+    for (Node& node : m_Nodes)
+        EnterIntoIndex(node);
+}
+
+POSITION CStringList::FirstOf(const CString& text) const
+{
+    const auto node = std::find_if(m_Nodes.begin(), m_Nodes.end(),
+                                   [&](const Node& each) { return each.text == text; });
+    return node == m_Nodes.end() ? nullptr : const_cast<Node*>(&*node);
 }
 
 CStringList::Node& CStringList::NodeAt(POSITION position)

@@ -101,6 +101,11 @@ int CFmlaExpression::LoadExpressionTree(int nested)
 
 int CFmlaExpression::IsValid(unsigned int& message, CString name, int nested)
 {
+    return Validate(message, name, nested);
+}
+
+int CFmlaExpression::Validate(unsigned int& message, const CString& name, int nested)
+{
     const bool isEntered = nested && !name.IsEmpty();
     if (isEntered && m_NestedFmlaNames.Find(name)) {
         message = MSG_FORMULA_INSIDE_ITSELF;

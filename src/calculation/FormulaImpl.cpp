@@ -2,8 +2,8 @@
 
 #include <TovoPlatform/ArgumentValidator.h>
 
+#include "../expression_core/FormulaMemory.h"
 #include "../expression_core/Names.h"
-#include "FormulaMemory.h"
 
 using namespace tovo::detail;
 
@@ -32,7 +32,7 @@ int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
     const Pass pass;
     const bool isFree = m_Expression.m_UnderWay == 0;
     if (isFree && m_Memory->IsCalculated(m_Expression.m_TreeState, list)) {
-        GiveStrError(*m_CalcSet, m_Memory->StrError());
+        StrError::Give(*m_CalcSet, m_Memory->LeftStrError());
         return 1;
     }
     // A host's formula counts as a change also in a branch that only the validation goes into.
@@ -91,12 +91,12 @@ int FormulaImpl::Validate(unsigned int& message, int nested)
 {
     const bool isFree = m_Expression.m_UnderWay == 0;
     if (nested && isFree && m_Memory->IsValidated(m_Expression.m_TreeState)) {
-        GiveStrError(*m_CalcSet, m_Memory->StrError());
+        StrError::Give(*m_CalcSet, m_Memory->LeftStrError());
         return 1;
     }
     const Stamp before = Pass::Now();
     const Stamp readsBefore = Pass::ForeignReads();
-    if (!m_Expression.IsValid(message, m_Name, nested))
+    if (!m_Expression.Validate(message, m_Name, nested))
         return 0;
     if (!nested || Pass::Now() != before)
         return 1;

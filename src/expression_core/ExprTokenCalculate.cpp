@@ -57,7 +57,7 @@ double ReadQuantity(ICalculationSet& calcSet, CScannedVariables* list)
 int CExprToken::Calculate(double* args, int numArgs, int nested, CScannedVariables* list)
 {
     m_CalcError = MSG_NONE;
-    GiveStrError(CalcSet(), CString());
+    StrError::Give(CalcSet(), CString());
     if (numArgs < m_MinArgs || numArgs > m_MaxArgs || (numArgs > 0 && !args))
         return HardFailure(MSG_GENERAL_FAILURE);
 
@@ -83,7 +83,7 @@ bool CExprToken::BadErrno()
     default:
         return false;
     }
-    GiveStrError(CalcSet(), tovo::RuntimeErrorText(errno));
+    StrError::Give(CalcSet(), tovo::RuntimeErrorText(errno));
     return true;
 }
 

@@ -1,27 +1,77 @@
 #ifndef TOVOFORMULA_SRC_OWNOBJECTS_H
 #define TOVOFORMULA_SRC_OWNOBJECTS_H
 
+#include <algorithm>
 #include <cstdint>
+#include <typeinfo>
 
-class CalcSetImpl;
-struct ICalculationSet;
-struct IFormulaObj;
-struct IFormulaTableObj;
-struct IVarObj;
+#include <TovoFormula/CalcSetImpl.h>
+#include <TovoFormula/FormulaImpl.h>
+#include <TovoFormula/FormulaTableImpl.h>
+#include <TovoFormula/TokenCodes.h>
+#include <TovoFormula/VariableImpl.h>
 
+// What the library knows of an object that is exactly a stock one: it does what the stock class
+// does and nothing else. A class derived from a stock one may do anything, so it counts as a
+// host's. The only place where the core of the expressions knows the stock classes.
 namespace tovo::detail {
 
-// Whether the object is exactly the stock one, and none that a host derived from it. The answer is
-// given beside the stock objects, above this layer.
-bool IsOwn(IFormulaObj& formula);
-bool IsOwn(IFormulaTableObj& table);
-bool IsOwn(IVarObj& variable);
+class FormulaMemory;
 
-// The set, if it is exactly the stock one; else null.
-const CalcSetImpl* AsOwn(ICalculationSet& calcSet);
-// As long as the number stays what it is and is not 0, the set gives the same objects for the names
-// of that kind, which is the code of the reference's token.
-std::uint64_t VersionOfNames(const CalcSetImpl& calcSet, int kind);
+// The object, if it is exactly a stock one; else null.
+inline const FormulaImpl* AsOwn(IFormulaObj& formula)
+{
+    const bool isOwn = typeid(formula) == typeid(FormulaImpl);
+    return isOwn ? static_cast<FormulaImpl*>(&formula) : nullptr;
+}
+
+inline const FormulaTableImpl* AsOwn(IFormulaTableObj& table)
+{
+    const bool isOwn = typeid(table) == typeid(FormulaTableImpl);
+    return isOwn ? static_cast<FormulaTableImpl*>(&table) : nullptr;
+}
+
+inline const VariableImpl* AsOwn(IVarObj& variable)
+{
+    const bool isOwn = typeid(variable) == typeid(VariableImpl);
+    return isOwn ? static_cast<VariableImpl*>(&variable) : nullptr;
+}
+
+inline const CalcSetImpl* AsOwn(ICalculationSet& calcSet)
+{
+    const bool isOwn = typeid(calcSet) == typeid(CalcSetImpl);
+    return isOwn ? static_cast<CalcSetImpl*>(&calcSet) : nullptr;
+}
+
+// What stock objects show to the library alone.
+struct OwnObjects {
+    static double ValueOf(const VariableImpl& variable) { return variable.m_Value; }
+
+    static const FormulaMemory& MemoryOf(const FormulaImpl& formula) { return *formula.m_Memory; }
+    static const CFmlaExpression& ExpressionOf(const FormulaImpl& formula)
+    {
+        return formula.m_Expression;
+    }
+    static std::uint64_t TreeState(const CFmlaExpression& expression)
+    {
+        return expression.m_TreeState;
+    }
+    static bool IsUnderWay(const CFmlaExpression& expression) { return expression.m_UnderWay != 0; }
+
+    static bool HasStrError(const CalcSetImpl& calcSet) { return !calcSet.m_StrError.IsEmpty(); }
+
+    // As long as these numbers stay what they are and are not 0, the set gives the same objects for
+    // the names of variables, and for those of formulas and tables.
+    static std::uint64_t VariablesState(const CalcSetImpl& calcSet)
+    {
+        // Numbers only grow, so the greater one changes with either map.
+        return std::max(calcSet.m_Variables->Version(), calcSet.m_MissingVariables->Version());
+    }
+    static std::uint64_t NestedState(const CalcSetImpl& calcSet)
+    {
+        return std::max(calcSet.m_Formulas->Version(), calcSet.m_FormulaTables->Version());
+    }
+};
 
 } // namespace tovo::detail
 

@@ -5,6 +5,8 @@
 
 #include <TovoFormula/CalculationInterfaces.h>
 
+#include "OwnObjects.h"
+
 // What a formula may remember between two meetings in one pass.
 //
 // A pass is what happens on one thread between a host's call into a formula, an expression, a table
@@ -21,29 +23,62 @@ namespace tovo::detail {
 using Stamp = std::uint64_t;
 inline constexpr Stamp kNeverStamped = 0;
 
+struct PassState {
+    int depth = 0;
+    bool isInForeignCall = false;
+    bool isRemembering = true;
+    Stamp present = kNeverStamped;
+    Stamp foreignReads = 0;
+};
+
 // Marks a call into the library for its duration; the outermost one begins a pass, and so does the
 // outermost one that a host's own object makes.
 class Pass {
 public:
-    Pass();
-    ~Pass();
+    Pass() : m_WasInForeignCall(state.isInForeignCall)
+    {
+        if (state.depth++ == 0 || m_WasInForeignCall)
+            NoteChange();
+        state.isInForeignCall = false;
+    }
+    ~Pass()
+    {
+        --state.depth;
+        state.isInForeignCall = m_WasInForeignCall;
+    }
 
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
 
     // Never equal to an earlier stamp outside a pass, or while remembering is turned off.
-    static Stamp Now();
+    static Stamp Now()
+    {
+        if (state.depth == 0 || !state.isRemembering)
+            NoteChange();
+        return state.present;
+    }
     // Voids what was remembered. Every operation calls it that changes what a calculation may read.
-    static void NoteChange();
+    static void NoteChange() { ++state.present; }
     // Reads a variable. One that is not exactly a stock variable may have another value each time,
     // so nothing that was calculated from it is remembered: the number of such reads tells.
-    static double ValueOf(IVarObj& variable);
-    static Stamp ForeignReads();
-    static bool IsRemembering();
+    static double ValueOf(IVarObj& variable)
+    {
+        if (const VariableImpl* const own = AsOwn(variable))
+            return OwnObjects::ValueOf(*own);
+        ++state.foreignReads;
+        return variable.GetValue();
+    }
+    static Stamp ForeignReads() { return state.foreignReads; }
+    static bool IsRemembering() { return state.isRemembering; }
     // For tests, which hold results with and without remembering against each other.
-    static void SetRemembering(bool isOn);
+    static void SetRemembering(bool isOn) { state.isRemembering = isOn; }
 
 private:
+    friend class NestedCall;
+    friend class NoChange;
+
+    static inline constinit thread_local PassState state;
+
     bool m_WasInForeignCall;
 };
 
@@ -51,15 +86,24 @@ private:
 // stock object may do anything, so nothing remembered before outlives it.
 class NestedCall {
 public:
-    explicit NestedCall(IFormulaObj& formula);
-    explicit NestedCall(IFormulaTableObj& table);
-    ~NestedCall();
+    explicit NestedCall(IFormulaObj& formula) : NestedCall(!AsOwn(formula)) {}
+    explicit NestedCall(IFormulaTableObj& table) : NestedCall(!AsOwn(table)) {}
+    ~NestedCall()
+    {
+        Pass::state.isInForeignCall = m_WasInForeignCall;
+        if (m_IsForeign)
+            Pass::NoteChange();
+    }
 
     NestedCall(const NestedCall&) = delete;
     NestedCall& operator=(const NestedCall&) = delete;
 
 private:
-    explicit NestedCall(bool isForeign);
+    explicit NestedCall(bool isForeign)
+        : m_IsForeign(isForeign), m_WasInForeignCall(Pass::state.isInForeignCall)
+    {
+        Pass::state.isInForeignCall = m_WasInForeignCall || isForeign;
+    }
 
     bool m_IsForeign;
     bool m_WasInForeignCall;
@@ -69,8 +113,8 @@ private:
 // on.
 class NoChange {
 public:
-    NoChange();
-    ~NoChange();
+    NoChange() : m_Found(Pass::state.present) {}
+    ~NoChange() { Pass::state.present = m_Found; }
 
     NoChange(const NoChange&) = delete;
     NoChange& operator=(const NoChange&) = delete;
@@ -79,10 +123,31 @@ private:
     Stamp m_Found;
 };
 
-// The text that the library last gave to SetStrError, for an object that answers from memory and so
-// leaves the text as its calculation would have left it.
-void GiveStrError(ICalculationSet& calcSet, const CString& text);
-const CString& LastStrError();
+// Gives the set a text of a mathematical error. The last one is kept, for an object that answers
+// from memory and so leaves the text as its calculation would have left it.
+class StrError {
+public:
+    static void Give(ICalculationSet& calcSet, const CString& text)
+    {
+        // Nearly every token clears the text, which the stock set can tell is clear already.
+        const CalcSetImpl* const own = AsOwn(calcSet);
+        if (!isLeft && text.IsEmpty() && own && !OwnObjects::HasStrError(*own))
+            return;
+        isLeft = !text.IsEmpty();
+        last = text;
+        calcSet.SetStrError(text);
+    }
+    // Takes down what was last given.
+    static void Keep(CString& text)
+    {
+        if (isLeft || !text.IsEmpty())
+            text = last;
+    }
+
+private:
+    static inline constinit thread_local bool isLeft = false; // the last one is not empty
+    static thread_local CString last;
+};
 
 } // namespace tovo::detail
 

@@ -9,6 +9,7 @@
 #include <TovoFormula/MessageIds.h>
 
 #include "Computation.h"
+#include "FormulaMemory.h"
 #include "OwnObjects.h"
 #include "Pass.h"
 #include "TokenCatalogue.h"
@@ -26,16 +27,36 @@ bool IsComputed(const CExprToken& token)
     return token.IsOperator() || token.IsFunction();
 }
 
+// How a set is asked for an object of each kind, and what tells that it would answer as before.
 template <typename Object>
-Object* Ask(ICalculationSet& calcSet, const CString& name)
-{
-    if constexpr (std::is_same_v<Object, IVarObj>)
+struct Names;
+
+template <>
+struct Names<IVarObj> {
+    static IVarObj* Ask(ICalculationSet& calcSet, const CString& name)
+    {
         return calcSet.GetVarObj(name, 1, 0);
-    else if constexpr (std::is_same_v<Object, IFormulaObj>)
+    }
+    static constexpr auto State = OwnObjects::VariablesState;
+};
+
+template <>
+struct Names<IFormulaObj> {
+    static IFormulaObj* Ask(ICalculationSet& calcSet, const CString& name)
+    {
         return calcSet.GetFormulaObj(name);
-    else
+    }
+    static constexpr auto State = OwnObjects::NestedState;
+};
+
+template <>
+struct Names<IFormulaTableObj> {
+    static IFormulaTableObj* Ask(ICalculationSet& calcSet, const CString& name)
+    {
         return calcSet.GetFormulaTableObj(name);
-}
+    }
+    static constexpr auto State = OwnObjects::NestedState;
+};
 
 } // namespace
 
@@ -108,10 +129,12 @@ Sequence::Stop Sequence::Run()
 {
     for (; m_At < m_End; ++m_At) {
         const Step& step = m_Steps[m_At];
-        if (step.code == TOK_FORMULA || step.code == TOK_FORMTBL)
-            return Stop::Nested;
-        if (!Calculate(step))
+        if (step.code == TOK_FORMULA || step.code == TOK_FORMTBL) {
+            if (!ReadRemembered(step))
+                return Stop::Nested;
+        } else if (!Calculate(step)) {
             return Stop::Failure;
+        }
     }
     if (std::exchange(m_IsInText, false)) {
         m_End = m_Steps.size();
@@ -129,30 +152,33 @@ bool Sequence::Calculate(const Step& step)
         return Give(*step.token, step.first->m_Value + step.second->m_Value);
     case TOK_TIMES:
         return Give(*step.token, step.first->m_Value * step.second->m_Value);
+    case TOK_GROUP:
+        return Give(*step.token, step.first->m_Value);
     case TOK_VARIABLE:
         return ReadVariable(step);
     default:
-        return CalculateFromArguments(step);
+        break;
     }
+    if (step.numArgs > 0)
+        return Compute(step);
+    if (!step.token->IsVarValue())
+        return Give(*step.token, step.token->m_Value);
+    m_IsStrErrorClear = m_OwnSet != nullptr;
+    return step.token->Calculate(nullptr, 0, 1, nullptr) != 0;
 }
 
-bool Sequence::CalculateFromArguments(const Step& step)
+bool Sequence::Compute(const Step& step)
 {
     CExprToken& token = *step.token;
-    MathResult result;
-    if (step.numArgs == 0) {
-        m_IsStrErrorClear = m_OwnSet != nullptr;
-        return token.Calculate(nullptr, 0, 1, nullptr) != 0;
-    }
+    std::array<double, kMaxArguments> args;
     if (step.numArgs <= 2) {
-        const std::array args = {step.first->m_Value, step.second ? step.second->m_Value : 0.0};
-        result = Compute(step.code, {args.data(), step.numArgs});
+        args[0] = step.first->m_Value;
+        args[1] = step.second ? step.second->m_Value : 0.0;
     } else {
-        std::array<double, kMaxArguments> args;
         for (std::size_t argument = 0; argument < step.numArgs; ++argument)
             args[argument] = m_Arguments[step.arguments + argument]->m_Value;
-        result = Compute(step.code, {args.data(), step.numArgs});
     }
+    const MathResult result = detail::Compute(step.code, {args.data(), step.numArgs});
     if (result.message == MSG_NONE && result.errorNumber == 0)
         return Give(token, result.value);
     m_IsStrErrorClear = false;
@@ -165,7 +191,9 @@ bool Sequence::ReadVariable(const Step& step)
     IVarObj* const variable = Find<IVarObj>(step);
     if (!variable)
         return step.token->HardFailure(MSG_NONE) != 0;
-    m_IsStrErrorClear = m_OwnSet && IsOwn(*variable);
+    if (const VariableImpl* const own = AsOwn(*variable))
+        return Give(*step.token, OwnObjects::ValueOf(*own));
+    m_IsStrErrorClear = false;
     return Give(*step.token, Pass::ValueOf(*variable));
 }
 
@@ -182,19 +210,48 @@ template IFormulaTableObj* Sequence::Find<IFormulaTableObj>();
 template <typename Object>
 Object* Sequence::Find(const Step& step)
 {
-    Reference& reference = ReferenceOf(step);
-    if (!m_OwnSet)
-        return Ask<Object>(m_CalcSet, reference.name);
-    if (reference.version == 0 || reference.version != VersionOfNames(*m_OwnSet, step.code)) {
-        reference.object = Ask<Object>(m_CalcSet, reference.name);
-        reference.version = VersionOfNames(*m_OwnSet, step.code);
+    Reference& reference = m_References[step.reference];
+    if (!m_OwnSet) {
+        m_IsStrErrorClear = false;
+        return Names<Object>::Ask(m_CalcSet, reference.name);
+    }
+    const std::uint64_t state = Names<Object>::State(*m_OwnSet);
+    if (reference.state != state || state == 0) {
+        reference.object = Names<Object>::Ask(m_CalcSet, reference.name);
+        reference.state = Names<Object>::State(*m_OwnSet);
     }
     return static_cast<Object*>(reference.object);
+}
+
+// A stock formula that remembers its value would pass the check and give it. Most formulas are
+// named more than once in a pass.
+bool Sequence::ReadRemembered(const Step& step)
+{
+    if (step.code != TOK_FORMULA || !m_OwnSet)
+        return false;
+    IFormulaObj* const object = Find<IFormulaObj>(step);
+    const FormulaImpl* const formula = object ? AsOwn(*object) : nullptr;
+    if (!formula)
+        return false;
+    const FormulaMemory& memory = OwnObjects::MemoryOf(*formula);
+    const CFmlaExpression& expression = OwnObjects::ExpressionOf(*formula);
+    if (OwnObjects::IsUnderWay(expression) ||
+        !memory.IsCalculated(OwnObjects::TreeState(expression), nullptr))
+        return false;
+    if (!m_IsStrErrorClear)
+        ClearStrError();
+    StrError::Give(expression.CalcSet(), memory.LeftStrError());
+    m_IsStrErrorClear = memory.LeftStrError().IsEmpty();
+    return Give(*step.token, expression.GetValue());
 }
 
 bool Sequence::ReadNested()
 {
     const Step& step = m_Steps[m_At];
+    if (ReadRemembered(step)) {
+        ++m_At;
+        return true;
+    }
     CExprToken& token = *step.token;
     ClearStrError();
     m_IsStrErrorClear = false;
@@ -217,7 +274,7 @@ bool Sequence::Give(CExprToken& token, double value)
 
 void Sequence::ClearStrError()
 {
-    GiveStrError(m_CalcSet, CString());
+    StrError::Give(m_CalcSet, CString());
     m_IsStrErrorClear = true;
 }
 

@@ -52,7 +52,7 @@ public:
     // Of the formula or table that the sequence has stopped at: its token, its name, what the set
     // has under that name (null for nothing), and the step that calculates it.
     const CExprToken& Token() const { return *m_Steps[m_At].token; }
-    const CString& Name() const { return ReferenceOf(m_Steps[m_At]).name; }
+    const CString& Name() const { return m_References[m_Steps[m_At].reference].name; }
     template <typename Object>
     Object* Find();
     bool ReadNested();
@@ -82,23 +82,22 @@ private:
         std::uint32_t completed; // which one of the nodes completed
         std::uint32_t reference; // which one, if the token names something
     };
-    // An object as the set last gave it.
+    // An object as the stock set last gave it, in that state of its names; state 0 for none.
     struct Reference {
         CString name;
-        std::uint64_t version; // of the names that it was found in, 0 if it must be asked for
+        std::uint64_t state;
         void* object;
     };
 
-    Reference& ReferenceOf(const Step& step) { return m_References[step.reference]; }
-    const Reference& ReferenceOf(const Step& step) const { return m_References[step.reference]; }
     bool IsNeeded(std::size_t completed) const;
     void AddStep(std::size_t completed);
     std::size_t CompletedAt() const { return m_Steps[m_At].completed; }
     template <typename Object>
     Object* Find(const Step& step);
     bool Calculate(const Step& step);
-    bool CalculateFromArguments(const Step& step);
+    bool Compute(const Step& step);
     bool ReadVariable(const Step& step);
+    bool ReadRemembered(const Step& step);
     static bool Give(CExprToken& token, double value);
     void ClearStrError();
 

@@ -143,13 +143,25 @@ private:
     struct Node : __POSITION {
         CString text;
         Nodes::iterator self;
+        std::size_t hash = 0;
+        Node* nextInBucket = nullptr;
     };
 
     POSITION Insert(Nodes::const_iterator before, const CString& text);
     static Node& NodeAt(POSITION position);
 
+    bool IsIndexed() const { return !m_Buckets.empty(); }
+    Node*& BucketOf(const Node& node) { return m_Buckets[node.hash & (m_Buckets.size() - 1)]; }
+    void EnterIntoIndex(Node& node);
+    void TakeFromIndex(const Node& node);
+    void MakeIndex();
+    POSITION FirstOf(const CString& text) const;
+
     Nodes m_Nodes;
-    std::unordered_multimap<CString, const Node*> m_Index;
+    Nodes m_Spare; // some nodes taken out, so that a list used as a stack need not allocate
+    // An index by hash, each bucket a chain of nodes; none while the list is short. Their number is
+    // a power of two.
+    std::vector<Node*> m_Buckets;
 };
 
 // A number that was never given before, on any thread.

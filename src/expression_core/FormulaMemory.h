@@ -3,7 +3,7 @@
 
 #include <TovoFormula/ExprTree.h>
 
-#include "../expression_core/Pass.h"
+#include "Pass.h"
 
 namespace tovo::detail {
 
@@ -41,7 +41,7 @@ public:
     }
 
     // What the set's text of a mathematical error was behind the success.
-    const CString& StrError() const { return m_StrError; }
+    const CString& LeftStrError() const { return m_StrError; }
 
 private:
     bool Holds(Stamp stamp, std::uint64_t treeState) const
@@ -52,7 +52,7 @@ private:
     {
         stamp = Pass::Now();
         m_TreeState = treeState;
-        m_StrError = LastStrError();
+        StrError::Keep(m_StrError);
     }
 
     Stamp m_Validated = kNeverStamped;
