@@ -1,6 +1,8 @@
 #ifndef TOVOFORMULA_EXPRTOKEN_H
 #define TOVOFORMULA_EXPRTOKEN_H
 
+#include <cstddef>
+
 #include <TovoFormula/TokenCodes.h>
 #include <TovoPlatform/Object.h>
 #include <TovoPlatform/WideString.h>
@@ -34,6 +36,10 @@ public:
     // reference's text decides its kind, "?" meaning yes/no. Names are not looked up here.
     CExprToken(ICalculationSet& calcSet, int code, CString text, int pos);
     ~CExprToken() override;
+
+    // Tokens come and go by the dozen, so the library keeps some of their memory for the next ones.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory, std::size_t size) noexcept;
 
     CExprToken(const CExprToken&) = delete;
     CExprToken& operator=(const CExprToken&) = delete;

@@ -95,6 +95,7 @@ private:
     bool IsReenacted() const;
 
     int CompleteCurrentNode();
+    int WalkRecorded();
     int CalculateToken(double* args, int numArgs, CScannedVariables* list);
     int Raise(unsigned int message, CObject* object);
     int RefuseToken(CExprToken& token);

@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_TREE_H
 #define TOVOFORMULA_TREE_H
 
+#include <cstddef>
 #include <memory>
 
 #include <TovoPlatform/Collections.h>
@@ -73,6 +74,10 @@ class TOVO_API CETree : public CTree {
 public:
     explicit CETree(CETree* parent = nullptr, CExprToken* data = nullptr);
     ~CETree() override;
+
+    // Nodes come and go by the dozen, so the library keeps some of their memory for the next ones.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory, std::size_t size) noexcept;
 
     CETree* GetParent() const { return static_cast<CETree*>(m_Parent); }
     CExprToken* GetData() const;

@@ -54,15 +54,11 @@ int CFmlaExpression::NestedFormulasOK()
 // Tokens of another kind have nothing to check.
 int CFmlaExpression::CheckNestedReference(int code, const CString& text)
 {
-    const CString name = BareName(text);
-    switch (code) {
-    case TOK_FORMULA:
-        return CheckNested(CalcSet().GetFormulaObj(name), name);
-    case TOK_FORMTBL:
-        return CheckNested(CalcSet().GetFormulaTableObj(name), name);
-    default:
+    if (code != TOK_FORMULA && code != TOK_FORMTBL)
         return 1;
-    }
+    const CString name = BareName(text);
+    return code == TOK_FORMULA ? CheckNested(CalcSet().GetFormulaObj(name), name)
+                               : CheckNested(CalcSet().GetFormulaTableObj(name), name);
 }
 
 int CFmlaExpression::CheckNested(IFormulaObj* formula, const CString& name)

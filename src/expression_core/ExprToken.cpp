@@ -3,6 +3,7 @@
 #include <TovoFormula/MessageIds.h>
 #include <TovoPlatform/NumberText.h>
 
+#include "BlockCache.h"
 #include "LocalNumbers.h"
 #include "Names.h"
 #include "TokenCatalogue.h"
@@ -112,6 +113,16 @@ CExprToken::CExprToken(ICalculationSet& calcSet, int code, CString text, int pos
 }
 
 CExprToken::~CExprToken() = default;
+
+void* CExprToken::operator new(std::size_t size)
+{
+    return tovo::detail::BlockCache<sizeof(CExprToken)>::Allocate(size);
+}
+
+void CExprToken::operator delete(void* memory, std::size_t size) noexcept
+{
+    tovo::detail::BlockCache<sizeof(CExprToken)>::Free(memory, size);
+}
 
 int CExprToken::SetNumArgs(int count)
 {

@@ -6,6 +6,7 @@
 #include <TovoFormula/MessageIds.h>
 
 #include "IfDepthGuard.h"
+#include "Pass.h"
 #include "Sequence.h"
 #include "TokenCatalogue.h"
 
@@ -53,6 +54,8 @@ int CExprTree::Calculate(CScannedVariables* list)
     if (!m_Root)
         return 0;
     const tovo::detail::IfDepthGuard depth(m_InIfConditionCount);
+    if (!list && IsRecorded() && tovo::detail::Pass::IsRemembering())
+        return WalkRecorded();
     m_Current = m_Root->FindFirstTwig();
     while (CalculateActiveNode(list)) {
         CETree* const parent = m_Current->GetParent();
@@ -63,6 +66,19 @@ int CExprTree::Calculate(CScannedVariables* list)
         CETree* const next = parent->GetNextActiveChild(m_Current, m_InIfConditionCount);
         m_Current = next ? next->FindFirstTwig() : parent;
     }
+    return 0;
+}
+
+// The same walk, in the order that was recorded.
+int CExprTree::WalkRecorded()
+{
+    if (m_Sequence->Walk(m_InIfConditionCount)) {
+        m_Current = nullptr;
+        return 1;
+    }
+    m_Current = m_Sequence->Node();
+    if (m_Msg == MSG_NONE || !IsReference(*Current()))
+        m_Msg = Current()->GetCalculationError();
     return 0;
 }
 

@@ -17,9 +17,21 @@
 namespace tovo::detail {
 namespace {
 
+// Steps that stand for more than their token, for the sake of a walk: the parenthesis and the
+// commas of an IF.
+constexpr std::uint16_t kConditionBegins = kTokenCount;
+constexpr std::uint16_t kConditionEnds = kTokenCount + 1;
+constexpr std::uint16_t kBranchEnds = kTokenCount + 2;
+
 bool IsNested(const CExprToken& token)
 {
     return token.IsFormula() || token.IsFormtbl();
+}
+
+// Whether a walk has to know when it comes by a punctuation.
+bool IsPartOfIf(const CETree& punctuation)
+{
+    return punctuation.GetParent()->GetData()->GetCode() == TOK_IF;
 }
 
 bool IsComputed(const CExprToken& token)
@@ -83,6 +95,8 @@ bool Sequence::IsNeeded(std::size_t completed) const
 {
     const CETree* const node = m_Completed[completed];
     const CExprToken& token = *node->GetData();
+    if (token.IsPunctuation() && IsPartOfIf(*node))
+        return true;
     const bool isLast = completed + 1 == m_Completed.size();
     if (IsComputed(token)) // A function is closed by its parenthesis and again by what follows.
         return completed == 0 || m_Completed[completed - 1] != node;
@@ -114,6 +128,35 @@ void Sequence::AddStep(std::size_t completed)
     if (token.IsVariable() || IsNested(token))
         m_References.push_back({token.GetName(), 0, nullptr});
     m_Steps.push_back(step);
+    if (token.IsPunctuation() && IsPartOfIf(node))
+        MarkPartOfIf(node);
+}
+
+// The step of the punctuation was added last.
+void Sequence::MarkPartOfIf(const CETree& node)
+{
+    const CETree& parent = *node.GetParent();
+    Step& step = m_Steps.back();
+    if (node.GetData()->IsLeftParen()) {
+        step.code = kConditionBegins;
+        m_OpenIfs.emplace_back();
+        return;
+    }
+    OpenIf& open = m_OpenIfs.back();
+    const std::size_t next = m_Steps.size();
+    if (node.GetData()->IsRightParen()) {
+        const std::size_t last = open.behindBranch ? open.behindBranch : open.behindCondition;
+        m_Steps[last].reference = static_cast<std::uint32_t>(next);
+        m_OpenIfs.pop_back();
+    } else if (open.behindCondition == 0) {
+        step.code = kConditionEnds;
+        step.first = parent.GetChild(1)->GetData();
+        open.behindCondition = next - 1;
+    } else {
+        step.code = kBranchEnds;
+        open.behindBranch = next - 1;
+        m_Steps[open.behindCondition].reference = static_cast<std::uint32_t>(next);
+    }
 }
 
 void Sequence::Start()
@@ -141,6 +184,37 @@ Sequence::Stop Sequence::Run()
         return Stop::TextEnd;
     }
     return Stop::End;
+}
+
+bool Sequence::Walk(int& ifCount)
+{
+    Start();
+    while (m_At < m_Steps.size()) {
+        const Step& step = m_Steps[m_At];
+        switch (step.code) {
+        case kConditionBegins:
+            ++ifCount;
+            ++m_At;
+            break;
+        case kConditionEnds:
+            --ifCount;
+            m_At = step.first->m_Value != 0.0 ? m_At + 1 : step.reference;
+            break;
+        case kBranchEnds:
+            m_At = step.reference;
+            break;
+        case TOK_FORMULA:
+        case TOK_FORMTBL:
+            if (!ReadNested())
+                return false;
+            break;
+        default:
+            if (!Calculate(step))
+                return false;
+            ++m_At;
+        }
+    }
+    return true;
 }
 
 bool Sequence::Calculate(const Step& step)

@@ -49,6 +49,11 @@ public:
     void Start();
     // Goes on to the next stop.
     Stop Run();
+    // Calculates what a walk of the tree calculates: checks no reference and leaves out the branch
+    // of an IF that its condition rules out. The count tells how many conditions the walk is in.
+    // False on a failure, which the token has reported.
+    bool Walk(int& ifCount);
+    CETree* Node() const { return m_Completed[m_Steps[m_At].completed]; }
     // Of the formula or table that the sequence has stopped at: its token, its name, what the set
     // has under that name (null for nothing), and the step that calculates it.
     const CExprToken& Token() const { return *m_Steps[m_At].token; }
@@ -80,7 +85,14 @@ private:
         std::uint16_t numArgs;
         std::uint16_t code;
         std::uint32_t completed; // which one of the nodes completed
-        std::uint32_t reference; // which one, if the token names something
+        // Which one, if the token names something. Of a comma in an IF, the step that a walk goes
+        // on with if it leaves out the next branch.
+        std::uint32_t reference;
+    };
+    // The steps of the commas in an IF that is being recorded.
+    struct OpenIf {
+        std::size_t behindCondition = 0;
+        std::size_t behindBranch = 0; // 0 if there is no other branch
     };
     // An object as the stock set last gave it, in that state of its names; state 0 for none.
     struct Reference {
@@ -91,6 +103,7 @@ private:
 
     bool IsNeeded(std::size_t completed) const;
     void AddStep(std::size_t completed);
+    void MarkPartOfIf(const CETree& node);
     std::size_t CompletedAt() const { return m_Steps[m_At].completed; }
     template <typename Object>
     Object* Find(const Step& step);
@@ -109,8 +122,9 @@ private:
     std::vector<Reference> m_References;
     std::size_t m_CompletedInText = 0; // how many
     std::size_t m_StepsInText = 0;
-    std::size_t m_At = 0;  // the present step
-    std::size_t m_End = 0; // where to stop
+    std::size_t m_At = 0;          // the present step
+    std::size_t m_End = 0;         // where to stop
+    std::vector<OpenIf> m_OpenIfs; // innermost last
     bool m_IsInText = false;
     bool m_IsFinished = false;
     bool m_IsStrErrorClear = false;

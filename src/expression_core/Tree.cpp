@@ -5,6 +5,8 @@
 
 #include <TovoFormula/ExprToken.h>
 
+#include "BlockCache.h"
+
 namespace {
 
 // The children of an IF, between its parentheses and commas.
@@ -162,6 +164,16 @@ CETree::CETree(CETree* parent, CExprToken* data) : CTree(parent, data)
 {}
 
 CETree::~CETree() = default;
+
+void* CETree::operator new(std::size_t size)
+{
+    return tovo::detail::BlockCache<sizeof(CETree)>::Allocate(size);
+}
+
+void CETree::operator delete(void* memory, std::size_t size) noexcept
+{
+    tovo::detail::BlockCache<sizeof(CETree)>::Free(memory, size);
+}
 
 CExprToken* CETree::GetData() const
 {

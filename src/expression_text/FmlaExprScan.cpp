@@ -89,7 +89,7 @@ int CFmlaExprBase::DeliverToken(TokenScanner& scanner, CString& token, int& toke
     tokenPos = scanner.TokenPos();
     if (outcome == TokenScanner::Outcome::End)
         return 0;
-    token = CString(scanner.TokenText());
+    token = scanner.TokenString();
     if (outcome == TokenScanner::Outcome::Fault) {
         ReportFault(scanner.FaultMessage());
         return 0;

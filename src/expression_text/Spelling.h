@@ -19,6 +19,11 @@ public:
     {
         return m_Names ? m_Names->GetAt(code).View() : CatalogueOf(code).englishName;
     }
+    // The same as a string, which shares the characters of the user's names.
+    CString TextOf(int code) const
+    {
+        return m_Names ? m_Names->GetAt(code) : CString(CatalogueOf(code).englishName);
+    }
     // The characters of a number, the decimal separator first.
     WideView NumberCharacters() const { return NameOf(TOK_NUMBER); }
     WCHAR DecimalSeparator() const { return NumberCharacters().front(); }

@@ -48,6 +48,14 @@ TokenScanner::TokenScanner(CString text, std::span<const Reference> references, 
     : m_Text(std::move(text)), m_References(references), m_Spelling(spelling), m_ScanPos(scanPos)
 {}
 
+// Most tokens are names, and need no text of their own.
+CString TokenScanner::TokenString() const
+{
+    const bool isName = (m_TokenCode >= kFirstWord && m_TokenCode <= kLastWord) ||
+                        (m_TokenCode >= kFirstSign && m_TokenCode <= kLastSign);
+    return isName ? m_Spelling.TextOf(m_TokenCode) : CString(m_TokenText);
+}
+
 TokenScanner::Outcome TokenScanner::Next()
 {
     if (m_ScanPos < 0)
@@ -91,6 +99,7 @@ TokenScanner::Outcome TokenScanner::TakeNumber(int boundary)
     m_FaultMessage = FaultIn(number, m_Spelling.DecimalSeparator());
     if (m_FaultMessage == MSG_NONE)
         return Take(TOK_NUMBER, static_cast<int>(number.size()));
+    m_TokenCode = TOK_ILLEGAL;
     m_TokenText = number;
     return Outcome::Fault;
 }

@@ -30,6 +30,7 @@ public:
     int TokenPos() const { return m_TokenPos; }
     int TokenCode() const { return m_TokenCode; }
     WideView TokenText() const { return m_TokenText; }
+    CString TokenString() const;
     // What is wrong with the number at fault.
     unsigned int FaultMessage() const { return m_FaultMessage; }
 

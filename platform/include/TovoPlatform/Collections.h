@@ -37,6 +37,7 @@ public:
     // Appends and gives the index of the new element.
     int Add(ARG_TYPE element)
     {
+        ExpectMore();
         m_Elements.push_back(element);
         return GetSize() - 1;
     }
@@ -56,6 +57,7 @@ public:
     {
         const TYPE kept = element; // as above
         GrowTo(index);
+        ExpectMore();
         m_Elements.insert(PlaceAt(index), Unsigned(count), kept);
     }
     void InsertAt(int index, const CArray& other)
@@ -80,6 +82,14 @@ public:
     }
 
 private:
+    // An array that gets one element mostly gets a few, which fit into the smallest piece of memory
+    // that there is.
+    void ExpectMore()
+    {
+        constexpr std::size_t kSmallestPiece = 24;
+        if (m_Elements.capacity() == 0)
+            m_Elements.reserve(kSmallestPiece / sizeof(TYPE));
+    }
     void GrowTo(int count)
     {
         if (count > GetSize())
