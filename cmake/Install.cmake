@@ -1,0 +1,37 @@
+# What `cmake --install` lays down: both libraries, the public headers, and what CMake and pkg-config
+# need to find them. The tree may be moved as a whole afterwards.
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set_target_properties(TovoPlatform PROPERTIES EXPORT_NAME Platform)
+set_target_properties(TovoFormula PROPERTIES EXPORT_NAME Formula INSTALL_RPATH "$ORIGIN")
+
+install(TARGETS TovoPlatform TovoFormula
+  EXPORT TovoFormulaTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    COMPONENT Runtime NAMELINK_COMPONENT Development
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
+
+set(cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TovoFormula)
+install(EXPORT TovoFormulaTargets NAMESPACE Tovo::
+  DESTINATION ${cmake_dir} COMPONENT Development)
+configure_package_config_file(
+  ${CMAKE_CURRENT_LIST_DIR}/TovoFormulaConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/package/TovoFormulaConfig.cmake
+  INSTALL_DESTINATION ${cmake_dir}
+  NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/package/TovoFormulaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES
+  ${PROJECT_BINARY_DIR}/package/TovoFormulaConfig.cmake
+  ${PROJECT_BINARY_DIR}/package/TovoFormulaConfigVersion.cmake
+  DESTINATION ${cmake_dir} COMPONENT Development)
+
+set(pc_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH pc_dir_to_prefix ${pc_dir} ${CMAKE_INSTALL_PREFIX})
+file(RELATIVE_PATH pc_dir_to_include ${pc_dir} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
+configure_file(
+  ${CMAKE_CURRENT_LIST_DIR}/tovoformula.pc.in ${PROJECT_BINARY_DIR}/package/tovoformula.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/package/tovoformula.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
