@@ -1,0 +1,22 @@
+#!/bin/sh
+# Builds the example host with what find_package gives, and compares what it prints.
+set -eu
+source=$(cd "$(dirname "$0")/../.." && pwd)
+host=$WORK/with_cmake
+
+rm -rf "$host"
+"$CMAKE" -S "$source/examples/embed" -B "$host" -G Ninja -DCMAKE_PREFIX_PATH="$PREFIX" \
+    -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$HOST_FLAGS" >/dev/null
+"$CMAKE" --build "$host"
+"$host/embed" | diff -u "$source/examples/embed/expected.txt" -
+
+# Other minor versions of 0 promise nothing to a host that was written for this one.
+cat >"$host/refuse.cmake" <<'END'
+foreach(version 0.0 0.2 1.0)
+  find_package(TovoFormula ${version} QUIET CONFIG)
+  if(TovoFormula_FOUND OR NOT TovoFormula_CONSIDERED_VERSIONS)
+    message(FATAL_ERROR "asked for ${version}, considered: ${TovoFormula_CONSIDERED_VERSIONS}")
+  endif()
+endforeach()
+END
+"$CMAKE" -DCMAKE_PREFIX_PATH="$PREFIX" -P "$host/refuse.cmake"
