@@ -20,10 +20,9 @@ enum FMLA_DIRECTION {
     FD_RIGHT = 2,
 };
 
-// Both govern editing only: a text or a table that is loaded may be longer. In characters, and in
-// references.
-inline constexpr int kDefaultTextLimit = 1470;
-inline constexpr int kMaxReferences = 15;
+// Both govern editing only: a text or a table that is loaded may be longer.
+inline constexpr int kDefaultTextLimit = 1470; // in characters
+inline constexpr int kMaxReferences = 15;      // in one text
 
 namespace tovo::detail {
 class Spelling;

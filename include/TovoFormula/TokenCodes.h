@@ -63,8 +63,9 @@ enum TOKEN_CODE {
     TOK_TRUNC = 54,
 };
 
-inline constexpr int kTokenCount = 55;
+inline constexpr int kTokenCount = 55; // the codes are 0 to 54
 
+// The part that an element plays.
 enum TOKEN_TYPE {
     TT_CONSTANT = 0,    // a value fixed by the text
     TT_VARVALUE = 1,    // a value from outside: a reference or a job value

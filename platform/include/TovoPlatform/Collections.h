@@ -115,9 +115,9 @@ private:
     std::vector<TYPE> m_Elements;
 };
 
-using CObArray = CArray<CObject*, CObject*>;
-using CStringArray = CArray<CString, const CString&>;
-using CWordArray = CArray<WORD, WORD>;
+using CObArray = CArray<CObject*, CObject*>;          // of any objects, which it does not own
+using CStringArray = CArray<CString, const CString&>; // of texts
+using CWordArray = CArray<WORD, WORD>;                // of 16-bit numbers
 
 // A list of strings in which every place found stays good while its element is there.
 class TOVO_API CStringList : public CObject {

@@ -11,11 +11,12 @@
 // NaN equals NaN and stands above every number, so every pair has an answer.
 TOVO_API int TvCompareDoubles(double a, double b);
 
-// Each gives the nearest integer at once if the value is equal to it, so that 12.3 / 0.1 counts as
-// 123. Otherwise TvRound goes to the nearest integer, with a value equal to an exact half going
-// away from zero; TvRoundUp goes away from zero; TvTrunc goes toward zero. NaN and infinities stay.
+// The nearest integer; a value equal to an exact half goes away from zero. NaN and infinities stay.
 TOVO_API double TvRound(double value);
+// The nearest integer if the value is equal to it, so that 12.3 / 0.1 counts as 123; otherwise the
+// next one away from zero. NaN and infinities stay.
 TOVO_API double TvRoundUp(double value);
+// The same, but otherwise the next one toward zero.
 TOVO_API double TvTrunc(double value);
 
 namespace tovo {

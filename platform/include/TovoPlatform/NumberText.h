@@ -6,12 +6,12 @@
 // Numbers as text, in both directions. Nothing here looks at the process's locale: what varies is
 // the decimal separator that GetLocaleSetting gives (below: the user's), "." without one.
 
+// What goes by a name of this project's own. Outside stands what goes by the name that hosts use.
 namespace tovo {
 
 // The number that the text begins with, 0.0 if it begins with none: white space, a sign, digits
 // with one decimal separator, an exponent; the rest is passed over. The separator given counts as
-// well as
-// ".". Correctly rounded; too large gives an infinity, too small 0.0.
+// well as ".". Correctly rounded; too large gives an infinity, too small 0.0.
 TOVO_API double ParseDouble(const CString& text, WCHAR decimalSeparator = u'.');
 
 // The whole number that the text begins with, 0 if it begins with none; saturates.

@@ -9,6 +9,7 @@
 // is asked first, so a host translates a library by putting a module of its own on the chain. Safe
 // to call from any thread; CString::LoadString reads the chain.
 
+// One text of a module's table.
 struct AfxStringResource {
     UINT id;
     const WCHAR* text; // ends in a zero; lives as long as the process

@@ -17,11 +17,11 @@ using WCHAR = wchar_t;
 using WCHAR = char16_t;
 #endif
 
-using WORD = std::uint16_t;
-using UINT = unsigned int;
-using BOOL = int;
+using WORD = std::uint16_t; // 16 bits, also where hosts store it
+using UINT = unsigned int;  // an id
+using BOOL = int;           // 0 or nonzero
 
-using WideText = std::basic_string<WCHAR>;
-using WideView = std::basic_string_view<WCHAR>;
+using WideText = std::basic_string<WCHAR>;      // owns its characters
+using WideView = std::basic_string_view<WCHAR>; // looks at characters that somebody else owns
 
 #endif

@@ -116,10 +116,11 @@ private:
     std::shared_ptr<WideText> m_Text;
 };
 
-TOVO_API CString operator+(const CString& a, const CString& b);
-TOVO_API CString operator+(const CString& a, WCHAR b);
-TOVO_API CString operator+(WCHAR a, const CString& b);
+TOVO_API CString operator+(const CString& a, const CString& b); // a, and b behind it
+TOVO_API CString operator+(const CString& a, WCHAR b);          // likewise
+TOVO_API CString operator+(WCHAR a, const CString& b);          // likewise
 
+// Makes a text a key of the standard library's hashed containers.
 template <>
 struct std::hash<CString> {
     std::size_t operator()(const CString& text) const noexcept
