@@ -1,5 +1,6 @@
 # What `cmake --install` lays down: both libraries, the public headers, and what CMake and pkg-config
-# need to find them. The tree may be moved as a whole afterwards.
+# need to find them; with `--component Programs`, the programs. The tree may be moved as a whole
+# afterwards.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -35,3 +36,12 @@ configure_file(
   ${CMAKE_CURRENT_LIST_DIR}/tovoformula.pc.in ${PROJECT_BINARY_DIR}/package/tovoformula.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/package/tovoformula.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
+
+file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+foreach(program tovo-calc tovo-edit)
+  if(TARGET ${program})
+    set_target_properties(${program} PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+    install(TARGETS ${program}
+      RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Programs EXCLUDE_FROM_ALL)
+  endif()
+endforeach()

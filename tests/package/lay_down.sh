@@ -12,7 +12,6 @@ headers()
 {
     (cd "$1" && find . -name '*.h' | LC_ALL=C sort)
 }
-mkdir -p "$WORK"
 {
     headers "$source/include"
     headers "$source/platform/include"
