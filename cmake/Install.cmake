@@ -1,6 +1,6 @@
-# What `cmake --install` lays down: both libraries, the public headers, and what CMake and pkg-config
-# need to find them; with `--component Programs`, the programs. The tree may be moved as a whole
-# afterwards.
+# What `cmake --install` lays down: both libraries, the public headers, and what CMake and
+# pkg-config need to find them; with `--component Programs`, the programs. The tree may be moved as
+# a whole afterwards.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)

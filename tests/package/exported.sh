@@ -5,8 +5,8 @@
 #
 #     tests/package/exported.sh --update build/release
 #
-# and the difference of the lists belongs into the commit. The private functions of an exported class
-# are in the lists, since the linker does not tell them apart.
+# and the difference of the lists belongs into the commit. The private functions of an exported
+# class are in the lists, since the linker does not tell them apart.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 
@@ -30,8 +30,8 @@ for library in TovoPlatform TovoFormula; do
     list=$here/exported/$library.txt
     if [ "$update" ]; then
         exported "$build/lib$library.so" >"$list"
-    elif ! exported "$build/lib$library.so" | diff -u --label "$library.txt" --label exported "$list" -
-    then
+    elif ! exported "$build/lib$library.so" |
+        diff -u --label "$library.txt" --label exported "$list" -; then
         echo "lib$library.so exports other names. If that is meant, see the head of $0." >&2
         result=1
     fi
