@@ -39,24 +39,18 @@ constexpr Row kEnglish[] = {
      "41:IF@0 6:(@2 0: Length @3 13:>=@11 4:10@13 5:,@15 23:JOBSIZE@16 5:,@23 4:0@24 7:)@25 "
      "end@26"},
     {"[]", "end@0"},
-    {"  1  []", "4:1@2 end@5"},
-    {"\t1[]", "3:\t@0 4:1@1 end@2"},
+    {"\t1  []", "3:\t@0 4:1@1 end@4"},
     {"1234567890.12345[]", "4:1234567890.12345@0 end@16"},
-    {"1234567890.123456[]", "6616@0"},
     {"1+0000000000000001[]", "4:1@0 8:+@1 6616@2"},
     {".[]", "4:.@0 end@1"},
     {"1+1.2.3[]", "4:1@0 8:+@1 6620@2"},
-    {"1.2.3456789012345678[]", "6620@0"},
     {"=>><[]", "12:=@0 16:>@1 16:>@2 17:<@3 end@4"},
     {">=<=<>[]", "13:>=@0 14:<=@2 15:<>@4 end@6"},
-    {"ABC[]", "3:ABC@0 end@3"},
     {"abS?[]", "3:a@0 3:b@1 3:S@2 3:?@3 end@4"},
     {"ANDOR AND OR[]", "3:ANDOR@0 18:AND@6 29:OR@10 end@12"},
-    {"ROUNDTO TRUNC[]", "47:ROUNDTO@0 54:TRUNC@8 end@13"},
-    {"ABS2ABS[]", "33:ABS@0 4:2@3 33:ABS@4 end@7"},
+    {"ROUNDTO2ABS[]", "47:ROUNDTO@0 4:2@7 33:ABS@8 end@11"},
     {"\xC3\x84 1[]", "3:\xC3\x84@0 4:1@2 end@3"},
     {"12 34 5[2,4,0,]", "4:12@0 0: 34 @2 4:5@6 end@7"},
-    {" AND []", "18:AND@1 end@5"},
     {" AND [0,5,0,]", "0: AND @0 end@5"},
     {" 1.2.3 [0,7,1,]", "1: 1.2.3 @0 end@7"},
     {" a  b  c [0,3,1,3,3,2,6,3,7,]", "1: a @0 2: b @3 0: c @6 end@9"},
@@ -130,7 +124,6 @@ TEST(Scanner, FaultIsReportedAgainAndChangesNothingElse)
 TEST(Scanner, StartInsideAStretchReadsItsRestAsText)
 {
     const CFmlaExprBase expression = Expression("1+ AB +2 C [2,4,0,8,3,1,]");
-    EXPECT_EQ(Scan(expression, TL_ENGLISH, 2), "0: AB @2 8:+@6 4:2@7 1: C @8 end@11");
     EXPECT_EQ(Scan(expression, TL_ENGLISH, 3), "3:AB@3 8:+@6 4:2@7 1: C @8 end@11");
     EXPECT_EQ(Scan(expression, TL_ENGLISH, 9), "3:C@9 end@11");
     EXPECT_EQ(Scan(expression, TL_ENGLISH, 50), "end@50");
@@ -143,10 +136,8 @@ TEST(Scanner, NoTableLeadsOutsideTheText)
     for (const char* whole : {
              " a  b [3,3,0,0,3,1,]",
              " a  b [0,5,0,2,4,0,]",
-             " a  b [0,6,0,0,3,1,3,3,2,]",
              " a  b [3,3,0,3,3,0,0,3,0,0,3,0,]",
              "1+2[0,60000,0,]",
-             "1+2[2,65535,9,1,0,0,]",
              "[0,3,0,65535,65535,65535,]",
              "WENN(1;2)[9,1,0,4,0,1,2,9,2,7]",
          }) {
@@ -162,6 +153,7 @@ TEST(Scanner, NoTableLeadsOutsideTheText)
         expression.IsValid();
         EXPECT_LE(expression.GetInvalidPos(), expression.GetTextStr().GetLength());
         expression.GetEncodedString();
+        EXPECT_EQ(expression.GetRTFString("", 14).Right(6).ToUtf8(), " \\par}");
         expression.TranslateText(TL_ENGLISH);
         expression.TranslateText(TL_LOCAL);
     }

@@ -53,6 +53,13 @@ inline std::string Whole(const CFmlaExprBase& expression)
     return expression.GetTextStr().ToUtf8() + "[" + expression.GetPtrStr().ToUtf8() + "]";
 }
 
+inline CFmlaExprBase Read(const std::string& encoded)
+{
+    CFmlaExprBase expression;
+    expression.SetFromEncodedString(CString(encoded));
+    return expression;
+}
+
 inline CFmlaExprBase Expression(const std::string& whole)
 {
     const std::size_t bracket = whole.rfind('[');
