@@ -250,39 +250,12 @@ TEST(StoredForms, TableAnswersForEveryIndex)
 {
     const CFmlaExprBase expression =
         Expression("  a    b c[0,5,1,5,2,2,7,1,8,8,1,0,9,9,0,50,2,0,]");
-    const struct {
-        int index;
-        const char* name;
-        int end;
-        int kind;
-    } rows[] = {
-        {0, " a ", 5, 1}, {1, "", 7, 2},  {2, "b", 8, 0}, {3, "", 9, 0},
-        {4, "c", 18, 0},  {5, "", 52, 0}, {6, "", 0, 0},  {-1, "", 0, 0},
-    };
-    EXPECT_EQ(expression.NumVars(), 6);
-    for (const auto& row : rows) {
-        EXPECT_EQ(expression.VarName(row.index).ToUtf8(), row.name) << row.index;
-        EXPECT_EQ(expression.VarEndPos(row.index), row.end) << row.index;
-        EXPECT_EQ(expression.VarType(row.index), row.kind) << row.index;
-    }
-}
-
-TEST(StoredForms, SingleReferenceFillsTheWholeText)
-{
-    const char* const rows[][2] = {
-        // whether it is a variable, a formula, a table
-        {" a [0,3,0,]", "100"},          {" a [0,3,1,]", "010"},  {" a [0,3,2,]", "001"},
-        {" a [0,3,7,]", "100"},          {" a  [0,3,0,]", "000"}, {"- a [1,3,1,]", "000"},
-        {" a  b [0,3,0,3,3,0,]", "000"}, {"[]", "000"},           {" a []", "000"},
-    };
-    for (const auto& [whole, single] : rows) {
-        CFmlaExprBase expression = Expression(whole);
-        EXPECT_EQ(std::to_string(expression.IsSingleVariable()) +
-                      std::to_string(expression.IsSingleFormula()) +
-                      std::to_string(expression.IsSingleFormulaTable()),
-                  single)
-            << whole;
-    }
+    std::string entries;
+    for (int index = -1; index <= expression.NumVars(); ++index)
+        entries += expression.VarName(index).ToUtf8() + ':' +
+                   std::to_string(expression.VarEndPos(index)) + ':' +
+                   std::to_string(expression.VarType(index)) + ' ';
+    EXPECT_EQ(entries, ":0:0  a :5:1 :7:2 b:8:0 :9:0 c:18:0 :52:0 :0:0 ");
 }
 
 } // namespace
