@@ -165,11 +165,10 @@ public:
 
 TEST_F(CalcSet, ThreadsCalculateSetsOfTheirOwn)
 {
-    std::thread threads[2];
-    for (std::thread& thread : threads)
-        thread = std::thread([] { ThreadJob().TestBody(); });
-    for (std::thread& thread : threads)
-        thread.join();
+    ThreadJob first, second;
+    std::thread other([&first] { first.TestBody(); });
+    second.TestBody();
+    other.join();
 }
 
 } // namespace

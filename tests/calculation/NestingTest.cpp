@@ -1,5 +1,3 @@
-#include <functional>
-
 #include "Job.h"
 
 namespace tovo::test {
@@ -18,52 +16,6 @@ protected:
         EXPECT_EQ(CExprTree::InIfCondition(), 0);
     }
 };
-
-TEST_F(Nesting, ValuesComeThroughFormulasAndTables)
-{
-    Var("x", 2);
-    VariableImpl& pick = Var("pick", 1);
-    Formula("Inner", "V(x)*10");
-    Table("Price", "Vpick", {"FInner", "7500"});
-    FormulaImpl& outer = Formula("Outer", "F(Inner)+IF(T(Price)>10,1,F(Inner))");
-    FormulaImpl& twice = Formula("Twice", "F(Outer)+F(Outer)+F(Inner)");
-    EXPECT_EQ(MessageOfCalculation(twice), 6608u) << "a formula named Outer is under validation";
-    NestedNames::m_NestedFmlaNames.RemoveAll();
-    EXPECT_EQ(ValueOf(twice), 62.0);
-    pick.SetValue(2);
-    m_Set.StartNewPass();
-    EXPECT_EQ(ValueOf(outer), 40.0);
-}
-
-// A host's formula may change what was calculated just before; the next place sees the change.
-TEST_F(Nesting, ChangeDuringACalculationIsSeen)
-{
-    VariableImpl& x = Var("x");
-    FormulaImpl& edited = Formula("Edited", "1");
-    Formula("Sum", "V(x)+F(Edited)+DURATION");
-    HostFormula host("Host", 0.0);
-    m_Set.m_HostFormulas["Host"] = &host;
-    FormulaImpl& result = Formula("Result", "F(Sum)*1000+F(Host)+F(Sum)");
-    const std::function<void()> changes[] = {
-        [&] { x.SetValue(8); },        [&] { edited.SetFromEncodedString("9"); },
-        [&] { m_Set.SetDuration(8); }, [&] { Formula("Edited", "9"); },
-        [&] { Var("x", 8); },
-    };
-    for (const auto& change : changes) {
-        x.SetValue(0);
-        m_Set.AddVariable(&x);
-        edited.SetFromEncodedString("1");
-        m_Set.AddFormula(&edited);
-        m_Set.SetDuration(0);
-        // The first call comes while Result is loaded, the second while it is walked.
-        host.m_Calculations = 0;
-        host.m_OnCalculate = [&](CScannedVariables*) {
-            if (host.m_Calculations == 2)
-                change();
-        };
-        EXPECT_EQ(ValueOf(result), 1009.0) << &change - changes;
-    }
-}
 
 struct Object {
     char kind; // F: a formula and its text; T: a table and its cell; R: a table and its selector
@@ -124,7 +76,9 @@ TEST_F(Nesting, CheckOfAFormulaAloneLooksAtNoOther)
     FormulaImpl& first = Formula("A", "F(B)+F(Gone)");
     FormulaImpl& second = Formula("B", "F(A)+F(B)+T(Gone)");
     EXPECT_EQ(MessageOfCheck(first, 0) + MessageOfCheck(second, 0), 0u);
-    EXPECT_EQ(MessageOfCheck(Formula("Outer", "1"), 0), 0u) << "though an Outer is being checked";
+    FormulaImpl& outer = Formula("Outer", "1");
+    EXPECT_EQ(MessageOfCheck(outer, 1), 6608u) << "a formula of that name is being checked";
+    EXPECT_EQ(MessageOfCheck(outer, 0), 0u);
     ExpectNothingLeftBehind();
 }
 
@@ -178,27 +132,6 @@ TEST_F(Nesting, HostFormulaThatCalculatesItsCallerGetsAMessage)
     EXPECT_EQ(walked.GetValue(), 3.0);
 }
 
-TEST_F(Nesting, ExpressionWithoutANameIsNotCheckedInsideItself)
-{
-    Formula("", "F(Other)");
-    Formula("Other", "7");
-    CFmlaExpression nameless(m_Set);
-    nameless.SetFromEncodedString("F()");
-    unsigned int message = 0;
-    EXPECT_EQ(nameless.IsValid(message, "", 1), 1) << "no name is no name in common";
-
-    HostFormula host("Host", 1.0);
-    m_Set.m_HostFormulas["Host"] = &host;
-    CFmlaExpression expression(m_Set);
-    expression.SetFromEncodedString("2+F(Host)");
-    host.m_OnCalculate = [&](CScannedVariables*) {
-        host.m_Succeeds = expression.IsValid(host.m_Message, "", 1) != 0;
-    };
-    EXPECT_EQ(expression.IsValid(message, "", 1), 0);
-    EXPECT_EQ(message, 6608u);
-    ExpectNothingLeftBehind();
-}
-
 TEST_F(Nesting, ExceptionOfAHostLeavesNothingBehind)
 {
     HostVariable trouble("Trouble", 1.0);
@@ -237,28 +170,38 @@ TEST_F(Nesting, ExceptionOfAHostLeavesNothingBehind)
     }
 }
 
+TEST_F(Nesting, ExpressionWithoutANameIsNotCheckedInsideItself)
+{
+    HostFormula host("Host", 1.0);
+    m_Set.m_HostFormulas["Host"] = &host;
+    CFmlaExpression expression(m_Set);
+    expression.SetFromEncodedString("2+F(Host)");
+    host.m_OnCalculate = [&](CScannedVariables*) {
+        host.m_Succeeds = expression.IsValid(host.m_Message, "", 1) != 0;
+    };
+    unsigned int message = 0;
+    EXPECT_EQ(expression.IsValid(message, "", 1), 0);
+    EXPECT_EQ(message, 6608u);
+    ExpectNothingLeftBehind();
+}
+
 TEST_F(Nesting, NestedFormulasOKChecksTheLoadedTree)
 {
     Formula("Good", "1");
     CFmlaExpression expression(m_Set);
-    expression.SetFromEncodedString("F(Gone)+T(Absent)");
+    expression.SetFromEncodedString("F(Good)+ABS(T(Gone))");
     EXPECT_EQ(expression.NestedFormulasOK(), 1) << "there is no tree yet";
     EXPECT_EQ(expression.IsValid(), 1);
     expression.SetInvalidPos(4);
     EXPECT_EQ(expression.NestedFormulasOK(), 0);
-    EXPECT_EQ(expression.GetMessageNum(), 6614);
+    EXPECT_EQ(Chain(), "6615 [Formula table : Gone]");
+    EXPECT_EQ(expression.GetMessageNum(), 6615);
     EXPECT_EQ(expression.GetInvalidPos(), 4);
-    EXPECT_EQ(Chain(), "6614 [Formula: Gone]");
-    expression.SetFromEncodedString("F(Good)+ABS(T(Absent))");
-    EXPECT_EQ(expression.IsValid(), 1);
-    EXPECT_EQ(expression.NestedFormulasOK(), 0);
-    EXPECT_EQ(Chain(), "6615 [Formula table : Absent]");
-    Table("Absent", "1000", {"1000", "2000"});
+    Table("Gone", "1000", {"1000", "2000"});
     EXPECT_EQ(expression.NestedFormulasOK(), 1);
-    EXPECT_EQ(expression.CheckNestedFormula(" Good "), 1);
-    EXPECT_EQ(expression.CheckNestedFormula("  Good "), 0);
+    EXPECT_EQ(expression.CheckNestedFormula(" Good ") + expression.CheckNestedFormtbl("Gone"), 2);
+    EXPECT_EQ(expression.CheckNestedFormula("  Good "), 0) << "one blank on either side";
     EXPECT_EQ(Chain(), "6614 [Formula:  Good]");
-    EXPECT_EQ(expression.CheckNestedFormtbl("Absent"), 1);
 }
 
 } // namespace
