@@ -1,9 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <string>
 #include <vector>
@@ -14,6 +11,8 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include "FolderTest.h"
 
 namespace {
 
@@ -36,12 +35,6 @@ std::string Quoted(const std::string& argument)
     for (const char character : argument)
         quoted += character == '\'' ? "'\\''" : std::string(1, character);
     return quoted + "'";
-}
-
-std::string ReadFile(const std::filesystem::path& path)
-{
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 std::string Example(const std::string& name)
@@ -76,21 +69,8 @@ Json Named(const Json& list, const std::string& name)
     return Json::object();
 }
 
-class TovoCalc : public testing::Test {
+class TovoCalc : public FolderTest {
 protected:
-    TovoCalc()
-    {
-        std::string folder = testing::TempDir() + "tovo_calc_XXXXXX";
-        m_Folder = mkdtemp(folder.data());
-    }
-    ~TovoCalc() override { std::filesystem::remove_all(m_Folder); }
-
-    std::string File(const std::string& name, const std::string& content) const
-    {
-        std::ofstream(m_Folder / name, std::ios::binary) << content;
-        return (m_Folder / name).string();
-    }
-
     Outcome Run(const Arguments& arguments) const
     {
         std::string command = Quoted(kProgram);
@@ -127,8 +107,6 @@ protected:
         wait(nullptr);
         return text;
     }
-
-    std::filesystem::path m_Folder;
 };
 
 TEST_F(TovoCalc, RefusesFilesThatAreNoJob)

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <iterator>
 #include <map>
@@ -20,6 +19,7 @@
 #include <gtest/gtest.h>
 
 #include "EditSession.h"
+#include "FolderTest.h"
 #include "JobDocument.h"
 #include "JsonFile.h"
 
@@ -231,34 +231,13 @@ TEST(EditSession, RandomKeysKeepItSound)
     }
 }
 
-std::string ReadFile(const fs::path& path)
-{
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// A folder of its own for each test, for the job file that it edits.
-class TovoEdit : public testing::Test {
+class TovoEdit : public FolderTest {
 protected:
-    TovoEdit()
-    {
-        std::string folder = testing::TempDir() + "tovo_edit_XXXXXX";
-        m_Folder = mkdtemp(folder.data());
-    }
-    ~TovoEdit() override { fs::remove_all(m_Folder); }
-
     fs::path JobPath() const { return m_Folder / "job.json"; }
-    void WriteJob(const std::string& bytes) const
-    {
-        std::ofstream(JobPath(), std::ios::binary) << bytes;
-    }
     JobDocument Open(const std::string& bytes) const
     {
-        WriteJob(bytes);
-        return JobDocument(JobPath().string(), false);
+        return JobDocument(File("job.json", bytes), false);
     }
-
-    fs::path m_Folder;
 };
 
 // A job whose formulas stand as given, with a table that names A in all its places.
@@ -463,7 +442,7 @@ TEST_F(TovoEditScreen, EditsRenamesSavesAndReopens)
     if (std::system("tmux -V >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "there is no tmux";
     const std::string example = TOVO_EXAMPLES "/house-slab.json";
-    WriteJob(ReadFile(example));
+    File("job.json", ReadFile(example));
     Start("screen-256color");
     WaitFor("Slab area                      105");
 
