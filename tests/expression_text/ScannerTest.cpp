@@ -123,10 +123,17 @@ TEST(Scanner, FaultIsReportedAgainAndChangesNothingElse)
 
 TEST(Scanner, StartInsideAStretchReadsItsRestAsText)
 {
-    const CFmlaExprBase expression = Expression("1+ AB +2 C [2,4,0,8,3,1,]");
+    CFmlaExprBase expression = Expression("1+ AB +2 C [2,4,0,8,3,1,]");
     EXPECT_EQ(Scan(expression, TL_ENGLISH, 3), "3:AB@3 8:+@6 4:2@7 1: C @8 end@11");
     EXPECT_EQ(Scan(expression, TL_ENGLISH, 9), "3:C@9 end@11");
     EXPECT_EQ(Scan(expression, TL_ENGLISH, 50), "end@50");
+    // A scan that goes back meets the reference again.
+    CString token;
+    int code = -1;
+    int pos = -1;
+    for (const int start : {7, 2})
+        EXPECT_EQ(expression.FindFirstToken(token, code, pos, start, TL_ENGLISH), 1);
+    EXPECT_EQ(token.ToUtf8(), " AB ");
 }
 
 TEST(Scanner, NoTableLeadsOutsideTheText)

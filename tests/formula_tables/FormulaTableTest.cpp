@@ -121,6 +121,7 @@ TEST_F(FormulaTable, EmptyPlaceIsAFaultAndNoCrash)
     const auto table = Grid(2, 3, "15000", "25000");
     delete table->GetCell(1, 2);
     table->SetCell(1, 2, nullptr);
+    EXPECT_EQ(MessageOfCheck(*table, 0), 10732u);
     for (const int validated : {0, 1}) {
         table->SetValidated(validated);
         m_Set.ErrorTracker().SetError(0, nullptr);

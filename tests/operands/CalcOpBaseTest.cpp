@@ -63,10 +63,10 @@ TEST(Operand, LoadsAndAssignmentsReplaceWhatWasThere)
             Load(other, second.load);
             operand = other;
             EXPECT_EQ(Show(operand), second.shown);
-            Load(other, first.load);
-            EXPECT_EQ(Show(other), first.shown);
-            EXPECT_DOUBLE_EQ(other.m_ConstantValue, first.value);
-            EXPECT_EQ(Show(operand), second.shown);
+            Load(operand, first.load);
+            EXPECT_EQ(Show(operand), first.shown);
+            EXPECT_DOUBLE_EQ(operand.m_ConstantValue, first.value);
+            EXPECT_EQ(Show(other), second.shown);
         }
     }
 }
