@@ -1,99 +1,224 @@
-#include <benchmark/benchmark.h>
+#include "Measure.h"
 
-#include <TovoFormula/TovoFormula.h>
+#include <memory>
 
-// What an expression costs: from its text to its value, again from the tree that was built, and how
-// both grow with the length of the text.
+#include "ExpressionCases.h"
 
+// Single expressions: from a text to its value, again after a variable changed, and how the cost
+// grows with the length of the text.
+
+namespace bench {
 namespace {
 
-constexpr const char* kFiveTokens = "V(Length)*V(Width)+1";
-constexpr const char* kSixtyTokens =
-    "IF(V(Length)>V(Width),ROUND(V(Length)*V(Width)*1.15,2),0)"
-    "+SUM(V(Length)/2,V(Width)*3,MAX(V(Height),2.5),MIN(V(Height),4))"
-    "-POWER(V(Width),2)*(V(Height)-0.25)/12+ABS(V(Length)-40)";
+const std::string kTextToValue = "text to value";
+const std::string kAgain = "again, after a variable changed";
+const std::string kLongSum = "a long sum, each token";
 
-class Job {
-public:
-    Job()
-    {
-        Add(m_Length, u"Length", 12.5);
-        Add(m_Width, u"Width", 8.25);
-        Add(m_Height, u"Height", 2.75);
-    }
-
-    ICalculationSet& Set() { return m_Set; }
-    void Lengthen() { m_Length.SetValue(m_Length.GetValue() + 0.5); }
-
-private:
-    void Add(VariableImpl& variable, const WCHAR* text, double value)
-    {
-        CString name(text);
-        variable.SetName(name);
-        variable.SetValue(value);
-        m_Set.AddVariable(&variable);
-    }
-
-    CalcSetImpl m_Set;
-    VariableImpl m_Length{&m_Set};
-    VariableImpl m_Width{&m_Set};
-    VariableImpl m_Height{&m_Set};
+// What an editor holds of our text: the characters, and the table of the references in them.
+struct TypedText {
+    WideText characters;
+    CWordArray references;
 };
 
-void Load(CFmlaExpression& expression, const CString& encoded)
+TypedText TypedTextOf(CFmlaExpression& expression)
 {
-    expression.SetFromEncodedString(encoded);
+    TypedText typed{WideText(expression.GetTextStr().View()), {}};
+    for (int index = 0; index < expression.NumVars(); ++index) {
+        typed.references.Add(static_cast<WORD>(expression.VarPos(index)));
+        typed.references.Add(static_cast<WORD>(expression.VarLength(index)));
+        typed.references.Add(static_cast<WORD>(expression.VarType(index)));
+    }
+    return typed;
+}
+
+int TokensOf(CFmlaExpression& expression)
+{
+    CString token;
+    int code = 0;
+    int pos = 0;
+    int count = 0;
+    for (int more = expression.FindFirstToken(token, code, pos, 0, TL_LOCAL); more;
+         more = expression.FindNextToken(token, code, pos, TL_LOCAL))
+        ++count;
+    return count;
+}
+
+// What a host does for each value: everything is checked before it is calculated.
+double CheckedValue(CFmlaExpression& expression)
+{
+    static const CString noName;
     unsigned int message = 0;
-    if (!expression.IsValid(message, CString(), 1))
-        std::abort();
+    if (!expression.IsValid(message, noName, 1) || !expression.Calculate(nullptr))
+        Require(false, "message " + std::to_string(message));
+    return expression.GetValue();
 }
 
-void BM_TextToValue(benchmark::State& state, const char* encoded)
-{
-    Job job;
-    CFmlaExpression expression(job.Set());
-    const CString text(encoded);
-    for (auto _ : state) {
-        Load(expression, text);
-        expression.Calculate(nullptr);
-        benchmark::DoNotOptimize(expression.GetValue());
+// A case with all that its measurements use, in every engine.
+class Fixture {
+public:
+    explicit Fixture(const ExpressionCase& expressionCase)
+        : m_Case(expressionCase),
+          m_Ours(StartingInputs()),
+          m_MuParser(StartingInputs()),
+          m_Lua(StartingInputs()),
+          m_Expression(m_Ours.Set()),
+          m_Parser(m_MuParser.MakeParser())
+    {
+        for (std::size_t index = 0; index < kInputCount; ++index)
+            m_Inputs[index] = StartingInputs()[index].value;
+        m_Expression.SetFromEncodedString(m_Case.ours);
+        m_Typed = TypedTextOf(m_Expression);
+        m_Parser.SetExpr(m_Case.muParser);
+        m_Chunk = std::string("return ") + m_Case.lua;
+        m_Function = m_Lua.Keep(m_Chunk);
     }
-}
-BENCHMARK_CAPTURE(BM_TextToValue, five_tokens, kFiveTokens);
-BENCHMARK_CAPTURE(BM_TextToValue, sixty_tokens, kSixtyTokens);
 
-void BM_CalculateAgain(benchmark::State& state, const char* encoded)
-{
-    Job job;
-    CFmlaExpression expression(job.Set());
-    Load(expression, CString(encoded));
-    for (auto _ : state) {
-        job.Lengthen();
-        expression.Calculate(nullptr);
-        benchmark::DoNotOptimize(expression.GetValue());
+    std::string RowName()
+    {
+        return std::to_string(TokensOf(m_Expression)) + " tokens, " + m_Case.what;
     }
-}
-BENCHMARK_CAPTURE(BM_CalculateAgain, five_tokens, kFiveTokens);
-BENCHMARK_CAPTURE(BM_CalculateAgain, sixty_tokens, kSixtyTokens);
 
-// The time for each token stays the same if the cost is linear.
-void BM_TimeAgainstTokens(benchmark::State& state)
+    void TextToValueOurs(benchmark::State& state)
+    {
+        for (auto _ : state)
+            benchmark::DoNotOptimize(ValueOfTypedText());
+    }
+    void TextToValueMuParser(benchmark::State& state)
+    {
+        for (auto _ : state) {
+            m_Parser.SetExpr(m_Case.muParser);
+            benchmark::DoNotOptimize(m_Parser.Eval());
+        }
+    }
+    void TextToValueLua(benchmark::State& state)
+    {
+        for (auto _ : state) {
+            luaL_loadstring(m_Lua.State(), m_Chunk.c_str());
+            benchmark::DoNotOptimize(m_Lua.CallTop());
+        }
+    }
+
+    void AgainOurs(benchmark::State& state)
+    {
+        for (auto _ : state) {
+            m_Ours.SetValue(LENGTH, NextLength());
+            benchmark::DoNotOptimize(CheckedValue(m_Expression));
+        }
+    }
+    void AgainMuParser(benchmark::State& state)
+    {
+        for (auto _ : state) {
+            m_MuParser.SetValue(LENGTH, NextLength());
+            benchmark::DoNotOptimize(m_Parser.Eval());
+        }
+    }
+    void AgainLua(benchmark::State& state)
+    {
+        for (auto _ : state) {
+            m_Lua.SetValue(LENGTH, NextLength());
+            benchmark::DoNotOptimize(m_Lua.Call(m_Function));
+        }
+    }
+    void AgainByHand(benchmark::State& state)
+    {
+        for (auto _ : state) {
+            m_Inputs[LENGTH] = NextLength();
+            benchmark::DoNotOptimize(m_Case.byHand(m_Inputs));
+        }
+    }
+
+    void RequireEqualValues()
+    {
+        for (const double length : kLengths) {
+            m_Ours.SetValue(LENGTH, length);
+            m_MuParser.SetValue(LENGTH, length);
+            m_Lua.SetValue(LENGTH, length);
+            m_Inputs[LENGTH] = length;
+            const double expected = m_Case.byHand(m_Inputs);
+            RequireEqual(ValueOfTypedText(), expected, m_Case.ours);
+            RequireEqual(CheckedValue(m_Expression), expected, m_Case.ours);
+            RequireEqual(m_Parser.Eval(), expected, m_Case.muParser);
+            RequireEqual(m_Lua.Call(m_Function), expected, m_Case.lua);
+        }
+    }
+
+private:
+    double ValueOfTypedText()
+    {
+        m_Expression.SetExpr(CString(WideView(m_Typed.characters)), m_Typed.references);
+        return CheckedValue(m_Expression);
+    }
+    double NextLength()
+    {
+        m_IsSecondLength = !m_IsSecondLength;
+        return kLengths[m_IsSecondLength ? 1 : 0];
+    }
+
+    const ExpressionCase& m_Case;
+    OurJob m_Ours;
+    MuParserJob m_MuParser;
+    LuaJob m_Lua;
+    Inputs m_Inputs{};
+    CFmlaExpression m_Expression;
+    TypedText m_Typed;
+    mu::Parser m_Parser;
+    std::string m_Chunk;
+    int m_Function = 0;
+    bool m_IsSecondLength = false;
+};
+
+struct Measurement {
+    const std::string& section;
+    Engine engine;
+    void (Fixture::*run)(benchmark::State&);
+};
+const Measurement kMeasurements[] = {
+    {kTextToValue, Engine::Ours, &Fixture::TextToValueOurs},
+    {kTextToValue, Engine::MuParser, &Fixture::TextToValueMuParser},
+    {kTextToValue, Engine::Lua, &Fixture::TextToValueLua},
+    {kAgain, Engine::Ours, &Fixture::AgainOurs},
+    {kAgain, Engine::MuParser, &Fixture::AgainMuParser},
+    {kAgain, Engine::Lua, &Fixture::AgainLua},
+    {kAgain, Engine::ByHand, &Fixture::AgainByHand},
+};
+
+WideText SumOf(int tokens)
 {
-    Job job;
-    CFmlaExpression expression(job.Set());
     WideText sum = u"1";
-    for (std::int64_t tokens = 3; tokens <= state.range(0); tokens += 2)
+    for (int count = 3; count <= tokens; count += 2)
         sum += u"+2";
-    const CString text(std::move(sum));
-    for (auto _ : state) {
-        Load(expression, text);
-        expression.Calculate(nullptr);
-        benchmark::DoNotOptimize(expression.GetValue());
-    }
-    state.counters["per_token"] = benchmark::Counter(static_cast<double>(state.range(0)),
-                                                     benchmark::Counter::kIsIterationInvariantRate |
-                                                         benchmark::Counter::kInvert);
+    return sum;
 }
-BENCHMARK(BM_TimeAgainstTokens)->RangeMultiplier(10)->Range(1000, 100000);
+
+void RegisterLongSum(ResultTable& table, const char* row, int tokens)
+{
+    Register(table, kLongSum, row, Engine::Ours, [tokens](benchmark::State& state) {
+        OurJob job({});
+        CFmlaExpression expression(job.Set());
+        const CString text(SumOf(tokens));
+        for (auto _ : state) {
+            expression.SetExpr(text);
+            benchmark::DoNotOptimize(CheckedValue(expression));
+        }
+        NoteParts(state, static_cast<std::size_t>(tokens));
+    });
+}
 
 } // namespace
+
+void RegisterExpressions(ResultTable& table)
+{
+    for (const ExpressionCase& expressionCase : ExpressionCases()) {
+        const auto fixture = std::make_shared<Fixture>(expressionCase);
+        fixture->RequireEqualValues();
+        for (const Measurement& measurement : kMeasurements)
+            Register(table, measurement.section, fixture->RowName(), measurement.engine,
+                     [fixture, run = measurement.run](benchmark::State& state) {
+                         (fixture.get()->*run)(state);
+                     });
+    }
+    RegisterLongSum(table, "1,000 tokens", 1000);
+    RegisterLongSum(table, "100,000 tokens", 100000);
+}
+
+} // namespace bench

@@ -1,0 +1,275 @@
+#include "Measure.h"
+
+#include <malloc.h>
+#include <memory>
+
+#include "Jobs.h"
+
+// Loading and checking ten thousand stored formulas, and the memory that they take. The first row
+// is a job: each formula is kept. The second is what reading alone costs: one object takes all the
+// texts in turn.
+
+namespace bench {
+namespace {
+
+const std::string kLoading = "loading 10,000 formulas, each";
+const std::string kMemory = "memory of a loaded formula";
+const std::string kKept = "kept, an object for each";
+const std::string kInTurn = "one object for all in turn";
+
+constexpr std::size_t kFormulas = 10000;
+constexpr std::size_t kVariables = 50;
+
+// $a, $b and $c stand for variables, $n for a number.
+struct Pattern {
+    const char* ours;
+    const char* muParser;
+    const char* lua;
+};
+constexpr Pattern kPatterns[] = {
+    {"$a*$b+$n", "$a*$b+$n", "return $a*$b+$n"},
+    {"ROUND(($a+$b)*$n-$c/4,2)", "round(($a+$b)*$n-$c/4,2)", "return round(($a+$b)*$n-$c/4,2)"},
+    {"IF($a>$b,$c*$n,$c*1.15)", "$a>$b ? $c*$n : $c*1.15", "return $a>$b and $c*$n or $c*1.15"},
+    {"SUM($a/2,$b*3,MAX($c,$n))-POWER($b,2)*0.25", "sum($a/2,$b*3,max($c,$n))-$b^2*0.25",
+     "return $a/2+$b*3+math.max($c,$n)-$b^2*0.25"},
+};
+
+struct StoredFormula {
+    std::string name;
+    std::string ours;
+    std::string muParser;
+    std::string lua;
+    std::array<std::size_t, 3> variables;
+};
+
+std::vector<NamedValue> Variables()
+{
+    std::vector<NamedValue> variables;
+    for (std::size_t index = 0; index < kVariables; ++index)
+        variables.push_back({"X" + std::to_string(index), 1.5 + static_cast<double>(index)});
+    return variables;
+}
+
+std::string Filled(const std::string& pattern, const std::array<std::string, 3>& names,
+                   const std::string& number)
+{
+    std::string text;
+    for (std::size_t at = 0; at < pattern.size(); ++at) {
+        if (pattern[at] != '$')
+            text += pattern[at];
+        else if (const char letter = pattern[++at]; letter == 'n')
+            text += number;
+        else
+            text += names[static_cast<std::size_t>(letter - 'a')];
+    }
+    return text;
+}
+
+StoredFormula MakeStored(std::size_t number)
+{
+    const std::array<std::size_t, 3> variables = {
+        number % kVariables, (number * 7 + 1) % kVariables, (number * 11 + 2) % kVariables};
+    std::array<std::string, 3> names;
+    std::array<std::string, 3> encoded;
+    for (std::size_t index = 0; index < variables.size(); ++index) {
+        names[index] = "X" + std::to_string(variables[index]);
+        encoded[index] = "V(" + names[index] + ")";
+    }
+    const std::string constant = std::to_string(number) + ".25";
+    const Pattern& pattern = kPatterns[number % std::size(kPatterns)];
+    return {"Formula " + std::to_string(number), Filled(pattern.ours, encoded, constant),
+            Filled(pattern.muParser, names, constant), Filled(pattern.lua, names, constant),
+            variables};
+}
+
+const std::vector<StoredFormula>& StoredFormulas()
+{
+    static const std::vector<StoredFormula> formulas = [] {
+        std::vector<StoredFormula> made;
+        for (std::size_t number = 0; number < kFormulas; ++number)
+            made.push_back(MakeStored(number));
+        return made;
+    }();
+    return formulas;
+}
+
+// Each loader takes all formulas, with all that they need made in the constructor, which is not
+// measured. Value is that of the formula loaded last.
+
+class OurKept {
+public:
+    OurKept() : m_Job(Variables()) { m_Formulas.reserve(kFormulas); }
+
+    void Take(const StoredFormula& stored)
+    {
+        auto formula = std::make_unique<FormulaImpl>(&m_Job.Set());
+        CString name(stored.name);
+        formula->SetName(name);
+        formula->SetFromEncodedString(CString(stored.ours));
+        m_Job.Set().AddFormula(formula.get());
+        unsigned int message = 0;
+        if (!formula->IsValid(message, 1))
+            Require(false, "message " + std::to_string(message));
+        m_Formulas.push_back(std::move(formula));
+    }
+    double Value()
+    {
+        unsigned int message = 0;
+        m_Formulas.back()->Calculate(message, nullptr);
+        return m_Formulas.back()->GetValue();
+    }
+
+private:
+    OurJob m_Job;
+    std::vector<std::unique_ptr<FormulaImpl>> m_Formulas;
+};
+
+class OurInTurn {
+public:
+    OurInTurn() : m_Job(Variables()), m_Expression(m_Job.Set()) {}
+
+    void Take(const StoredFormula& stored)
+    {
+        m_Expression.SetFromEncodedString(CString(stored.ours));
+        unsigned int message = 0;
+        if (!m_Expression.IsValid(message, CString(), 1))
+            Require(false, "message " + std::to_string(message));
+    }
+    double Value()
+    {
+        m_Expression.Calculate(nullptr);
+        return m_Expression.GetValue();
+    }
+
+private:
+    OurJob m_Job;
+    CFmlaExpression m_Expression;
+};
+
+// A parser compiles when it calculates for the first time.
+class MuParserKept {
+public:
+    MuParserKept() : m_Job(Variables()) { m_Parsers.reserve(kFormulas); }
+
+    void Take(const StoredFormula& stored)
+    {
+        auto parser = std::make_unique<mu::Parser>(m_Job.Prototype());
+        for (const std::size_t variable : stored.variables)
+            m_Job.Bind(*parser, variable);
+        parser->SetExpr(stored.muParser);
+        benchmark::DoNotOptimize(parser->Eval());
+        m_Parsers.push_back(std::move(parser));
+    }
+    double Value() { return m_Parsers.back()->Eval(); }
+
+private:
+    MuParserJob m_Job;
+    std::vector<std::unique_ptr<mu::Parser>> m_Parsers;
+};
+
+class MuParserInTurn {
+public:
+    MuParserInTurn() : m_Job(Variables()), m_Parser(m_Job.MakeParser()) {}
+
+    void Take(const StoredFormula& stored)
+    {
+        m_Parser.SetExpr(stored.muParser);
+        benchmark::DoNotOptimize(m_Parser.Eval());
+    }
+    double Value() { return m_Parser.Eval(); }
+
+private:
+    MuParserJob m_Job;
+    mu::Parser m_Parser;
+};
+
+class LuaKept {
+public:
+    LuaKept() : m_Job(Variables()) { m_Functions.reserve(kFormulas); }
+
+    void Take(const StoredFormula& stored) { m_Functions.push_back(m_Job.Keep(stored.lua)); }
+    double Value() { return m_Job.Call(m_Functions.back()); }
+
+private:
+    LuaJob m_Job;
+    std::vector<int> m_Functions;
+};
+
+class LuaInTurn {
+public:
+    LuaInTurn() : m_Job(Variables()) {}
+
+    void Take(const StoredFormula& stored)
+    {
+        lua_settop(m_Job.State(), 0);
+        luaL_loadstring(m_Job.State(), stored.lua.c_str());
+    }
+    double Value() { return m_Job.CallTop(); }
+
+private:
+    LuaJob m_Job;
+};
+
+template <typename Loader>
+void LoadAll(benchmark::State& state)
+{
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto loader = std::make_unique<Loader>();
+        state.ResumeTiming();
+        for (const StoredFormula& stored : StoredFormulas())
+            loader->Take(stored);
+        state.PauseTiming();
+        loader.reset();
+        state.ResumeTiming();
+    }
+    NoteParts(state, kFormulas);
+}
+
+double BytesInUse()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return static_cast<double>(info.uordblks + info.hblkhd);
+}
+
+template <typename Loader>
+double BytesOfEach()
+{
+    Loader loader;
+    const double before = BytesInUse();
+    for (const StoredFormula& stored : StoredFormulas())
+        loader.Take(stored);
+    return (BytesInUse() - before) / kFormulas;
+}
+
+template <typename Ours, typename MuParser, typename Lua>
+void RegisterRow(ResultTable& table, const std::string& row)
+{
+    Ours ours;
+    MuParser muParser;
+    Lua lua;
+    for (std::size_t number = 0; number < 100; ++number) {
+        const StoredFormula& stored = StoredFormulas()[number];
+        ours.Take(stored);
+        muParser.Take(stored);
+        lua.Take(stored);
+        RequireEqual(ours.Value(), muParser.Value(), stored.ours);
+        RequireEqual(lua.Value(), muParser.Value(), stored.lua);
+    }
+    Register(table, kLoading, row, Engine::Ours, LoadAll<Ours>);
+    Register(table, kLoading, row, Engine::MuParser, LoadAll<MuParser>);
+    Register(table, kLoading, row, Engine::Lua, LoadAll<Lua>);
+}
+
+} // namespace
+
+void RegisterLoading(ResultTable& table)
+{
+    RegisterRow<OurKept, MuParserKept, LuaKept>(table, kKept);
+    RegisterRow<OurInTurn, MuParserInTurn, LuaInTurn>(table, kInTurn);
+    table.Note(kMemory, kKept, Engine::Ours, BytesOfEach<OurKept>());
+    table.Note(kMemory, kKept, Engine::MuParser, BytesOfEach<MuParserKept>());
+    table.Note(kMemory, kKept, Engine::Lua, BytesOfEach<LuaKept>());
+}
+
+} // namespace bench

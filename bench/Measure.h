@@ -1,0 +1,50 @@
+#ifndef TOVOFORMULA_BENCH_MEASURE_H
+#define TOVOFORMULA_BENCH_MEASURE_H
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <utility>
+
+#include "ResultTable.h"
+
+namespace bench {
+
+// Each registers its measurements, after it has held the values of the engines against each other.
+void RegisterExpressions(ResultTable& table);
+void RegisterNets(ResultTable& table);
+void RegisterLookups(ResultTable& table);
+void RegisterLoading(ResultTable& table);
+
+// The body takes a benchmark::State and loops over it. A body that does its work on several things
+// in each turn says how many with NoteParts, and the table then shows the time for one of them.
+template <typename Body>
+void Register(ResultTable& table, const std::string& section, const std::string& row, Engine engine,
+              Body body)
+{
+    table.Name(section, row);
+    const std::string name = section + "/" + row + "/" + NameOf(engine);
+    benchmark::RegisterBenchmark(name.c_str(), std::move(body));
+}
+void NoteParts(benchmark::State& state, std::size_t parts);
+
+// Ends the program with the words if a condition does not hold, or if two values are not equal but
+// for the last bits.
+void Require(bool holds, const std::string& words);
+void RequireEqual(double found, double expected, const std::string& words);
+
+// Hands what was measured on to the table.
+class TableReporter : public benchmark::BenchmarkReporter {
+public:
+    explicit TableReporter(ResultTable& table) : m_Table(table) {}
+
+    bool ReportContext(const Context&) override { return true; }
+    void ReportRuns(const std::vector<Run>& runs) override;
+
+private:
+    ResultTable& m_Table;
+};
+
+} // namespace bench
+
+#endif

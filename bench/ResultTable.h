@@ -1,0 +1,44 @@
+#ifndef TOVOFORMULA_BENCH_RESULTTABLE_H
+#define TOVOFORMULA_BENCH_RESULTTABLE_H
+
+#include <array>
+#include <iosfwd>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// Who does the same work: this library, muParser, Lua, and C++ written by hand as the limit.
+enum class Engine { Ours, MuParser, Lua, ByHand };
+inline constexpr std::size_t kEngineCount = 4;
+const char* NameOf(Engine engine);
+
+// One for each engine, empty where it was not measured.
+using Results = std::array<std::optional<double>, kEngineCount>;
+
+// What was measured, printed as one table with ratios and with what is aimed at. A row stands in
+// the section of its name, in the order in which rows are first named. Values are nanoseconds or
+// bytes; of several for one place the least is kept, since noise only adds.
+class ResultTable {
+public:
+    // Gives the row its place in the table.
+    void Name(const std::string& section, const std::string& row);
+    void Note(const std::string& section, const std::string& row, Engine engine, double value);
+    void Print(std::ostream& out) const;
+
+private:
+    struct Row {
+        std::string name;
+        Results results;
+    };
+
+    Row& RowOf(const std::string& section, const std::string& name);
+
+    std::map<std::string, std::vector<Row>> m_Sections;
+};
+
+} // namespace bench
+
+#endif
