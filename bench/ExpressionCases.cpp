@@ -27,15 +27,15 @@ double Diagonal(const Inputs& in)
     return std::sqrt(std::pow(in[LENGTH], 2) + std::pow(in[WIDTH], 2)) * 1.05;
 }
 
-double Discount(const Inputs& in)
-{
-    return (in[COUNT] >= 5 ? 0.06 : in[COUNT] > 1 && in[LENGTH] < 100 ? 0.03 : 0) + in[PRICE];
-}
-
 double Rotated(const Inputs& in)
 {
     const double angle = in[ANGLE] * std::numbers::pi / 180;
     return std::sin(angle) * in[LENGTH] + std::cos(angle) * in[WIDTH] - std::abs(in[HEIGHT] - 40);
+}
+
+double Discount(const Inputs& in)
+{
+    return (in[COUNT] >= 5 ? 0.06 : in[COUNT] > 1 && in[LENGTH] < 100 ? 0.03 : 0) + in[PRICE];
 }
 
 double Bounds(const Inputs& in)
@@ -59,13 +59,13 @@ constexpr ExpressionCase kCases[] = {
      "Length>Width ? Price*0.94 : Price*1.15", "Length>Width and Price*0.94 or Price*1.15", Rate},
     {"powers", "SQRT(POWER(V(Length),2)+POWER(V(Width),2))*1.05", "sqrt(Length^2+Width^2)*1.05",
      "math.sqrt(Length^2+Width^2)*1.05", Diagonal},
-    {"nested choices", "IF(V(Count)>=5,0.06,IF(V(Count)>1 AND V(Length)<100,0.03,0))+V(Price)",
-     "(Count>=5 ? 0.06 : (Count>1 && Length<100 ? 0.03 : 0))+Price",
-     "(Count>=5 and 0.06 or (Count>1 and Length<100 and 0.03 or 0))+Price", Discount},
     {"angles", "SIN(V(Angle))*V(Length)+COS(V(Angle))*V(Width)-ABS(V(Height)-40)",
      "sin(Angle*_pi/180)*Length+cos(Angle*_pi/180)*Width-abs(Height-40)",
      "math.sin(math.rad(Angle))*Length+math.cos(math.rad(Angle))*Width-math.abs(Height-40)",
      Rotated},
+    {"nested choices", "IF(V(Count)>=5,0.06,IF(V(Count)>1 AND V(Length)<100,0.03,0))+V(Price)",
+     "(Count>=5 ? 0.06 : (Count>1 && Length<100 ? 0.03 : 0))+Price",
+     "(Count>=5 and 0.06 or (Count>1 and Length<100 and 0.03 or 0))+Price", Discount},
     {"lists",
      "SUM(V(Length)/2,V(Width)*3,MAX(V(Height),2.5),MIN(V(Price),4))"
      "+AVG(V(Length),V(Width),V(Height))",

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
+#include <iterator>
 #include <ostream>
 #include <sstream>
 
@@ -113,6 +114,18 @@ std::array<std::string, 4> ShownIn(const Results& results, double unit)
     return texts;
 }
 
+// The rows that were not left out by a filter.
+template <typename Rows>
+Rows Measured(const Rows& rows)
+{
+    Rows measured;
+    std::copy_if(rows.begin(), rows.end(), std::back_inserter(measured), [](const auto& row) {
+        return std::any_of(row.results.begin(), row.results.end(),
+                           [](const Value& value) { return value.has_value(); });
+    });
+    return measured;
+}
+
 template <typename Rows>
 Value MeanRatio(const Rows& rows, Engine engine)
 {
@@ -185,7 +198,9 @@ void ResultTable::Print(std::ostream& out) const
         const auto found = m_Sections.find(section.name);
         if (found == m_Sections.end())
             continue;
-        const std::vector<Row>& rows = found->second;
+        const std::vector<Row> rows = Measured(found->second);
+        if (rows.empty())
+            continue;
         out << section.name << ", in " << section.unit << '\n';
         PrintLine(out, "", {"ours", "muParser", "Lua", "C++"}, "ours/muParser", "ours/Lua",
                   section.judged == Judged::Nothing
