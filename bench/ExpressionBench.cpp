@@ -10,10 +10,6 @@
 namespace bench {
 namespace {
 
-const std::string kTextToValue = "text to value";
-const std::string kAgain = "again, after a variable changed";
-const std::string kLongSum = "a long sum, each token";
-
 // The table of the references in a text, as an editor holds it beside the characters.
 CWordArray ReferencesOf(const CFmlaExpression& expression)
 {
@@ -164,7 +160,7 @@ public:
 private:
     double ValueOfTypedText()
     {
-        m_Expression.SetExpr(CString(WideView(m_Typed.Next())), m_References);
+        m_Expression.SetExpr(CString(WideView{m_Typed.Next()}), m_References);
         return CheckedValue(m_Expression);
     }
     double NextLength()
@@ -189,11 +185,11 @@ private:
 };
 
 struct Measurement {
-    const std::string& section;
+    const char* section;
     Engine engine;
     void (Fixture::*run)(benchmark::State&);
 };
-const Measurement kMeasurements[] = {
+constexpr Measurement kMeasurements[] = {
     {kTextToValue, Engine::Ours, &Fixture::TextToValueOurs},
     {kTextToValue, Engine::MuParser, &Fixture::TextToValueMuParser},
     {kTextToValue, Engine::Lua, &Fixture::TextToValueLua},
@@ -219,7 +215,7 @@ void RegisterLongSum(ResultTable& table, const char* row, int tokens)
         Alternating<WideText> text;
         text.Set(SumOf(tokens));
         for (auto _ : state) {
-            expression.SetExpr(CString(WideView(text.Next())));
+            expression.SetExpr(CString(WideView{text.Next()}));
             benchmark::DoNotOptimize(CheckedValue(expression));
         }
         NoteParts(state, static_cast<std::size_t>(tokens));

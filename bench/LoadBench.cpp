@@ -12,8 +12,6 @@
 namespace bench {
 namespace {
 
-const std::string kLoading = "loading 10,000 formulas, each";
-const std::string kMemory = "memory of a loaded formula";
 const std::string kKept = "kept, an object for each";
 const std::string kInTurn = "one object for all in turn";
 

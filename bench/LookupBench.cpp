@@ -12,8 +12,6 @@
 namespace bench {
 namespace {
 
-const std::string kSection = "lookup in a table";
-
 struct Shape {
     int rows;
     int columns;
@@ -133,7 +131,7 @@ void RegisterLookup(ResultTable& results, const Shape& shape, Engine engine)
         for (int column = 0; column < shape.columns; ++column)
             RequireEqual(table->LookUp(LimitAt(index) - 5, LimitAt(column) - 5),
                          CellAt(shape, index, column), "table of " + row);
-    Register(results, kSection, row, engine, [table, shape](benchmark::State& state) {
+    Register(results, kLookup, row, engine, [table, shape](benchmark::State& state) {
         Walk walk(shape);
         for (auto _ : state) {
             walk.Step();

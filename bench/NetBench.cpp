@@ -12,8 +12,6 @@
 namespace bench {
 namespace {
 
-const std::string kSection = "net of 1,000 formulas";
-
 constexpr std::size_t kFormulas = 1000;
 constexpr std::size_t kInputs = 10;
 
@@ -228,7 +226,7 @@ void RegisterNet(ResultTable& table, const Shape& shape, Engine engine)
     NetByHand expected(shape);
     for (const double input : kFirstInput)
         RequireEqual(net->Calculate(input), expected.Calculate(input), shape.row);
-    Register(table, kSection, shape.row, engine, [net](benchmark::State& state) {
+    Register(table, kNet, shape.row, engine, [net](benchmark::State& state) {
         bool isSecond = false;
         for (auto _ : state) {
             isSecond = !isSecond;

@@ -17,9 +17,13 @@ constexpr int kNameWidth = 29;
 constexpr int kColumnWidth = 9;
 constexpr int kRatioWidth = 15;
 
+// Fewer are better looked at one by one.
+constexpr std::size_t kRowsWorthAMean = 4;
+
 enum class Judged { Nothing, EachRow, Mean };
 
-// How a section is shown, and how many times as long as the other engine we may take there.
+// How a section is shown, how many times as long as the other engine we may take there, and how
+// many times as long the second row may take as the first, 0 where that says nothing.
 struct Section {
     const char* name;
     const char* unit;
@@ -27,30 +31,19 @@ struct Section {
     Judged judged;
     Engine against;
     double limit;
+    double growthLimit;
 };
 
 // clang-format off
 constexpr Section kSections[] = {
-    // name                                unit     size  judged            against           limit
-    {"text to value",                      "µs",    1e3,  Judged::EachRow,  Engine::Lua,      1.0},
-    {"again, after a variable changed",    "ns",    1,    Judged::Mean,     Engine::MuParser, 3.0},
-    {"net of 1,000 formulas",              "µs",    1e3,  Judged::EachRow,  Engine::MuParser, 5.0},
-    {"lookup in a table",                  "ns",    1,    Judged::Nothing,  Engine::ByHand,   0},
-    {"loading 10,000 formulas, each",      "µs",    1e3,  Judged::EachRow,  Engine::MuParser, 1.0 / 3},
-    {"memory of a loaded formula",         "bytes", 1,    Judged::Nothing,  Engine::MuParser, 0},
-    {"a long sum, each token",             "ns",    1,    Judged::Nothing,  Engine::MuParser, 0},
-};
-
-// Two rows of a section held against each other: how the cost grows.
-struct Growth {
-    const char* section;
-    const char* row;
-    const char* base;
-    double limit;
-};
-constexpr Growth kGrowths[] = {
-    {"net of 1,000 formulas",  "100 deep, 10 wide", "10 deep, 100 wide", 1.5},
-    {"a long sum, each token", "100,000 tokens",    "1,000 tokens",      1.5},
+    // name        unit     size  judged            against           limit    growth
+    {kTextToValue, "µs",    1e3,  Judged::EachRow,  Engine::Lua,      1.0,     0},
+    {kAgain,       "ns",    1,    Judged::Mean,     Engine::MuParser, 3.0,     0},
+    {kNet,         "µs",    1e3,  Judged::EachRow,  Engine::MuParser, 5.0,     1.5},
+    {kLookup,      "ns",    1,    Judged::Nothing,  Engine::ByHand,   0,       0},
+    {kLoading,     "µs",    1e3,  Judged::EachRow,  Engine::MuParser, 1.0 / 3, 0},
+    {kMemory,      "bytes", 1,    Judged::Nothing,  Engine::MuParser, 0,       0},
+    {kLongSum,     "ns",    1,    Judged::Nothing,  Engine::MuParser, 0,       1.5},
 };
 // clang-format on
 
@@ -115,22 +108,20 @@ std::array<std::string, 4> ShownIn(const Results& results, double unit)
 }
 
 // The rows that were not left out by a filter.
-template <typename Rows>
 Rows Measured(const Rows& rows)
 {
     Rows measured;
-    std::copy_if(rows.begin(), rows.end(), std::back_inserter(measured), [](const auto& row) {
+    std::copy_if(rows.begin(), rows.end(), std::back_inserter(measured), [](const Row& row) {
         return std::any_of(row.results.begin(), row.results.end(),
                            [](const Value& value) { return value.has_value(); });
     });
     return measured;
 }
 
-template <typename Rows>
 Value MeanRatio(const Rows& rows, Engine engine)
 {
     double logarithms = 0;
-    for (const auto& row : rows) {
+    for (const Row& row : rows) {
         const Value ratio = RatioTo(row.results, engine);
         if (!ratio)
             return std::nullopt;
@@ -139,7 +130,6 @@ Value MeanRatio(const Rows& rows, Engine engine)
     return std::exp(logarithms / static_cast<double>(rows.size()));
 }
 
-template <typename Rows>
 void PrintMean(std::ostream& out, const Section& section, const Rows& rows)
 {
     const Value ratio = MeanRatio(rows, section.against);
@@ -149,28 +139,38 @@ void PrintMean(std::ostream& out, const Section& section, const Rows& rows)
               Shown(MeanRatio(rows, Engine::Lua)), verdict);
 }
 
-template <typename Rows>
-const Results* Find(const Rows& rows, const char* name)
+void PrintGrowth(std::ostream& out, const Section& section, const Rows& rows)
 {
-    const auto found =
-        std::find_if(rows.begin(), rows.end(), [&](const auto& row) { return row.name == name; });
-    return found == rows.end() ? nullptr : &found->results;
+    if (section.growthLimit == 0 || rows.size() < 2)
+        return;
+    Results ratios;
+    for (std::size_t engine = 0; engine < kEngineCount; ++engine)
+        ratios[engine] = Ratio(rows[1].results[engine], rows[0].results[engine]);
+    PrintLine(out, "  the second to the first", ShownIn(ratios, 1), "", "",
+              Verdict(At(ratios, Engine::Ours), section.growthLimit));
 }
 
-template <typename Rows>
-void PrintGrowths(std::ostream& out, const Section& section, const Rows& rows)
+void PrintRow(std::ostream& out, const Section& section, const Row& row)
 {
-    for (const Growth& growth : kGrowths) {
-        const Results* const grown = Find(rows, growth.row);
-        const Results* const base = Find(rows, growth.base);
-        if (section.name != std::string(growth.section) || !grown || !base)
-            continue;
-        Results ratios;
-        for (std::size_t engine = 0; engine < kEngineCount; ++engine)
-            ratios[engine] = Ratio((*grown)[engine], (*base)[engine]);
-        PrintLine(out, "  the second to the first", ShownIn(ratios, 1), "", "",
-                  Verdict(At(ratios, Engine::Ours), growth.limit));
-    }
+    const bool isJudged = section.judged == Judged::EachRow;
+    PrintLine(
+        out, "  " + row.name, ShownIn(row.results, section.size),
+        Shown(RatioTo(row.results, Engine::MuParser)), Shown(RatioTo(row.results, Engine::Lua)),
+        isJudged ? Verdict(RatioTo(row.results, section.against), section.limit) : std::string());
+}
+
+void PrintSection(std::ostream& out, const Section& section, const Rows& rows)
+{
+    const bool isJudged = section.judged != Judged::Nothing;
+    out << section.name << ", in " << section.unit << '\n';
+    PrintLine(out, "", {"ours", "muParser", "Lua", "C++"}, "ours/muParser", "ours/Lua",
+              isJudged ? std::string("against ") + NameOf(section.against) : std::string());
+    for (const Row& row : rows)
+        PrintRow(out, section, row);
+    if (rows.size() >= kRowsWorthAMean)
+        PrintMean(out, section, rows);
+    PrintGrowth(out, section, rows);
+    out << '\n';
 }
 
 } // namespace
@@ -196,34 +196,15 @@ void ResultTable::Print(std::ostream& out) const
 {
     for (const Section& section : kSections) {
         const auto found = m_Sections.find(section.name);
-        if (found == m_Sections.end())
-            continue;
-        const std::vector<Row> rows = Measured(found->second);
-        if (rows.empty())
-            continue;
-        out << section.name << ", in " << section.unit << '\n';
-        PrintLine(out, "", {"ours", "muParser", "Lua", "C++"}, "ours/muParser", "ours/Lua",
-                  section.judged == Judged::Nothing
-                      ? ""
-                      : std::string("against ") + NameOf(section.against));
-        for (const Row& row : rows) {
-            const bool isJudged = section.judged == Judged::EachRow;
-            PrintLine(out, "  " + row.name, ShownIn(row.results, section.size),
-                      Shown(RatioTo(row.results, Engine::MuParser)),
-                      Shown(RatioTo(row.results, Engine::Lua)),
-                      isJudged ? Verdict(RatioTo(row.results, section.against), section.limit)
-                               : std::string());
-        }
-        if (rows.size() > 3)
-            PrintMean(out, section, rows);
-        PrintGrowths(out, section, rows);
-        out << '\n';
+        const Rows rows = found == m_Sections.end() ? Rows() : Measured(found->second);
+        if (!rows.empty())
+            PrintSection(out, section, rows);
     }
 }
 
-ResultTable::Row& ResultTable::RowOf(const std::string& section, const std::string& name)
+Row& ResultTable::RowOf(const std::string& section, const std::string& name)
 {
-    std::vector<Row>& rows = m_Sections[section];
+    Rows& rows = m_Sections[section];
     const auto found =
         std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.name == name; });
     if (found != rows.end())

@@ -15,8 +15,23 @@ enum class Engine { Ours, MuParser, Lua, ByHand };
 inline constexpr std::size_t kEngineCount = 4;
 const char* NameOf(Engine engine);
 
+// The sections of the table.
+inline constexpr const char* kTextToValue = "text to value";
+inline constexpr const char* kAgain = "again, after a variable changed";
+inline constexpr const char* kNet = "net of 1,000 formulas";
+inline constexpr const char* kLookup = "lookup in a table";
+inline constexpr const char* kLoading = "loading 10,000 formulas, each";
+inline constexpr const char* kMemory = "memory of a loaded formula";
+inline constexpr const char* kLongSum = "a long sum, each token";
+
 // One for each engine, empty where it was not measured.
 using Results = std::array<std::optional<double>, kEngineCount>;
+
+struct Row {
+    std::string name;
+    Results results;
+};
+using Rows = std::vector<Row>;
 
 // What was measured, printed as one table with ratios and with what is aimed at. A row stands in
 // the section of its name, in the order in which rows are first named. Values are nanoseconds or
@@ -29,14 +44,9 @@ public:
     void Print(std::ostream& out) const;
 
 private:
-    struct Row {
-        std::string name;
-        Results results;
-    };
-
     Row& RowOf(const std::string& section, const std::string& name);
 
-    std::map<std::string, std::vector<Row>> m_Sections;
+    std::map<std::string, Rows> m_Sections;
 };
 
 } // namespace bench
