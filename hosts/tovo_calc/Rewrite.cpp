@@ -39,7 +39,8 @@ std::size_t EqualsBehindName(JobDocument& job, const std::string& renaming)
 
 std::string Describe(const std::string& done, const std::vector<Change>& changes)
 {
-    std::string summary = fmt::format("{}; {} other places changed.\n", done, changes.size());
+    std::string summary = fmt::format("{}; {} other place{} changed.\n", done, changes.size(),
+                                      changes.size() == 1 ? "" : "s");
     for (const Change& change : changes)
         summary += fmt::format("  {}\n    from  {}\n    to    {}\n", Printable(change.place),
                                Printable(change.before), Printable(change.after));

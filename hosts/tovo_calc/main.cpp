@@ -81,10 +81,11 @@ int Run(const Options& options)
         return Rewrite(options);
     Job job(EntriesOf(options), options.isStrict);
     const Facts facts = CalculateJob(job, options.isStaticScan);
-    const TextManner manner{language.DecimalSeparator(), WantsColour()};
-    Print(ReportOn(facts, options, manner));
+    // A file that cannot be written fails the whole run, so it comes before anything is printed.
     if (!options.rtfFile.empty())
         WriteFile(options.rtfFile, RtfDocument(job));
+    const TextManner manner{language.DecimalSeparator(), WantsColour()};
+    Print(ReportOn(facts, options, manner));
     return HasFault(facts) ? kCalculationFailed : kAllCalculated;
 }
 

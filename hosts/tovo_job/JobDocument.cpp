@@ -117,6 +117,8 @@ void JobDocument::Refresh()
 
 std::vector<Change> JobDocument::Effects(std::size_t formula, const std::optional<CString>& newName)
 {
+    if (newName == Formula(formula).GetName())
+        return {};
     Rewriting rewriting(Formula(formula).GetName(), newName);
     for (std::size_t index = 0; index < FormulaCount(); ++index) {
         // A removed formula need not be rewritten, a renamed one may name itself.

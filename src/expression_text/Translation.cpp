@@ -69,9 +69,10 @@ void TranslateToken(const TokenScanner& scanner, const Spelling& from, const Spe
                     Writer& writer)
 {
     const WideView token = scanner.TokenText();
-    if (scanner.TokenCode() == TOK_NUMBER)
+    const WCHAR separator = from.DecimalSeparator();
+    if (scanner.TokenCode() == TOK_NUMBER && separator != to.DecimalSeparator())
         writer.Replace(scanner.TokenPos(), token,
-                       WithSeparator(token, from.DecimalSeparator(), to.DecimalSeparator()));
+                       WithSeparator(token, separator, to.DecimalSeparator()));
     else if (NeedsTranslation(scanner.TokenCode(), from, to))
         writer.Replace(scanner.TokenPos(), token, to.NameOf(scanner.TokenCode()));
 }

@@ -374,13 +374,16 @@ TEST_F(TovoCalc, RenamesOrRemovesAndTellsWhatChanged)
     const char* const rows[][4] = {
         {"--rename", "A=New",
          R"~([{"name":"New","expression":"1"}, {"expression":"2*F(New)","name":"a=b"}])~",
-         "Renamed A to New; 1 other places changed.\n"
+         "Renamed A to New; 1 other place changed.\n"
          "  formula a=b\n    from  2* A \n    to    2* New \n"},
         {"--rename", "a=b=c",
          R"~([{"name":"A","expression":"1"}, {"expression":"2*F(A)","name":"c"}])~",
          "Renamed a=b to c; 0 other places changed.\n"},
+        {"--rename", "A=A",
+         R"~([{"name":"A","expression":"1"}, {"expression":"2*F(A)","name":"a=b"}])~",
+         "Renamed A to A; 0 other places changed.\n"},
         {"--remove", "A", R"~([{"expression":"2*","name":"a=b"}])~",
-         "Removed A; 1 other places changed.\n"
+         "Removed A; 1 other place changed.\n"
          "  formula a=b\n    from  2* A \n    to    2*\n"},
     };
     const std::string job =
@@ -419,6 +422,7 @@ TEST_F(TovoCalc, RichTextIsPlainAscii)
         arguments.back() = m_Folder.string() + "/none/new.rtf";
         const Outcome outcome = Run(arguments);
         EXPECT_EQ(outcome.exitCode, 2) << row.part;
+        EXPECT_EQ(outcome.out, "");
         EXPECT_EQ(outcome.err, "tovo-calc: " + arguments.back() + ": cannot be written\n");
     }
 }
