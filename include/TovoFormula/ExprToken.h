@@ -85,10 +85,13 @@ public:
     int SetNumArgs(int count);
     // Each settles a kind that is RT_ANY; a settled kind never changes. They say whether the kind
     // is now the one given.
-    int SetArgType(int kind);
-    int SetReturnType(int kind);
+    int SetArgType(int kind) { return Settle(m_ArgType, kind); }
+    int SetReturnType(int kind) { return Settle(m_ReturnType, kind); }
     // The kind that the argument must have, counted from 0.
-    int GetTokArgType(int argument) const;
+    int GetTokArgType(int argument) const
+    {
+        return m_Code == TOK_IF && argument == 0 ? static_cast<int>(RT_BOOLEAN) : m_ArgType;
+    }
 
     // The text without one blank at its start and one at its end.
     CString GetName() const;
@@ -110,6 +113,12 @@ protected:
 private:
     friend class tovo::detail::Sequence;
 
+    static int Settle(int& kind, int wanted)
+    {
+        if (kind == RT_ANY)
+            kind = wanted;
+        return kind == wanted ? 1 : 0;
+    }
     int ReadFromOutside(int nested, CScannedVariables* list);
     int ReadVariable(CScannedVariables* list);
     template <typename Object>

@@ -4,9 +4,8 @@
 #include <cstddef>
 #include <memory>
 
+#include <TovoFormula/ExprToken.h>
 #include <TovoPlatform/Collections.h>
-
-class CExprToken;
 
 // A node of an ordered tree.
 //
@@ -31,7 +30,10 @@ public:
 
     int NumChildren() const { return m_Children ? m_Children->GetSize() : 0; }
     // Null, whatever the index, if the node has no children at all.
-    CTree* GetChild(int index) const;
+    CTree* GetChild(int index) const
+    {
+        return m_Children ? static_cast<CTree*>(m_Children->GetAt(index)) : nullptr;
+    }
     // -1 for what is no child.
     int GetChildIndex(const CTree* child) const;
     // Null behind the last child and for what is no child.
@@ -80,7 +82,7 @@ public:
     static void operator delete(void* memory, std::size_t size) noexcept;
 
     CETree* GetParent() const { return static_cast<CETree*>(m_Parent); }
-    CExprToken* GetData() const;
+    CExprToken* GetData() const { return static_cast<CExprToken*>(m_Data); }
     CETree* GetChild(int index) const { return static_cast<CETree*>(CTree::GetChild(index)); }
     CETree* GetNextChild(const CETree* child) const;
     CETree* AddChild(CETree* child);

@@ -134,25 +134,6 @@ int CExprToken::SetNumArgs(int count)
     return m_MinArgs == count ? 1 : 0;
 }
 
-int CExprToken::SetArgType(int kind)
-{
-    if (m_ArgType == RT_ANY)
-        m_ArgType = kind;
-    return m_ArgType == kind ? 1 : 0;
-}
-
-int CExprToken::SetReturnType(int kind)
-{
-    if (m_ReturnType == RT_ANY)
-        m_ReturnType = kind;
-    return m_ReturnType == kind ? 1 : 0;
-}
-
-int CExprToken::GetTokArgType(int argument) const
-{
-    return m_Code == TOK_IF && argument == 0 ? static_cast<int>(RT_BOOLEAN) : m_ArgType;
-}
-
 CString CExprToken::GetName() const
 {
     return tovo::detail::BareName(m_Text);

@@ -14,6 +14,19 @@ constexpr int kCondition = 1;
 constexpr int kIfTrue = 3;
 constexpr int kIfFalse = 5;
 
+// The list of a node's children, which comes and goes with nearly every node.
+class Children : public CObArray {
+public:
+    static void* operator new(std::size_t size)
+    {
+        return tovo::detail::BlockCache<sizeof(CObArray)>::Allocate(size);
+    }
+    static void operator delete(void* memory, std::size_t size) noexcept
+    {
+        tovo::detail::BlockCache<sizeof(CObArray)>::Free(memory, size);
+    }
+};
+
 // Without a calculated condition neither branch is ruled out.
 bool IsRuledOut(const CETree& ifNode, int index)
 {
@@ -39,11 +52,6 @@ CTree::~CTree()
 void CTree::PutData(CObject* data, int)
 {
     m_Data = data;
-}
-
-CTree* CTree::GetChild(int index) const
-{
-    return m_Children ? static_cast<CTree*>(m_Children->GetAt(index)) : nullptr;
 }
 
 int CTree::GetChildIndex(const CTree* child) const
@@ -139,7 +147,7 @@ void CTree::Clear()
 CTree* CTree::InsertChildAt(int index, CTree* child)
 {
     if (!m_Children)
-        m_Children = new CObArray;
+        m_Children = new Children;
     const bool isPlace = index >= 0 && index <= NumChildren();
     m_Children->InsertAt(isPlace ? index : NumChildren(), child);
     return child;
@@ -173,11 +181,6 @@ void* CETree::operator new(std::size_t size)
 void CETree::operator delete(void* memory, std::size_t size) noexcept
 {
     tovo::detail::BlockCache<sizeof(CETree)>::Free(memory, size);
-}
-
-CExprToken* CETree::GetData() const
-{
-    return static_cast<CExprToken*>(m_Data);
 }
 
 CETree* CETree::GetNextChild(const CETree* child) const
