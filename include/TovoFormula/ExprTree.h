@@ -54,7 +54,11 @@ public:
     int IsNumeric() const;
     // Also answers for a single formula or table reference that was loaded with nested 0.
     int IsBoolean() const;
-    double GetValue() const;
+    double GetValue() const
+    {
+        const CExprToken* const root = RootToken();
+        return root && root->IsCalculated() ? root->GetValue() : 0.0;
+    }
 
     // The references in the order of the text, both branches of an IF included. Find gives the
     // first place, or null. Next gives the text (with its blanks) and the code of the reference at

@@ -15,7 +15,6 @@ namespace {
 
 // A list that has been longer than this is searched by an index.
 constexpr std::size_t kShortList = 8;
-constexpr std::size_t kMostSpare = 64;
 
 std::size_t HashOf(const CString& text)
 {
@@ -27,37 +26,38 @@ std::size_t HashOf(const CString& text)
 CStringList::CStringList(int)
 {}
 
-// Each node knows where it stands, so nodes are made anew and not copied.
+// The nodes of a list are linked, so a copy makes its own.
 CStringList::CStringList(const CStringList& other) : CObject(other)
 {
-    for (const Node& node : other.m_Nodes)
-        AddTail(node.text);
+    for (const Node* node = other.m_Head; node; node = node->next)
+        AddTail(node->text);
 }
 
 CStringList& CStringList::operator=(const CStringList& other)
 {
-    // Swapping nodes keeps the places in them, so the copy's places become this list's.
+    // Swapping deques leaves the nodes where they are.
     CStringList copy(other);
     m_Nodes.swap(copy.m_Nodes);
     m_Buckets.swap(copy.m_Buckets);
+    m_Spare = copy.m_Spare;
+    m_Head = copy.m_Head;
+    m_Tail = copy.m_Tail;
+    m_Count = copy.m_Count;
     return *this;
 }
 
 CStringList::~CStringList() = default;
 
-// A place does not say whether its list may be changed, hence the casts here and below; only the
-// operations of a changeable list change anything through one.
 POSITION CStringList::GetHeadPosition() const
 {
-    return IsEmpty() ? nullptr : const_cast<Node*>(&m_Nodes.front());
+    return m_Head;
 }
 
 // The text stays valid after the move, since it lies in its node.
 const CString& CStringList::GetNext(POSITION& position) const
 {
     const Node& node = NodeAt(position);
-    const auto next = std::next(Nodes::const_iterator(node.self));
-    position = next == m_Nodes.end() ? nullptr : const_cast<Node*>(&*next);
+    position = node.next;
     return node.text;
 }
 
@@ -68,12 +68,12 @@ const CString& CStringList::GetAt(POSITION position) const
 
 POSITION CStringList::AddHead(const CString& text)
 {
-    return Insert(m_Nodes.begin(), text);
+    return Insert(m_Head, text);
 }
 
 POSITION CStringList::AddTail(const CString& text)
 {
-    return Insert(m_Nodes.end(), text);
+    return Insert(nullptr, text);
 }
 
 POSITION CStringList::Find(const CString& text) const
@@ -96,34 +96,44 @@ void CStringList::RemoveAt(POSITION position)
     Node& node = NodeAt(position);
     if (IsIndexed())
         TakeFromIndex(node);
-    if (m_Spare.size() >= kMostSpare) {
-        m_Nodes.erase(node.self);
-        return;
-    }
+    (node.previous ? node.previous->next : m_Head) = node.next;
+    (node.next ? node.next->previous : m_Tail) = node.previous;
+    --m_Count;
     node.text.Empty();
-    m_Spare.splice(m_Spare.begin(), m_Nodes, node.self);
+    node.next = std::exchange(m_Spare, &node);
 }
 
 void CStringList::RemoveAll()
 {
     m_Buckets.clear();
     m_Nodes.clear();
+    m_Spare = m_Head = m_Tail = nullptr;
+    m_Count = 0;
 }
 
-// The node learns its own iterator, which lets a place be removed without a search.
-POSITION CStringList::Insert(Nodes::const_iterator before, const CString& text)
+// Null stands for the end.
+POSITION CStringList::Insert(Node* before, const CString& text)
 {
-    if (m_Spare.empty())
-        m_Spare.emplace_back();
-    Node& node = m_Spare.front();
+    Node& node = TakeSpare();
     node.text = text;
-    node.self = m_Spare.begin();
-    m_Nodes.splice(before, m_Spare, node.self);
-    if (m_Nodes.size() > std::max(m_Buckets.size(), kShortList))
+    node.next = before;
+    node.previous = before ? before->previous : m_Tail;
+    (node.previous ? node.previous->next : m_Head) = &node;
+    (before ? before->previous : m_Tail) = &node;
+    if (++m_Count > std::max(m_Buckets.size(), kShortList))
         MakeIndex();
     else if (IsIndexed())
         EnterIntoIndex(node);
     return &node;
+}
+
+CStringList::Node& CStringList::TakeSpare()
+{
+    if (!m_Spare)
+        return m_Nodes.emplace_back();
+    Node& node = *m_Spare;
+    m_Spare = node.next;
+    return node;
 }
 
 void CStringList::EnterIntoIndex(Node& node)
@@ -143,16 +153,17 @@ void CStringList::TakeFromIndex(const Node& node)
 // With room for as many nodes again.
 void CStringList::MakeIndex()
 {
-    m_Buckets.assign(std::bit_ceil(2 * m_Nodes.size()), nullptr);
-    for (Node& node : m_Nodes)
-        EnterIntoIndex(node);
+    m_Buckets.assign(std::bit_ceil(2 * m_Count), nullptr);
+    for (Node* node = m_Head; node; node = node->next)
+        EnterIntoIndex(*node);
 }
 
 POSITION CStringList::FirstOf(const CString& text) const
 {
-    const auto node = std::find_if(m_Nodes.begin(), m_Nodes.end(),
-                                   [&](const Node& each) { return each.text == text; });
-    return node == m_Nodes.end() ? nullptr : const_cast<Node*>(&*node);
+    Node* node = m_Head;
+    while (node && node->text != text)
+        node = node->next;
+    return node;
 }
 
 CStringList::Node& CStringList::NodeAt(POSITION position)

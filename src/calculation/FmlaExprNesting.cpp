@@ -13,6 +13,20 @@ using namespace tovo::detail;
 
 namespace {
 
+template <typename Object>
+int IsSound(Object& object, unsigned int& message)
+{
+    const NestedCall call(object);
+    return object.IsValid(message, 1);
+}
+
+// A stock formula is in the pass of the one that names it.
+int IsSound(IFormulaObj& formula, unsigned int& message)
+{
+    return AsOwn(formula) ? OwnObjects::Validate(formula, message)
+                          : IsSound<IFormulaObj>(formula, message);
+}
+
 struct TreeReference {
     int code;
     CString text; // with its blanks
@@ -83,9 +97,8 @@ int CFmlaExpression::FailMissing(unsigned int message, const CString& missing)
 template <typename Object>
 int CFmlaExpression::CheckFound(Object& object)
 {
-    const NestedCall call(object);
     auto message = static_cast<unsigned int>(m_MessageNum);
-    if (object.IsValid(message, 1))
+    if (IsSound(object, message))
         return 1;
     m_MessageNum = static_cast<int>(message);
     return 0;

@@ -151,12 +151,6 @@ int CExprTree::IsBoolean() const
     return isKnown && root->IsBoolean() ? 1 : 0;
 }
 
-double CExprTree::GetValue() const
-{
-    const CExprToken* const root = RootToken();
-    return root && root->IsCalculated() ? root->GetValue() : 0.0;
-}
-
 POSITION CExprTree::FindFirstVarFmlOrTbl(int) const
 {
     return FirstFrom(m_Root ? m_Root->FindFirstTwig() : nullptr, IsReference);

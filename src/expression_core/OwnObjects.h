@@ -47,6 +47,11 @@ inline const CalcSetImpl* AsOwn(ICalculationSet& calcSet)
 struct OwnObjects {
     static double ValueOf(const VariableImpl& variable) { return variable.m_Value; }
 
+    // Requires: a stock formula, within a pass.
+    static int Validate(IFormulaObj& formula, unsigned int& message)
+    {
+        return static_cast<FormulaImpl&>(formula).Validate(message, 1);
+    }
     static const FormulaMemory& MemoryOf(const FormulaImpl& formula) { return *formula.m_Memory; }
     static const CFmlaExpression& ExpressionOf(const FormulaImpl& formula)
     {

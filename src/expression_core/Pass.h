@@ -131,11 +131,16 @@ public:
     {
         // Nearly every token clears the text, which the stock set can tell is clear already.
         const CalcSetImpl* const own = AsOwn(calcSet);
-        if (!isLeft && text.IsEmpty() && own && !OwnObjects::HasStrError(*own))
+        if (text.IsEmpty() && own && IsClear(*own))
             return;
         isLeft = !text.IsEmpty();
         last = text;
         calcSet.SetStrError(text);
+    }
+    // Whether giving an empty text would change nothing.
+    static bool IsClear(const CalcSetImpl& calcSet)
+    {
+        return !isLeft && !OwnObjects::HasStrError(calcSet);
     }
     // Takes down what was last given.
     static void Keep(CString& text)

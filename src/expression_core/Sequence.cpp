@@ -23,9 +23,9 @@ constexpr std::uint16_t kConditionBegins = kTokenCount;
 constexpr std::uint16_t kConditionEnds = kTokenCount + 1;
 constexpr std::uint16_t kBranchEnds = kTokenCount + 2;
 
-bool IsNested(const CExprToken& token)
+bool IsNested(int code)
 {
-    return token.IsFormula() || token.IsFormtbl();
+    return code == TOK_FORMULA || code == TOK_FORMTBL;
 }
 
 // Whether a walk has to know when it comes by a punctuation.
@@ -37,6 +37,13 @@ bool IsPartOfIf(const CETree& punctuation)
 bool IsComputed(const CExprToken& token)
 {
     return token.IsOperator() || token.IsFunction();
+}
+
+bool RemembersValue(const FormulaImpl& formula)
+{
+    const CFmlaExpression& expression = OwnObjects::ExpressionOf(formula);
+    return !OwnObjects::IsUnderWay(expression) &&
+           OwnObjects::MemoryOf(formula).IsCalculated(OwnObjects::TreeState(expression), nullptr);
 }
 
 // How a set is asked for an object of each kind, and what tells that it would answer as before.
@@ -100,7 +107,8 @@ bool Sequence::IsNeeded(std::size_t completed) const
     const bool isLast = completed + 1 == m_Completed.size();
     if (IsComputed(token)) // A function is closed by its parenthesis and again by what follows.
         return completed == 0 || m_Completed[completed - 1] != node;
-    return token.IsVarValue() || isLast || IsNested(*m_Completed[completed + 1]->GetData());
+    return token.IsVarValue() || isLast ||
+           IsNested(m_Completed[completed + 1]->GetData()->GetCode());
 }
 
 void Sequence::AddStep(std::size_t completed)
@@ -125,8 +133,8 @@ void Sequence::AddStep(std::size_t completed)
         step.second = m_Arguments[step.arguments + 1];
     if (step.numArgs <= 2)
         m_Arguments.resize(step.arguments);
-    if (token.IsVariable() || IsNested(token))
-        m_References.push_back({token.GetName(), 0, nullptr});
+    if (token.IsVariable() || IsNested(token.GetCode()))
+        m_References.emplace_back().name = token.GetName();
     m_Steps.push_back(step);
     if (token.IsPunctuation() && IsPartOfIf(node))
         MarkPartOfIf(node);
@@ -165,31 +173,53 @@ void Sequence::Start()
     m_At = 0;
     m_End = m_StepsInText;
     m_IsInText = true;
-    m_IsStrErrorClear = false;
+    m_HasCalledOut = false;
+    LookAround();
+}
+
+void Sequence::ComeBack()
+{
+    m_HasCalledOut = true;
+    LookAround();
+}
+
+void Sequence::LookAround()
+{
+    m_IsStrErrorClear = m_OwnSet && StrError::IsClear(*m_OwnSet);
+    if (!m_OwnSet)
+        return;
+    m_VariablesState = OwnObjects::VariablesState(*m_OwnSet);
+    m_NestedState = OwnObjects::NestedState(*m_OwnSet);
 }
 
 Sequence::Stop Sequence::Run()
 {
-    for (; m_At < m_End; ++m_At) {
-        const Step& step = m_Steps[m_At];
-        if (step.code == TOK_FORMULA || step.code == TOK_FORMTBL) {
-            if (!ReadRemembered(step))
-                return Stop::Nested;
-        } else if (!Calculate(step)) {
-            return Stop::Failure;
+    for (;;) {
+        GoAtOnce();
+        if (m_At < m_End) {
+            const Step& step = m_Steps[m_At];
+            if (IsNested(step.code)) {
+                if (!ReadRemembered(step))
+                    return Stop::Nested;
+            } else if (!Calculate(step)) {
+                return Stop::Failure;
+            }
+            ++m_At;
+        } else if (std::exchange(m_IsInText, false)) {
+            m_End = m_Steps.size();
+            if (m_HasCalledOut)
+                return Stop::TextEnd;
+        } else {
+            return Stop::End;
         }
     }
-    if (std::exchange(m_IsInText, false)) {
-        m_End = m_Steps.size();
-        return Stop::TextEnd;
-    }
-    return Stop::End;
 }
 
 bool Sequence::Walk(int& ifCount)
 {
     Start();
-    while (m_At < m_Steps.size()) {
+    m_End = m_Steps.size();
+    for (GoAtOnce(); m_At < m_End; GoAtOnce()) {
         const Step& step = m_Steps[m_At];
         switch (step.code) {
         case kConditionBegins:
@@ -203,13 +233,8 @@ bool Sequence::Walk(int& ifCount)
         case kBranchEnds:
             m_At = step.reference;
             break;
-        case TOK_FORMULA:
-        case TOK_FORMTBL:
-            if (!ReadNested())
-                return false;
-            break;
         default:
-            if (!Calculate(step))
+            if (!(IsNested(step.code) ? ReadNested(step) : Calculate(step)))
                 return false;
             ++m_At;
         }
@@ -217,33 +242,80 @@ bool Sequence::Walk(int& ifCount)
     return true;
 }
 
+// Goes on to the first step that fails, that may call an object of a host or a formula, or that a
+// walk has to know of.
+void Sequence::GoAtOnce()
+{
+    if (!m_IsStrErrorClear)
+        return;
+    const Step* step = m_Steps.data() + m_At;
+    const Step* const end = m_Steps.data() + m_End;
+    while (step != end && CalculateAtOnce(*step))
+        ++step;
+    m_At = static_cast<std::size_t>(step - m_Steps.data());
+}
+
+// False, with nothing done, if the step is none of those that GoAtOnce goes over. Requires: the
+// set's text of an error clear.
+inline bool Sequence::CalculateAtOnce(const Step& step)
+{
+    CExprToken& token = *step.token;
+    switch (step.code) {
+    case TOK_PLUS:
+        return Give(token, step.first->m_Value + step.second->m_Value);
+    case TOK_MINUS:
+        return Give(token, step.second ? step.first->m_Value - step.second->m_Value
+                                       : -step.first->m_Value);
+    case TOK_TIMES:
+        return Give(token, step.first->m_Value * step.second->m_Value);
+    case TOK_DIVIDE:
+        return step.second->m_Value != 0.0 &&
+               Give(token, step.first->m_Value / step.second->m_Value);
+    case TOK_GROUP:
+        return Give(token, step.first->m_Value);
+    case TOK_VARIABLE: {
+        const Reference& reference = m_References[step.reference];
+        return reference.variable && reference.state == m_VariablesState &&
+               Give(token, OwnObjects::ValueOf(*reference.variable));
+    }
+    case TOK_FORMULA: {
+        const Reference& reference = m_References[step.reference];
+        return reference.formula && reference.state == m_NestedState &&
+               RemembersValue(*reference.formula) &&
+               OwnObjects::MemoryOf(*reference.formula).LeftStrError().IsEmpty() &&
+               Give(token, OwnObjects::ExpressionOf(*reference.formula).GetValue());
+    }
+    default:
+        return step.numArgs > 0 && ComputeAtOnce(step);
+    }
+}
+
+bool Sequence::ComputeAtOnce(const Step& step)
+{
+    const MathResult result = Compute(step);
+    return result.message == MSG_NONE && result.errorNumber == 0 && Give(*step.token, result.value);
+}
+
 bool Sequence::Calculate(const Step& step)
 {
     if (!m_IsStrErrorClear)
         ClearStrError();
-    switch (step.code) {
-    case TOK_PLUS:
-        return Give(*step.token, step.first->m_Value + step.second->m_Value);
-    case TOK_TIMES:
-        return Give(*step.token, step.first->m_Value * step.second->m_Value);
-    case TOK_GROUP:
-        return Give(*step.token, step.first->m_Value);
-    case TOK_VARIABLE:
+    if (CalculateAtOnce(step))
+        return true;
+    CExprToken& token = *step.token;
+    if (step.code == TOK_VARIABLE)
         return ReadVariable(step);
-    default:
-        break;
-    }
-    if (step.numArgs > 0)
-        return Compute(step);
-    if (!step.token->IsVarValue())
-        return Give(*step.token, step.token->m_Value);
-    m_IsStrErrorClear = m_OwnSet != nullptr;
-    return step.token->Calculate(nullptr, 0, 1, nullptr) != 0;
+    if (step.numArgs == 0 && !token.IsVarValue())
+        return Give(token, token.m_Value);
+    token.m_CalcError = MSG_NONE;
+    const bool isCalculated = step.numArgs > 0 ? token.Conclude(Compute(step)) != 0
+                                               : token.Calculate(nullptr, 0, 1, nullptr) != 0;
+    ComeBack();
+    return isCalculated;
 }
 
-bool Sequence::Compute(const Step& step)
+MathResult Sequence::Compute(const Step& step) const
 {
-    CExprToken& token = *step.token;
     std::array<double, kMaxArguments> args;
     if (step.numArgs <= 2) {
         args[0] = step.first->m_Value;
@@ -252,12 +324,7 @@ bool Sequence::Compute(const Step& step)
         for (std::size_t argument = 0; argument < step.numArgs; ++argument)
             args[argument] = m_Arguments[step.arguments + argument]->m_Value;
     }
-    const MathResult result = detail::Compute(step.code, {args.data(), step.numArgs});
-    if (result.message == MSG_NONE && result.errorNumber == 0)
-        return Give(token, result.value);
-    m_IsStrErrorClear = false;
-    token.m_CalcError = MSG_NONE;
-    return token.Conclude(result) != 0;
+    return detail::Compute(step.code, {args.data(), step.numArgs});
 }
 
 bool Sequence::ReadVariable(const Step& step)
@@ -267,8 +334,9 @@ bool Sequence::ReadVariable(const Step& step)
         return step.token->HardFailure(MSG_NONE) != 0;
     if (const VariableImpl* const own = AsOwn(*variable))
         return Give(*step.token, OwnObjects::ValueOf(*own));
-    m_IsStrErrorClear = false;
-    return Give(*step.token, Pass::ValueOf(*variable));
+    const double value = Pass::ValueOf(*variable);
+    ComeBack();
+    return Give(*step.token, value);
 }
 
 template <typename Object>
@@ -280,6 +348,16 @@ Object* Sequence::Find()
 template IFormulaObj* Sequence::Find<IFormulaObj>();
 template IFormulaTableObj* Sequence::Find<IFormulaTableObj>();
 
+void Sequence::NoteOwn(Reference& reference, IVarObj* variable)
+{
+    reference.variable = variable ? AsOwn(*variable) : nullptr;
+}
+
+void Sequence::NoteOwn(Reference& reference, IFormulaObj* formula)
+{
+    reference.formula = formula ? AsOwn(*formula) : nullptr;
+}
+
 // The stock set can tell whether its names are still the same; any other is asked each time.
 template <typename Object>
 Object* Sequence::Find(const Step& step)
@@ -287,12 +365,16 @@ Object* Sequence::Find(const Step& step)
     Reference& reference = m_References[step.reference];
     if (!m_OwnSet) {
         m_IsStrErrorClear = false;
+        m_HasCalledOut = true;
         return Names<Object>::Ask(m_CalcSet, reference.name);
     }
     const std::uint64_t state = Names<Object>::State(*m_OwnSet);
     if (reference.state != state || state == 0) {
-        reference.object = Names<Object>::Ask(m_CalcSet, reference.name);
+        Object* const object = Names<Object>::Ask(m_CalcSet, reference.name);
+        reference.object = object;
+        NoteOwn(reference, object);
         reference.state = Names<Object>::State(*m_OwnSet);
+        LookAround();
     }
     return static_cast<Object*>(reference.object);
 }
@@ -303,38 +385,41 @@ bool Sequence::ReadRemembered(const Step& step)
 {
     if (step.code != TOK_FORMULA || !m_OwnSet)
         return false;
-    IFormulaObj* const object = Find<IFormulaObj>(step);
-    const FormulaImpl* const formula = object ? AsOwn(*object) : nullptr;
-    if (!formula)
-        return false;
-    const FormulaMemory& memory = OwnObjects::MemoryOf(*formula);
-    const CFmlaExpression& expression = OwnObjects::ExpressionOf(*formula);
-    if (OwnObjects::IsUnderWay(expression) ||
-        !memory.IsCalculated(OwnObjects::TreeState(expression), nullptr))
+    const Reference& reference = m_References[step.reference];
+    if (reference.state != m_NestedState)
+        Find<IFormulaObj>(step);
+    const FormulaImpl* const formula = reference.formula;
+    if (!formula || !RemembersValue(*formula))
         return false;
     if (!m_IsStrErrorClear)
         ClearStrError();
-    StrError::Give(expression.CalcSet(), memory.LeftStrError());
-    m_IsStrErrorClear = memory.LeftStrError().IsEmpty();
+    const CFmlaExpression& expression = OwnObjects::ExpressionOf(*formula);
+    const CString& left = OwnObjects::MemoryOf(*formula).LeftStrError();
+    StrError::Give(expression.CalcSet(), left);
+    m_IsStrErrorClear = left.IsEmpty();
     return Give(*step.token, expression.GetValue());
 }
 
 bool Sequence::ReadNested()
 {
-    const Step& step = m_Steps[m_At];
-    if (ReadRemembered(step)) {
+    const bool isRead = ReadNested(m_Steps[m_At]);
+    if (isRead)
         ++m_At;
+    return isRead;
+}
+
+bool Sequence::ReadNested(const Step& step)
+{
+    LookAround();
+    if ((m_IsStrErrorClear && CalculateAtOnce(step)) || ReadRemembered(step))
         return true;
-    }
     CExprToken& token = *step.token;
     ClearStrError();
-    m_IsStrErrorClear = false;
     token.m_CalcError = MSG_NONE;
     const bool isRead = step.code == TOK_FORMULA
                             ? token.ReadNested(Find<IFormulaObj>(step), nullptr) != 0
                             : token.ReadNested(Find<IFormulaTableObj>(step), nullptr) != 0;
-    if (isRead)
-        ++m_At;
+    ComeBack();
     return isRead;
 }
 

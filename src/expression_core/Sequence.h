@@ -10,7 +10,14 @@
 #include <TovoFormula/TokenCodes.h>
 #include <TovoFormula/Tree.h>
 
+#include "MathFunctions.h"
+
 class CalcSetImpl;
+class FormulaImpl;
+class VariableImpl;
+struct IFormulaObj;
+struct IFormulaTableObj;
+struct IVarObj;
 
 namespace tovo::detail {
 
@@ -25,9 +32,9 @@ namespace tovo::detail {
 // Lives beside its tree and is void with any change of that. Does not own: the set, the tokens.
 class Sequence {
 public:
-    // All tokens are taken, and what is left was done when the text had ended; all is done; the
-    // next token is a formula or a table, which is to be checked first; a token has failed, and has
-    // reported that.
+    // All tokens are taken, and what is left was done when the text had ended, which is passed over
+    // if nothing can have come between; all is done; the next token is a formula or a table, which
+    // is to be checked first; a token has failed, and has reported that.
     enum class Stop { TextEnd, End, Nested, Failure };
 
     explicit Sequence(ICalculationSet& calcSet);
@@ -60,6 +67,7 @@ public:
     const CString& Name() const { return m_References[m_Steps[m_At].reference].name; }
     template <typename Object>
     Object* Find();
+    // Reads it, and goes on behind it.
     bool ReadNested();
 
     // Begins to reenact the sequence up to where it has stopped: because the check of a formula or
@@ -94,23 +102,35 @@ private:
         std::size_t behindCondition = 0;
         std::size_t behindBranch = 0; // 0 if there is no other branch
     };
-    // An object as the stock set last gave it, in that state of its names; state 0 for none.
+    // An object as the stock set last gave it, in that state of its names; state 0 for none. One
+    // of the others is the same object, if it is exactly a stock one.
     struct Reference {
         CString name;
-        std::uint64_t state;
-        void* object;
+        std::uint64_t state = 0;
+        void* object = nullptr;
+        const VariableImpl* variable = nullptr;
+        const FormulaImpl* formula = nullptr;
     };
 
     bool IsNeeded(std::size_t completed) const;
     void AddStep(std::size_t completed);
     void MarkPartOfIf(const CETree& node);
     std::size_t CompletedAt() const { return m_Steps[m_At].completed; }
+    void LookAround();
+    void ComeBack();
+    static void NoteOwn(Reference& reference, IVarObj* variable);
+    static void NoteOwn(Reference& reference, IFormulaObj* formula);
+    static void NoteOwn(Reference&, IFormulaTableObj*) {}
     template <typename Object>
     Object* Find(const Step& step);
+    void GoAtOnce();
+    bool CalculateAtOnce(const Step& step);
+    bool ComputeAtOnce(const Step& step);
     bool Calculate(const Step& step);
-    bool Compute(const Step& step);
+    MathResult Compute(const Step& step) const;
     bool ReadVariable(const Step& step);
     bool ReadRemembered(const Step& step);
+    bool ReadNested(const Step& step);
     static bool Give(CExprToken& token, double value);
     void ClearStrError();
 
@@ -127,6 +147,11 @@ private:
     std::vector<OpenIf> m_OpenIfs; // innermost last
     bool m_IsInText = false;
     bool m_IsFinished = false;
+    bool m_HasCalledOut = false; // an object of a host may have been called since the start
+    // How the set was found when it was last looked at. Whatever may call an object of a host or a
+    // formula looks again. The states are those of a stock set.
+    std::uint64_t m_VariablesState = 0;
+    std::uint64_t m_NestedState = 0;
     bool m_IsStrErrorClear = false;
 
     std::unique_ptr<CETree> m_Tree; // the one that is reenacted

@@ -2,6 +2,7 @@
 #define TOVOPLATFORM_COLLECTIONS_H
 
 #include <cstdint>
+#include <deque>
 #include <iterator>
 #include <list>
 #include <unordered_map>
@@ -128,8 +129,8 @@ public:
     CStringList& operator=(const CStringList& other);
     ~CStringList() override;
 
-    int GetCount() const { return static_cast<int>(m_Nodes.size()); }
-    bool IsEmpty() const { return m_Nodes.empty(); }
+    int GetCount() const { return static_cast<int>(m_Count); }
+    bool IsEmpty() const { return m_Count == 0; }
 
     // Null in an empty list.
     POSITION GetHeadPosition() const;
@@ -148,16 +149,16 @@ public:
     void RemoveAll();
 
 private:
-    struct Node;
-    using Nodes = std::list<Node>;
     struct Node : __POSITION {
         CString text;
-        Nodes::iterator self;
+        Node* previous = nullptr;
+        Node* next = nullptr;
         std::size_t hash = 0;
         Node* nextInBucket = nullptr;
     };
 
-    POSITION Insert(Nodes::const_iterator before, const CString& text);
+    POSITION Insert(Node* before, const CString& text);
+    Node& TakeSpare();
     static Node& NodeAt(POSITION position);
 
     bool IsIndexed() const { return !m_Buckets.empty(); }
@@ -167,8 +168,13 @@ private:
     void MakeIndex();
     POSITION FirstOf(const CString& text) const;
 
-    Nodes m_Nodes;
-    Nodes m_Spare; // some nodes taken out, so that a list used as a stack need not allocate
+    // Nodes never move, and one taken out waits for the next text, so that a list used as a stack
+    // need not allocate.
+    std::deque<Node> m_Nodes;
+    Node* m_Spare = nullptr; // linked by next
+    Node* m_Head = nullptr;
+    Node* m_Tail = nullptr;
+    std::size_t m_Count = 0;
     // An index by hash, each bucket a chain of nodes; none while the list is short. Their number is
     // a power of two.
     std::vector<Node*> m_Buckets;

@@ -2,6 +2,8 @@
 #define TOVOPLATFORM_WIDESTRING_H
 
 #include <compare>
+#include <cstdint>
+#include <cstring>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -120,12 +122,33 @@ TOVO_API CString operator+(const CString& a, const CString& b); // a, and b behi
 TOVO_API CString operator+(const CString& a, WCHAR b);          // likewise
 TOVO_API CString operator+(WCHAR a, const CString& b);          // likewise
 
-// Makes a text a key of the standard library's hashed containers.
+// Makes a text a key of the standard library's hashed containers: four characters at a time are
+// multiplied into the number, the last four once more.
 template <>
 struct std::hash<CString> {
     std::size_t operator()(const CString& text) const noexcept
     {
-        return std::hash<WideView>()(text.View());
+        constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15; // 2^64 by the golden ratio, odd
+        constexpr std::size_t kCharacters = sizeof(std::uint64_t) / sizeof(WCHAR);
+        const WideView view = text.View();
+        if (view.empty())
+            return 0;
+        std::uint64_t mixed = view.size();
+        const auto mix = [&](const WCHAR* characters, std::size_t count) {
+            std::uint64_t part = 0;
+            std::memcpy(&part, characters, count * sizeof(WCHAR));
+            mixed = (mixed ^ part) * kFactor;
+            mixed ^= mixed >> 32;
+        };
+        if (view.size() < kCharacters) {
+            mix(view.data(), view.size());
+            return static_cast<std::size_t>(mixed);
+        }
+        const WCHAR* const last = view.data() + view.size() - kCharacters;
+        for (const WCHAR* at = view.data(); at < last; at += kCharacters)
+            mix(at, kCharacters);
+        mix(last, kCharacters);
+        return static_cast<std::size_t>(mixed);
     }
 };
 
