@@ -3,23 +3,24 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <string_view>
+#include <map>
+#include <utility>
 
 #include "MarkdownTable.h"
 
 namespace tovo::test {
 namespace {
 
-constexpr int kNoReference = -1;
+const std::map<std::string, int> kReferences = {{"variable", TOK_VARIABLE},
+                                                {"formula", TOK_FORMULA},
+                                                {"missing formula", TOK_FORMULA},
+                                                {"table", TOK_FORMTBL},
+                                                {"missing table", TOK_FORMTBL}};
 
-int KindOf(const std::string& kind)
-{
-    if (kind.ends_with("variable"))
-        return TOK_VARIABLE;
-    if (kind.ends_with("formula"))
-        return TOK_FORMULA;
-    return kind.ends_with("table") ? static_cast<int>(TOK_FORMTBL) : kNoReference;
-}
+const std::map<std::string, void (CalcSetImpl::*)(double)> kJobValues = {
+    {"DURATION", &CalcSetImpl::SetDuration},
+    {"JOBSIZE", &CalcSetImpl::SetJobSize},
+    {"QUANTITY", &CalcSetImpl::SetQuantity}};
 
 double NumberIn(const std::string& cell)
 {
@@ -46,25 +47,26 @@ std::string MessageText(unsigned int message)
 
 void DocumentJob::MakeJob(const std::string& document)
 {
-    m_Set.ReportDomainErrors();
-    const auto rows = RowsOfTables(document, {"Name", "Kind", "Value"});
-    ASSERT_FALSE(rows.empty());
-    for (const auto& row : rows)
-        if (const int kind = KindOf(row.cells.at(1)); kind != kNoReference)
-            m_Names.push_back({CString(" " + row.cells.at(0) + " "), kind});
+    std::vector<std::pair<FormulaImpl*, std::string>> formulas;
+    for (const auto& row : RowsOfTables(document, {"Name", "Kind", "Value"})) {
+        const CString name(row.cells.at(0));
+        const std::string& kind = row.cells.at(1);
+        const std::string& value = row.cells.at(2);
+        if (kind == "job value") {
+            (m_Set.*kJobValues.at(row.cells[0]))(NumberIn(value));
+            continue;
+        }
+        m_Names.push_back({u" " + name + u" ", kReferences.at(kind)});
+        if (kind == "variable")
+            Var(name, NumberIn(value));
+        else if (kind == "formula")
+            formulas.emplace_back(&Formula(name, CString()), value);
+    }
     std::sort(m_Names.begin(), m_Names.end(), [](const Name& a, const Name& b) {
         return a.stretch.GetLength() > b.stretch.GetLength();
     });
-    for (const auto& row : rows) {
-        const std::string& kind = row.cells.at(1);
-        const std::string& value = row.cells.at(2);
-        if (kind == "variable")
-            Var(CString(row.cells[0]), NumberIn(value));
-        else if (kind == "formula")
-            Type(Formula(CString(row.cells[0]), CString()).GetExpression(), value);
-        else if (kind == "job value")
-            SetJobValue(row.cells[0], NumberIn(value));
-    }
+    for (const auto& [formula, text] : formulas)
+        Type(formula->GetExpression(), text);
 }
 
 void DocumentJob::Type(CFmlaExprBase& expression, const std::string& text) const
@@ -91,16 +93,6 @@ Outcome DocumentJob::OutcomeOf(const std::string& text)
     if (expression.IsValid(message, CString(), 1) && expression.Calculate(nullptr))
         return {MSG_NONE, expression.GetInvalidPos(), ShownValue(expression)};
     return {static_cast<unsigned int>(expression.GetMessageNum()), expression.GetInvalidPos(), ""};
-}
-
-void DocumentJob::SetJobValue(const std::string& name, double value)
-{
-    if (name == "DURATION")
-        m_Set.SetDuration(value);
-    else if (name == "JOBSIZE")
-        m_Set.SetJobSize(value);
-    else
-        m_Set.SetQuantity(value);
 }
 
 } // namespace tovo::test

@@ -18,12 +18,11 @@ struct Outcome {
 };
 
 // A job as a document shows it, in the table | Name | Kind | Value |. An expression stands there as
-// a person sees it: a name with a blank on either side is a reference.
+// a person sees it: a name of the job with a blank on either side is a reference.
 class DocumentJob : public Job {
 protected:
+    // Of a table, and of what is missing, only the name is taken.
     void MakeJob(const std::string& document);
-
-    // Turns the names of the job in the text into references.
     void Type(CFmlaExprBase& expression, const std::string& text) const;
     // Checks and calculates. A value has ten digits at the most, or is yes or no.
     Outcome OutcomeOf(const std::string& text);
@@ -33,8 +32,6 @@ private:
         CString stretch;
         int kind;
     };
-
-    void SetJobValue(const std::string& name, double value);
 
     std::vector<Name> m_Names; // the longest first
 };
