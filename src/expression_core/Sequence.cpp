@@ -167,11 +167,12 @@ void Sequence::MarkPartOfIf(const CETree& node)
     }
 }
 
-void Sequence::Start()
+void Sequence::Start(bool isWalk)
 {
     m_OwnSet = AsOwn(m_CalcSet);
     m_At = 0;
     m_End = m_StepsInText;
+    m_IsWalk = isWalk;
     m_IsInText = true;
     m_HasCalledOut = false;
     LookAround();
@@ -217,7 +218,7 @@ Sequence::Stop Sequence::Run()
 
 bool Sequence::Walk(int& ifCount)
 {
-    Start();
+    Start(true);
     m_End = m_Steps.size();
     for (GoAtOnce(); m_At < m_End; GoAtOnce()) {
         const Step& step = m_Steps[m_At];
@@ -285,6 +286,15 @@ inline bool Sequence::CalculateAtOnce(const Step& step)
                OwnObjects::MemoryOf(*reference.formula).LeftStrError().IsEmpty() &&
                Give(token, OwnObjects::ExpressionOf(*reference.formula).GetValue());
     }
+    case TOK_IF: {
+        const bool hasOther = step.numArgs > 2;
+        const double other = hasOther ? m_Arguments[step.arguments + 2]->m_Value : 0.0;
+        return Give(token, step.first->m_Value != 0.0 ? step.second->m_Value : other);
+    }
+    case kConditionBegins:
+    case kConditionEnds:
+    case kBranchEnds:
+        return !m_IsWalk;
     default:
         return step.numArgs > 0 && ComputeAtOnce(step);
     }

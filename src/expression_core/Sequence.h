@@ -53,7 +53,8 @@ public:
     void Finish();
     bool IsFinished() const { return m_IsFinished; }
 
-    void Start();
+    // To run, or to walk.
+    void Start(bool isWalk = false);
     // Goes on to the next stop.
     Stop Run();
     // Calculates what a walk of the tree calculates: checks no reference and leaves out the branch
@@ -145,6 +146,7 @@ private:
     std::size_t m_At = 0;          // the present step
     std::size_t m_End = 0;         // where to stop
     std::vector<OpenIf> m_OpenIfs; // innermost last
+    bool m_IsWalk = false;
     bool m_IsInText = false;
     bool m_IsFinished = false;
     bool m_HasCalledOut = false; // an object of a host may have been called since the start
