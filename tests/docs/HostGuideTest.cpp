@@ -1,0 +1,353 @@
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <TovoFormula/TovoFormula.h>
+#include <TovoPlatform/LocaleSettings.h>
+#include <TovoPlatform/StringResources.h>
+#include <support/Dump.h>
+
+#include "MarkdownTable.h"
+
+// The lines between "[guide: ...]" and "[end]" are those of the code blocks of docs/host-guide.md.
+
+namespace tovo::test {
+
+namespace {
+
+template <typename Object>
+Object& Named(Object& object, CString name)
+{
+    object.SetName(name);
+    return object;
+}
+
+void Put(CalcSetImpl& job, VariableImpl& variable, const CString& name, double value)
+{
+    variable.SetValue(value);
+    job.AddVariable(&Named(variable, name));
+}
+
+void Put(CalcSetImpl& job, FormulaImpl& formula, const CString& name, const CString& encoded)
+{
+    formula.SetFromEncodedString(encoded);
+    job.AddFormula(&Named(formula, name));
+}
+
+// Without the indentation that all lines of the region share, which is that of its first line.
+std::vector<std::string> RegionsOf(const std::string& source)
+{
+    std::vector<std::string> regions;
+    std::istringstream lines(source);
+    std::string line;
+    bool isInside = false;
+    std::size_t indentation = 0;
+    while (std::getline(lines, line)) {
+        const std::size_t start = std::min(line.find_first_not_of(' '), line.size());
+        if (line.compare(start, 10, "// [guide:") == 0) {
+            isInside = true;
+            indentation = start;
+            regions.emplace_back();
+        } else if (line.compare(start, 8, "// [end]") == 0) {
+            isInside = false;
+        } else if (isInside) {
+            regions.back() += line.substr(std::min(indentation, line.size())) + "\n";
+        }
+    }
+    return regions;
+}
+
+TEST(HostGuide, CodeIsWhatIsCompiledHere)
+{
+    std::vector<std::string> blocks = CodeBlocks(ReadDocument("host-guide.md"), "cpp");
+    std::vector<std::string> regions = RegionsOf(ReadDocument("../tests/docs/HostGuideTest.cpp"));
+    std::sort(blocks.begin(), blocks.end());
+    std::sort(regions.begin(), regions.end());
+    EXPECT_EQ(blocks, regions);
+    EXPECT_GE(blocks.size(), 10u);
+}
+
+TEST(HostGuide, FirstCalculation)
+{
+    // [guide: start]
+    InitTovoFormulaDLL(0); // once, before the first expression
+
+    CalcSetImpl job;
+    VariableImpl width(&job);
+    CString name = u"Width";
+    width.SetName(name);
+    width.SetValue(2.5);
+    job.AddVariable(&width); // by the name that it has now
+    job.SetQuantity(3);
+
+    FormulaImpl area(&job);
+    name = u"Area";
+    area.SetName(name);
+    area.SetFromEncodedString("V(Width)*QUANTITY");
+    job.AddFormula(&area);
+
+    unsigned int message = MSG_NONE;
+    const double value = area.Calculate(message, nullptr) ? area.GetValue() : 0.0; // 7.5
+    // [end]
+    EXPECT_EQ(value, 7.5);
+}
+
+TEST(HostGuide, TypingAndMarking)
+{
+    CalcSetImpl job;
+    VariableImpl width(&job);
+    Put(job, width, u"Width", 2.5);
+    // [guide: typing]
+    CFmlaExpression typed(job);
+    typed.InsertString(u"2*(+1", 0);
+    typed.InsertVariable(u"Width", 3, TOK_VARIABLE); // 2*( Width +1
+    const int cursor = typed.FixPos(6, FD_LEFT);     // 3: never inside a reference
+    // [end]
+    EXPECT_EQ(typed.GetTextStr().ToUtf8() + typed.GetPtrStr().ToUtf8(), "2*( Width +13,7,0,");
+    EXPECT_EQ(cursor, 3);
+    EXPECT_EQ(typed.InsertString(u"x", 6), 0);
+    std::string shown;
+    // [guide: marking]
+    unsigned int message = MSG_NONE;
+    if (!typed.IsValid(message, u"Total", 1)) {
+        CString words;
+        words.LoadString(message);
+        shown = words.ToUtf8();                         // Right parenthesis expected.
+        shown += std::to_string(typed.GetInvalidPos()); // 11, the place of the 1
+    }
+    // [end]
+    EXPECT_EQ(shown, "Right parenthesis expected.11");
+    // [guide: delete]
+    int wholeReference = 0;
+    typed.DeleteChars(3, 3, &wholeReference); // the Delete key: 2*(+1
+    // [end]
+    EXPECT_EQ(wholeReference, 1);
+    EXPECT_EQ(typed.GetTextStr().ToUtf8(), "2*(+1");
+    EXPECT_EQ(typed.NumVars(), 0);
+}
+
+TEST(HostGuide, Chain)
+{
+    CalcSetImpl job;
+    FormulaImpl inner(&job), outer(&job);
+    Put(job, inner, u"Inner", "1+*2");
+    Put(job, outer, u"Outer", "2*F(Inner)");
+    std::string chain;
+    // [guide: chain]
+    unsigned int message = MSG_NONE;
+    if (!outer.IsValid(message, 1)) { // 6628, unexpected operator
+        const CCalcErrorTracker& tracker = job.ErrorTracker();
+        for (int index = 0; index < tracker.NumObjs(); ++index)
+            chain += tracker.GetStr(index).ToUtf8() + "; ";
+    } // token: *; Formula: Inner; Formula: Outer;
+    // [end]
+    EXPECT_EQ(message, MSG_UNEXPECTED_OPERATOR);
+    EXPECT_EQ(chain, "token: *; Formula: Inner; Formula: Outer; ");
+    EXPECT_EQ(outer.GetExpression().GetInvalidPos() * 10 + inner.GetExpression().GetInvalidPos(),
+              22);
+}
+
+TEST(HostGuide, PlacesAreThoseOfTheTable)
+{
+    CalcSetImpl job;
+    for (const MarkdownRow& row :
+         RowsOfTables(ReadDocument("host-guide.md"),
+                      {"Encoded string", "Message", "Place", "What it marks"})) {
+        CFmlaExpression expression(job);
+        expression.SetFromEncodedString(CString(row.cells[0]));
+        unsigned int message = MSG_NONE;
+        EXPECT_EQ(expression.IsValid(message, u"Total", 1), 0) << row.line;
+        EXPECT_EQ(std::to_string(message), row.cells[1]) << row.line;
+        EXPECT_EQ(std::to_string(expression.GetInvalidPos()), row.cells[2]) << row.line;
+    }
+}
+
+TEST(HostGuide, DerivedSet)
+{
+    // [guide: set]
+    class Shop : public CalcSetImpl {
+    public:
+        int GetReportFcnDomainErrors() override { return 1; } // 1/0 is an error, not 0
+        int HasDatabase() override { return 1; }              // operands may refer to formulas
+    };
+    // [end]
+    CalcSetImpl job;
+    Shop shop;
+    CFmlaExpression tolerant(job), strict(shop);
+    for (CFmlaExpression* expression : {&tolerant, &strict})
+        expression->SetExpr(u"IF(NO,1/0,2)");
+    EXPECT_EQ(tolerant.IsValid(), 1);
+    EXPECT_EQ(strict.IsValid(), 0);
+    EXPECT_EQ(strict.GetMessageNum(), 6604);
+
+    FormulaImpl area(&shop);
+    Put(shop, area, u"Area", "7");
+    // [guide: operand]
+    CalculationOperand operand(shop);
+    operand.LoadEncodedExpression("F(Area)"); // one reference, so no expression
+    const bool done = operand.IsFormula() && operand.Calculate();
+    area.SetCalculated(1); // the host says that the value of its formula is current
+    const double value = done ? operand.GetValue() : 0.0; // 7
+    // [end]
+    EXPECT_EQ(value, 7.0);
+    area.SetCalculated(0);
+    EXPECT_EQ(operand.GetValue(), 0.0);
+}
+
+TEST(HostGuide, Dependencies)
+{
+    CalcSetImpl job;
+    VariableImpl width(&job), length(&job), limit(&job);
+    Put(job, width, u"Width", 1);
+    Put(job, length, u"Length", 1);
+    Put(job, limit, u"Limit", 5);
+    FormulaImpl price(&job);
+    Put(job, price, u"Price", "IF(V(Width)>V(Limit),V(Length),QUANTITY)");
+    std::string found;
+    // [guide: scan]
+    unsigned int message = MSG_NONE;
+    if (!price.IsValid(message, 1)) // a scan walks the tree that a check has built
+        return;
+    CScannedVariables met;
+    job.StartNewPass();
+    price.GetVariables(met, 0, 1); // what a calculation reaches; 1, 1 for the whole text
+    const CStringList& names = met.VariableList();
+    for (POSITION place = names.GetHeadPosition(); place;) {
+        const CString& name = names.GetNext(place);
+        found += name.ToUtf8() + (job.GetVarObj(name, 1, 0)->InCond() ? "* " : " ");
+    } // Width* Limit*
+    // [end]
+    EXPECT_EQ(found, "Width* Limit* ");
+    EXPECT_EQ(met.QuantityScanned(), 1);
+    CScannedVariables all;
+    price.GetVariables(all, 1, 1);
+    EXPECT_EQ(all.VariableList().GetCount(), 3);
+    EXPECT_EQ(all.QuantityScanned(), 0) << "a static scan records names alone";
+}
+
+TEST(HostGuide, TableAndPass)
+{
+    CalcSetImpl job;
+    VariableImpl weight(&job);
+    Put(job, weight, u"Weight", 3.2);
+    FormulaImpl postage(&job);
+    Put(job, postage, u"Postage", "T(Rate)*2");
+    // [guide: table]
+    FormulaTableImpl rate(&job, 2, 1); // up to 5 kg, and above
+    CString name = u"Rate";
+    rate.SetName(name);
+    rate.GetRowSelector().SetVariable(u"Weight");
+    rate.SetRowLimit(0, 5);
+    rate.SetRowLimit(1, 20); // must rise, though everything above 5 falls here
+    rate.SetCell(0, 0, new CFormtblElem("4500", job)); // 4.5, in thousandths
+    rate.SetCell(1, 0, new CFormtblElem("VWeight", job));
+    job.AddFormulaTable(&rate);
+    // [end]
+    unsigned int message = MSG_NONE;
+    EXPECT_EQ(postage.Calculate(message, nullptr), 1);
+    EXPECT_EQ(postage.GetValue(), 9.0);
+    // [guide: pass]
+    weight.SetValue(30);
+    postage.Calculate(message, nullptr);
+    const double before = postage.GetValue(); // 9: the table answers from its flag
+    job.StartNewPass();
+    postage.Calculate(message, nullptr);
+    const double after = postage.GetValue(); // 60
+    // [end]
+    EXPECT_EQ(before, 9.0);
+    EXPECT_EQ(after, 60.0);
+}
+
+TEST(HostGuide, Renaming)
+{
+    CalcSetImpl job;
+    FormulaImpl area(&job), cost(&job);
+    Put(job, area, u"Area", "7");
+    Put(job, cost, u"Cost", "F(Area)*V(Area)");
+    std::vector<FormulaImpl*> formulas{&area, &cost};
+    // [guide: rename]
+    CString newName = u"Floor area";
+    area.SetName(newName);
+    job.AddFormula(&area); // the entry under the old name stays until the set is made anew
+    for (FormulaImpl* formula : formulas)
+        formula->GetExpression().ChangeFormulaInExpression(u"Area", newName);
+    // [end]
+    EXPECT_EQ(cost.GetExpression().GetEncodedString().ToUtf8(), "F(Floor area)*V(Area)");
+    EXPECT_EQ(job.GetFormulaObj(u"Area"), job.GetFormulaObj(newName));
+}
+
+TEST(HostGuide, OwnVariable)
+{
+    // [guide: own]
+    class Clock : public IVarObj {
+    public:
+        CString& GetName() override { return m_Name; }
+        void SetName(CString& name) override { m_Name = name; }
+        double GetValue() override { return ++m_Seconds; } // asked at each place that names it
+        void SetValue(double) override {}
+        void SetInCond(int inCondition) override { m_InCond = inCondition; }
+        bool IsNumeric() override { return true; }
+        bool IsBoolean() override { return false; }
+        CString& GetUnit(long) override { return m_Unit; }
+        int InCond() override { return m_InCond; }
+        VALUETYPE GetType() override { return VALUE_NUMERIC; }
+
+    private:
+        CString m_Name = u"Clock";
+        CString m_Unit = u"s";
+        double m_Seconds = 0;
+        int m_InCond = 0;
+    };
+
+    class Plant : public CalcSetImpl {
+    public:
+        IVarObj* GetVarObj(CExString name, int flag, long key) override
+        {
+            return name == m_Clock.GetName() ? &m_Clock : CalcSetImpl::GetVarObj(name, flag, key);
+        }
+
+    private:
+        Clock m_Clock;
+    };
+    // [end]
+    Plant plant;
+    CFmlaExpression expression(plant);
+    expression.SetFromEncodedString("V(Clock)-V(Clock)+V(Unknown)");
+    EXPECT_EQ(expression.IsValid(), 1);
+    EXPECT_EQ(expression.GetValue(), -1.0);
+}
+
+TEST(HostGuide, German)
+{
+    CalcSetImpl job;
+    CFmlaExpression typed(job);
+    std::string shown;
+    {
+        // [guide: language]
+        static constexpr AfxStringResource kGerman[] = {{6649, u"WENN"}, {6681, u"JA"}};
+        AFX_EXTENSION_MODULE record;
+        AfxInitExtensionModule(record, kGerman, std::size(kGerman));
+        const CDynLinkLibrary german(record); // in force as long as it lives
+        SetLocaleSetting(LOCALE_SDECIMAL, u",");
+        SetLocaleSetting(LOCALE_SLIST, u";");
+        CFmlaExprBase::ReInitExprNames();
+
+        typed.SetFromEncodedString("IF(YES,1.5,2)");
+        shown = typed.GetTextStr().ToUtf8(); // WENN(JA;1,5;2)
+        // [end]
+        EXPECT_EQ(typed.IsValid(), 1);
+        EXPECT_EQ(typed.GetEncodedString().ToUtf8(), "IF(YES,1.5,2)");
+    }
+    SetLocaleSetting(LOCALE_SDECIMAL, CString());
+    SetLocaleSetting(LOCALE_SLIST, CString());
+    CFmlaExprBase::ReInitExprNames();
+    EXPECT_EQ(shown, "WENN(JA;1,5;2)");
+    EXPECT_EQ(typed.IsValid(), 0) << "a text of another language";
+}
+
+} // namespace
+
+} // namespace tovo::test
