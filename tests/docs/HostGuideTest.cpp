@@ -153,9 +153,10 @@ TEST(HostGuide, Chain)
 TEST(HostGuide, PlacesAreThoseOfTheTable)
 {
     CalcSetImpl job;
-    for (const MarkdownRow& row :
-         RowsOfTables(ReadDocument("host-guide.md"),
-                      {"Encoded string", "Message", "Place", "What it marks"})) {
+    const std::vector<MarkdownRow> rows = RowsOfTables(
+        ReadDocument("host-guide.md"), {"Encoded string", "Message", "Place", "What it marks"});
+    EXPECT_FALSE(rows.empty());
+    for (const MarkdownRow& row : rows) {
         CFmlaExpression expression(job);
         expression.SetFromEncodedString(CString(row.cells[0]));
         unsigned int message = MSG_NONE;
@@ -178,7 +179,7 @@ TEST(HostGuide, DerivedSet)
     Shop shop;
     CFmlaExpression tolerant(job), strict(shop);
     for (CFmlaExpression* expression : {&tolerant, &strict})
-        expression->SetExpr(u"IF(NO,1/0,2)");
+        expression->SetFromEncodedString("IF(V(x)=0,0,1/V(x))");
     EXPECT_EQ(tolerant.IsValid(), 1);
     EXPECT_EQ(strict.IsValid(), 0);
     EXPECT_EQ(strict.GetMessageNum(), 6604);
