@@ -112,7 +112,8 @@ private:
     bool InsertOperator(std::unique_ptr<CExprToken>& token);
     bool InsertBelow(std::unique_ptr<CExprToken>& token);
     int RaiseWrongKind(int index);
-    int CheckArgumentCount(int& numArgs);
+    int CheckArgumentCount();
+    int CalcFromChildren(CScannedVariables* list);
     bool CollectArguments(double* args, int numArgs) const;
     bool CompleteUpToRoot();
     int CalculateActiveNode(CScannedVariables* list);

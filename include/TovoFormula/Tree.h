@@ -65,6 +65,10 @@ protected:
     CTree* InsertNewChildAt(int index, std::unique_ptr<CTree> child);
     CTree* InsertNodeAbove(std::unique_ptr<CTree> node);
 
+private:
+    void ClearChildren();
+
+protected:
     CTree* m_Parent;
     CObArray* m_Children = nullptr; // null until the first child is added; owned by this node
     CObject* m_Data;                // owned by this node

@@ -274,10 +274,8 @@ CString CString::Mid(int start, int count) const
 
 void CString::TrimRight()
 {
-    WideView rest = View();
+    const WideView rest = tovo::TrimmedRight(View());
     // Most strings end in no blank, and stay shared then.
-    while (!rest.empty() && tovo::IsWhiteSpace(rest.back()))
-        rest.remove_suffix(1);
     if (rest.size() != View().size())
         Unshared().resize(rest.size());
 }
@@ -412,4 +410,11 @@ CString operator+(const CString& a, WCHAR b)
 CString operator+(WCHAR a, const CString& b)
 {
     return CString(a) + b;
+}
+
+WideView tovo::TrimmedRight(WideView text)
+{
+    while (!text.empty() && IsWhiteSpace(text.back()))
+        text.remove_suffix(1);
+    return text;
 }

@@ -40,10 +40,9 @@ bool IsCompleteAtOnce(int type)
 }
 
 // The kind of a reference follows from its name alone; white space only has none.
-int KindOfReference(CString text)
+int KindOfReference(WideView text)
 {
-    text.TrimRight();
-    switch (tovo::detail::ValueTypeOfName(text.View())) {
+    switch (tovo::detail::ValueTypeOfName(tovo::TrimmedRight(text))) {
     case VALUE_NONE:
         return RT_ANY;
     case VALUE_NUMERIC:
@@ -109,7 +108,7 @@ CExprToken::CExprToken(ICalculationSet& calcSet, int code, CString text, int pos
     m_Loaded = m_Calculated = IsCompleteAtOnce(m_Type) ? 1 : 0;
     m_Value = InitialValue(m_Code, m_Text);
     if (m_Type == TT_VARVALUE && m_ReturnType == RT_ANY)
-        m_ReturnType = KindOfReference(m_Text);
+        m_ReturnType = KindOfReference(m_Text.View());
 }
 
 CExprToken::~CExprToken() = default;

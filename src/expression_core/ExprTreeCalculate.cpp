@@ -17,6 +17,12 @@ int ArgumentPlace(const CExprToken& token, int argument)
     return token.IsFunction() ? 2 * argument + 1 : argument;
 }
 
+int NumArguments(const CETree& node)
+{
+    const int children = node.NumChildren();
+    return node.GetData()->IsFunction() ? children / 2 : children;
+}
+
 // A function is closed by its right parenthesis, not by a comma that nothing follows.
 bool IsOpen(const CETree& function)
 {
@@ -87,10 +93,13 @@ int CExprTree::CalcCurrentNode(CScannedVariables* list)
     CExprToken& token = *Current();
     if (!m_Nested && (token.IsFormula() || token.IsFormtbl()))
         return 1;
-    int numArgs = 0;
-    if (!CheckCurrentChildren() || !CheckArgumentCount(numArgs))
-        return 0;
+    return CheckCurrentChildren() && CheckArgumentCount() ? CalcFromChildren(list) : 0;
+}
 
+int CExprTree::CalcFromChildren(CScannedVariables* list)
+{
+    CExprToken& token = *Current();
+    const int numArgs = NumArguments(*m_Current);
     std::array<double, tovo::detail::kMaxArguments> args;
     if (CollectArguments(args.data(), numArgs) &&
         !CalculateToken(numArgs > 0 ? args.data() : nullptr, numArgs, list)) {
@@ -110,13 +119,12 @@ int CExprTree::CalculateToken(double* args, int numArgs, CScannedVariables* list
     return token.Calculate(args, numArgs, 1, list);
 }
 
-int CExprTree::CheckArgumentCount(int& numArgs)
+int CExprTree::CheckArgumentCount()
 {
     CExprToken& token = *Current();
-    const int children = m_Current->NumChildren();
     if (token.IsFunction() && IsOpen(*m_Current))
-        return Raise(MessageOfOpenFunction(token, children), &token);
-    numArgs = token.IsFunction() ? children / 2 : children;
+        return Raise(MessageOfOpenFunction(token, m_Current->NumChildren()), &token);
+    const int numArgs = NumArguments(*m_Current);
     if (numArgs < token.GetMinArgs() || numArgs > token.GetMaxArgs())
         return Raise(MSG_GENERAL_FAILURE, &token);
     return 1;
@@ -138,8 +146,9 @@ bool CExprTree::CollectArguments(double* args, int numArgs) const
 int CExprTree::CalculateActiveNode(CScannedVariables* list)
 {
     CExprToken& token = *Current();
-    const int result =
-        IsReference(token) ? token.Calculate(nullptr, 0, 1, list) : CalcCurrentNode(list);
+    const int result = IsReference(token) ? token.Calculate(nullptr, 0, 1, list)
+                       : token.IsLoaded() ? CalcFromChildren(list) // was checked when it was built
+                                          : CalcCurrentNode(list);
     if (m_Msg == MSG_NONE && !token.IsCalculated()) {
         m_Msg = token.GetCalculationError();
         return 0;

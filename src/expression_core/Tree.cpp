@@ -116,6 +116,13 @@ CTree* CTree::GetNextTwigOrParent()
 
 void CTree::Clear()
 {
+    if (m_Children)
+        ClearChildren();
+    delete std::exchange(m_Data, nullptr);
+}
+
+void CTree::ClearChildren()
+{
     // A node taken apart here has no list left, so that its own destructor finds nothing to descend
     // into: the depth of the tree costs memory of the heap, not of the stack.
     struct Level {
@@ -141,7 +148,6 @@ void CTree::Clear()
         if (child)
             open(*child, std::unique_ptr<CTree>(child));
     }
-    delete std::exchange(m_Data, nullptr);
 }
 
 CTree* CTree::InsertChildAt(int index, CTree* child)

@@ -152,6 +152,13 @@ struct std::hash<CString> {
     }
 };
 
+namespace tovo {
+
+// The text without the white space at its end.
+TOVO_API WideView TrimmedRight(WideView text);
+
+} // namespace tovo
+
 // The string in which names are passed to a calculation set.
 class TOVO_API CExString : public CString {
 public:
