@@ -60,7 +60,13 @@ std::vector<std::string> RegionsOf(const std::string& source)
     return regions;
 }
 
-TEST(HostGuide, CodeIsWhatIsCompiledHere)
+// Most blocks of the guide need the messages.
+class HostGuide : public testing::Test {
+protected:
+    HostGuide() { InitTovoFormulaDLL(0); }
+};
+
+TEST_F(HostGuide, CodeIsWhatIsCompiledHere)
 {
     std::vector<std::string> blocks = CodeBlocks(ReadDocument("host-guide.md"), "cpp");
     std::vector<std::string> regions = RegionsOf(ReadDocument("../tests/docs/HostGuideTest.cpp"));
@@ -70,7 +76,7 @@ TEST(HostGuide, CodeIsWhatIsCompiledHere)
     EXPECT_GE(blocks.size(), 10u);
 }
 
-TEST(HostGuide, FirstCalculation)
+TEST_F(HostGuide, FirstCalculation)
 {
     // [guide: start]
     InitTovoFormulaDLL(0); // once, before the first expression
@@ -95,7 +101,7 @@ TEST(HostGuide, FirstCalculation)
     EXPECT_EQ(value, 7.5);
 }
 
-TEST(HostGuide, TypingAndMarking)
+TEST_F(HostGuide, TypingAndMarking)
 {
     CalcSetImpl job;
     VariableImpl width(&job);
@@ -129,7 +135,7 @@ TEST(HostGuide, TypingAndMarking)
     EXPECT_EQ(typed.NumVars(), 0);
 }
 
-TEST(HostGuide, Chain)
+TEST_F(HostGuide, Chain)
 {
     CalcSetImpl job;
     FormulaImpl inner(&job), outer(&job);
@@ -150,7 +156,7 @@ TEST(HostGuide, Chain)
               22);
 }
 
-TEST(HostGuide, PlacesAreThoseOfTheTable)
+TEST_F(HostGuide, PlacesAreThoseOfTheTable)
 {
     CalcSetImpl job;
     const std::vector<MarkdownRow> rows = RowsOfTables(
@@ -166,7 +172,7 @@ TEST(HostGuide, PlacesAreThoseOfTheTable)
     }
 }
 
-TEST(HostGuide, DerivedSet)
+TEST_F(HostGuide, DerivedSet)
 {
     // [guide: set]
     class Shop : public CalcSetImpl {
@@ -198,7 +204,7 @@ TEST(HostGuide, DerivedSet)
     EXPECT_EQ(operand.GetValue(), 0.0);
 }
 
-TEST(HostGuide, Dependencies)
+TEST_F(HostGuide, Dependencies)
 {
     CalcSetImpl job;
     VariableImpl width(&job), length(&job), limit(&job);
@@ -229,7 +235,7 @@ TEST(HostGuide, Dependencies)
     EXPECT_EQ(all.QuantityScanned(), 0) << "a static scan records names alone";
 }
 
-TEST(HostGuide, TableAndPass)
+TEST_F(HostGuide, TableAndPass)
 {
     CalcSetImpl job;
     VariableImpl weight(&job);
@@ -262,7 +268,7 @@ TEST(HostGuide, TableAndPass)
     EXPECT_EQ(after, 60.0);
 }
 
-TEST(HostGuide, Renaming)
+TEST_F(HostGuide, Renaming)
 {
     CalcSetImpl job;
     FormulaImpl area(&job), cost(&job);
@@ -280,7 +286,7 @@ TEST(HostGuide, Renaming)
     EXPECT_EQ(job.GetFormulaObj(u"Area"), job.GetFormulaObj(newName));
 }
 
-TEST(HostGuide, OwnVariable)
+TEST_F(HostGuide, OwnVariable)
 {
     // [guide: own]
     class Clock : public IVarObj {
@@ -321,7 +327,7 @@ TEST(HostGuide, OwnVariable)
     EXPECT_EQ(expression.GetValue(), -1.0);
 }
 
-TEST(HostGuide, German)
+TEST_F(HostGuide, German)
 {
     CalcSetImpl job;
     CFmlaExpression typed(job);
