@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -110,6 +111,27 @@ Decimal ReadDecimal(WideView text, WCHAR decimalSeparator)
     return number;
 }
 
+// Powers of ten that a double holds exactly.
+constexpr auto kPowersOfTen = [] {
+    std::array<double, 23> powers{1.0};
+    for (std::size_t power = 1; power < powers.size(); ++power)
+        powers[power] = 10.0 * powers[power - 1];
+    return powers;
+}();
+
+// What people write: a whole number over a power of ten, both exact, so that the one division
+// rounds as the conversion of all digits would.
+std::optional<double> PlainDouble(const Decimal& number)
+{
+    const auto decimals = static_cast<std::int64_t>(number.digits.size()) - 1 - number.order;
+    if (number.digits.size() > kMaxDecimals || decimals < 0 || decimals >= std::ssize(kPowersOfTen))
+        return std::nullopt;
+    std::int64_t whole = 0;
+    for (const char digit : number.digits)
+        whole = whole * kBase + (digit - '0');
+    return static_cast<double>(whole) / kPowersOfTen[static_cast<std::size_t>(decimals)];
+}
+
 double DoubleOf(Decimal number)
 {
     constexpr double kTooLarge = std::numeric_limits<double>::infinity();
@@ -117,6 +139,8 @@ double DoubleOf(Decimal number)
         return 0.0;
     if (number.order > kLargestOrder)
         return kTooLarge;
+    if (const std::optional<double> plain = PlainDouble(number))
+        return *plain;
     // With the separator behind the first digit the exponent stays small, however many digits
     // there are.
     number.digits.insert(1, 1, '.');

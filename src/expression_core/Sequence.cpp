@@ -295,8 +295,10 @@ inline bool Sequence::CalculateAtOnce(const Step& step)
     case kConditionEnds:
     case kBranchEnds:
         return !m_IsWalk;
-    default:
-        return step.numArgs > 0 && ComputeAtOnce(step);
+    default: // what has no arguments and is not read is a constant or punctuation
+        if (step.numArgs > 0)
+            return ComputeAtOnce(step);
+        return !token.IsVarValue() && Give(token, token.m_Value);
     }
 }
 
@@ -315,8 +317,6 @@ bool Sequence::Calculate(const Step& step)
     CExprToken& token = *step.token;
     if (step.code == TOK_VARIABLE)
         return ReadVariable(step);
-    if (step.numArgs == 0 && !token.IsVarValue())
-        return Give(token, token.m_Value);
     token.m_CalcError = MSG_NONE;
     const bool isCalculated = step.numArgs > 0 ? token.Conclude(Compute(step)) != 0
                                                : token.Calculate(nullptr, 0, 1, nullptr) != 0;

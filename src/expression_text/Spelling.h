@@ -12,24 +12,27 @@ class Spelling {
 public:
     // English.
     Spelling() = default;
-    explicit Spelling(const CStringArray& names) : m_Names(&names) {}
+    // A table that lacks names is not used.
+    explicit Spelling(const CStringArray& names)
+        : m_Names(names.GetSize() >= kTokenCount ? names.GetData() : nullptr)
+    {}
 
     // Requires: a code of the catalogue.
     WideView NameOf(int code) const
     {
-        return m_Names ? m_Names->GetAt(code).View() : CatalogueOf(code).englishName;
+        return m_Names ? m_Names[code].View() : CatalogueOf(code).englishName;
     }
     // The same as a string, which shares the characters of the user's names.
     CString TextOf(int code) const
     {
-        return m_Names ? m_Names->GetAt(code) : CString(CatalogueOf(code).englishName);
+        return m_Names ? m_Names[code] : CString(CatalogueOf(code).englishName);
     }
     // The characters of a number, the decimal separator first.
     WideView NumberCharacters() const { return NameOf(TOK_NUMBER); }
     WCHAR DecimalSeparator() const { return NumberCharacters().front(); }
 
 private:
-    const CStringArray* m_Names = nullptr;
+    const CString* m_Names = nullptr; // by code
 };
 
 } // namespace tovo::detail

@@ -26,9 +26,11 @@ int WordCode(const Spelling& spelling, WideView word)
 
 int SignCode(const Spelling& spelling, WideView rest)
 {
-    for (int code = kFirstSign; code <= kLastSign; ++code)
-        if (rest.starts_with(spelling.NameOf(code)))
+    for (int code = kFirstSign; code <= kLastSign; ++code) {
+        const WideView name = spelling.NameOf(code);
+        if (!name.empty() && name.front() == rest.front() && rest.starts_with(name))
             return code;
+    }
     return TOK_ILLEGAL;
 }
 
@@ -45,7 +47,11 @@ unsigned int FaultIn(WideView number, WCHAR decimalSeparator)
 
 TokenScanner::TokenScanner(CString text, std::span<const Reference> references, Spelling spelling,
                            int scanPos)
-    : m_Text(std::move(text)), m_References(references), m_Spelling(spelling), m_ScanPos(scanPos)
+    : m_Text(std::move(text)),
+      m_Characters(m_Text.View()),
+      m_References(references),
+      m_Spelling(spelling),
+      m_ScanPos(scanPos)
 {}
 
 // Most tokens are names, and need no text of their own.
@@ -61,7 +67,7 @@ TokenScanner::Outcome TokenScanner::Next()
     if (m_ScanPos < 0)
         AfxThrowInvalidArgException();
     const int boundary = NextReferenceStart();
-    while (m_ScanPos < boundary && m_Text[m_ScanPos] == u' ')
+    while (m_ScanPos < boundary && CharacterAt(m_ScanPos) == u' ')
         ++m_ScanPos;
     m_TokenPos = m_ScanPos;
     if (m_ScanPos >= Length())
@@ -70,7 +76,7 @@ TokenScanner::Outcome TokenScanner::Next()
         return TakeReference();
 
     // Digits come first: a list separator may be the same character as the decimal one.
-    const WCHAR next = m_Text[m_ScanPos];
+    const WCHAR next = CharacterAt(m_ScanPos);
     if (m_Spelling.NumberCharacters().find(next) != WideView::npos)
         return TakeNumber(boundary);
     return IsWordLetter(next) ? TakeWord(boundary) : TakeSymbol();
@@ -112,8 +118,7 @@ TokenScanner::Outcome TokenScanner::TakeWord(int boundary)
 
 TokenScanner::Outcome TokenScanner::TakeSymbol()
 {
-    const int code =
-        SignCode(m_Spelling, m_Text.View().substr(static_cast<std::size_t>(m_ScanPos)));
+    const int code = SignCode(m_Spelling, m_Characters.substr(static_cast<std::size_t>(m_ScanPos)));
     return Take(code, code == TOK_ILLEGAL ? 1 : static_cast<int>(m_Spelling.NameOf(code).size()));
 }
 
@@ -121,7 +126,7 @@ TokenScanner::Outcome TokenScanner::Take(int code, int length)
 {
     m_TokenCode = code;
     m_TokenText =
-        m_Text.View().substr(static_cast<std::size_t>(m_ScanPos), static_cast<std::size_t>(length));
+        m_Characters.substr(static_cast<std::size_t>(m_ScanPos), static_cast<std::size_t>(length));
     m_ScanPos += length;
     return Outcome::Token;
 }
@@ -130,7 +135,7 @@ template <typename Belongs>
 WideView TokenScanner::RunUpTo(int boundary, Belongs belongs) const
 {
     const auto start = static_cast<std::size_t>(m_ScanPos);
-    const WideView rest = m_Text.View().substr(start, static_cast<std::size_t>(boundary) - start);
+    const WideView rest = m_Characters.substr(start, static_cast<std::size_t>(boundary) - start);
     const auto end = std::find_if_not(rest.begin(), rest.end(), belongs);
     return rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
 }

@@ -35,7 +35,12 @@ public:
     unsigned int FaultMessage() const { return m_FaultMessage; }
 
 private:
-    int Length() const { return m_Text.GetLength(); }
+    int Length() const { return static_cast<int>(m_Characters.size()); }
+    // Requires: a position in the text.
+    WCHAR CharacterAt(int position) const
+    {
+        return m_Characters[static_cast<std::size_t>(position)];
+    }
     int NextReferenceStart();
     Outcome TakeReference();
     Outcome TakeNumber(int boundary);
@@ -45,7 +50,8 @@ private:
     template <typename Belongs>
     WideView RunUpTo(int boundary, Belongs belongs) const;
 
-    CString m_Text;
+    CString m_Text; // keeps the characters
+    WideView m_Characters;
     std::span<const Reference> m_References;
     std::size_t m_NextReference = 0; // those before it lie behind the scan
     Spelling m_Spelling;

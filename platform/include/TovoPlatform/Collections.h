@@ -34,6 +34,8 @@ public:
     const TYPE& operator[](int index) const { return m_Elements[Checked(index)]; }
     TYPE& operator[](int index) { return m_Elements[Checked(index)]; }
     void SetAt(int index, ARG_TYPE element) { m_Elements[Checked(index)] = element; }
+    // The elements in a row, until the array is changed; null for an empty one.
+    const TYPE* GetData() const { return m_Elements.empty() ? nullptr : m_Elements.data(); }
 
     // Appends and gives the index of the new element.
     int Add(ARG_TYPE element)
