@@ -68,27 +68,23 @@ const CString& CStringList::GetAt(POSITION position) const
 
 POSITION CStringList::AddHead(const CString& text)
 {
-    return Insert(m_Head, text);
+    return Insert(m_Head, text, HashForIndex(text));
+}
+
+POSITION CStringList::AddHeadIfAbsent(const CString& text)
+{
+    const std::size_t hash = HashForIndex(text);
+    return Search(text, hash) ? nullptr : Insert(m_Head, text, hash);
 }
 
 POSITION CStringList::AddTail(const CString& text)
 {
-    return Insert(nullptr, text);
+    return Insert(nullptr, text, HashForIndex(text));
 }
 
 POSITION CStringList::Find(const CString& text) const
 {
-    if (!IsIndexed())
-        return FirstOf(text);
-    const std::size_t hash = HashOf(text);
-    Node* found = nullptr;
-    for (Node* node = m_Buckets[hash & (m_Buckets.size() - 1)]; node; node = node->nextInBucket)
-        if (node->hash == hash && node->text == text) {
-            if (found)
-                return FirstOf(text);
-            found = node;
-        }
-    return found;
+    return Search(text, HashForIndex(text));
 }
 
 void CStringList::RemoveAt(POSITION position)
@@ -112,10 +108,11 @@ void CStringList::RemoveAll()
 }
 
 // Null stands for the end.
-POSITION CStringList::Insert(Node* before, const CString& text)
+POSITION CStringList::Insert(Node* before, const CString& text, std::size_t hash)
 {
     Node& node = TakeSpare();
     node.text = text;
+    node.hash = hash;
     node.next = before;
     node.previous = before ? before->previous : m_Tail;
     (node.previous ? node.previous->next : m_Head) = &node;
@@ -136,9 +133,13 @@ CStringList::Node& CStringList::TakeSpare()
     return node;
 }
 
+std::size_t CStringList::HashForIndex(const CString& text) const
+{
+    return IsIndexed() ? HashOf(text) : 0;
+}
+
 void CStringList::EnterIntoIndex(Node& node)
 {
-    node.hash = HashOf(node.text);
     node.nextInBucket = std::exchange(BucketOf(node), &node);
 }
 
@@ -154,11 +155,27 @@ void CStringList::TakeFromIndex(const Node& node)
 void CStringList::MakeIndex()
 {
     m_Buckets.assign(std::bit_ceil(2 * m_Count), nullptr);
-    for (Node* node = m_Head; node; node = node->next)
+    for (Node* node = m_Head; node; node = node->next) {
+        node->hash = HashOf(node->text);
         EnterIntoIndex(*node);
+    }
 }
 
-POSITION CStringList::FirstOf(const CString& text) const
+CStringList::Node* CStringList::Search(const CString& text, std::size_t hash) const
+{
+    if (!IsIndexed())
+        return FirstOf(text);
+    Node* found = nullptr;
+    for (Node* node = m_Buckets[hash & (m_Buckets.size() - 1)]; node; node = node->nextInBucket)
+        if (node->hash == hash && node->text == text) {
+            if (found)
+                return FirstOf(text);
+            found = node;
+        }
+    return found;
+}
+
+CStringList::Node* CStringList::FirstOf(const CString& text) const
 {
     Node* node = m_Head;
     while (node && node->text != text)

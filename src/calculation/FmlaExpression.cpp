@@ -106,14 +106,14 @@ int CFmlaExpression::IsValid(unsigned int& message, CString name, int nested)
 
 int CFmlaExpression::Validate(unsigned int& message, const CString& name, int nested)
 {
-    const bool isEntered = nested && !name.IsEmpty();
-    if (isEntered && m_NestedFmlaNames.Find(name)) {
-        message = MSG_FORMULA_INSIDE_ITSELF;
-        return Fail(message);
-    }
     std::optional<NestedNameGuard> entry;
-    if (isEntered)
+    if (nested && !name.IsEmpty()) {
         entry.emplace(m_NestedFmlaNames, name);
+        if (!entry->HasEntered()) {
+            message = MSG_FORMULA_INSIDE_ITSELF;
+            return Fail(message);
+        }
+    }
     if (LoadNamed(name, nested))
         return 1;
     message = static_cast<unsigned int>(m_MessageNum);

@@ -38,16 +38,23 @@ private:
     int& m_Marks;
 };
 
-// Enters a name at the head of the list, and takes exactly that entry out again on every way out.
+// Enters a name at the head of the list, unless it is there, and takes exactly that entry out again
+// on every way out.
 class NestedNameGuard {
 public:
     NestedNameGuard(CStringList& names, const CString& name)
-        : m_Names(names), m_Entry(names.AddHead(name))
+        : m_Names(names), m_Entry(names.AddHeadIfAbsent(name))
     {}
-    ~NestedNameGuard() { m_Names.RemoveAt(m_Entry); }
+    ~NestedNameGuard()
+    {
+        if (m_Entry)
+            m_Names.RemoveAt(m_Entry);
+    }
 
     NestedNameGuard(const NestedNameGuard&) = delete;
     NestedNameGuard& operator=(const NestedNameGuard&) = delete;
+
+    bool HasEntered() const { return m_Entry != nullptr; }
 
 private:
     CStringList& m_Names;

@@ -18,9 +18,12 @@ bool TakesNumbersOnly(const CExprToken& token)
     return KindTaken(token) == RT_NUMERIC;
 }
 
+// Of an IF, behind its parenthesis.
+constexpr int kConditionPlace = 1;
+
 bool IsConditionOf(const CETree& parent, const CETree* child)
 {
-    return parent.GetData()->GetCode() == TOK_IF && parent.GetChildIndex(child) == 1;
+    return parent.GetData()->GetCode() == TOK_IF && parent.GetChildIndex(child) == kConditionPlace;
 }
 
 bool MayBeginOperand(CExprToken& token)
@@ -171,9 +174,8 @@ int CExprTree::CheckCurrentChildren()
 int CExprTree::ChildIsOk(int index)
 {
     CExprToken& parent = *Current();
-    const CETree* const child = m_Current->GetChild(index);
-    const int kind = child->GetData()->GetReturnType();
-    if (IsConditionOf(*m_Current, child))
+    const int kind = m_Current->GetChild(index)->GetData()->GetReturnType();
+    if (parent.GetCode() == TOK_IF && index == kConditionPlace)
         return kind == RT_BOOLEAN ? 1 : Raise(MSG_PARAMETER_NOT_YES_NO, &parent);
     if (!parent.SetArgType(kind))
         return RaiseWrongKind(index);

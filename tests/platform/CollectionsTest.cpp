@@ -1,6 +1,10 @@
 #include <TovoPlatform/Collections.h>
 
+#include <algorithm>
+#include <deque>
+#include <random>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -59,6 +63,51 @@ TEST(StringList, PlacesStayGoodUntilTheirOwnElementGoes)
         other->RemoveAt(other->Find("a"));
         EXPECT_EQ(Walk(*other), "bc") << "a copy has places of its own";
     }
+}
+
+// Short lists are searched one by one, longer ones by an index; texts occur more than once.
+TEST(StringList, AnswersAsAPlainListDoes)
+{
+    std::mt19937 random(7);
+    CStringList list;
+    std::deque<std::pair<std::string, POSITION>> plain;
+    const auto find = [&](const std::string& text) {
+        const auto found = std::ranges::find(plain, text, &std::pair<std::string, POSITION>::first);
+        return found == plain.end() ? nullptr : found->second;
+    };
+    for (int step = 0; step < 20000; ++step) {
+        const std::string text(1, static_cast<char>('a' + random() % 26));
+        // Grows and shrinks by turns.
+        const unsigned most = step / 500 % 2 ? 5 : 8;
+        switch (random() % most) {
+        case 0:
+            plain.emplace_front(text, list.AddHead(text.c_str()));
+            break;
+        case 1:
+            plain.emplace_back(text, list.AddTail(text.c_str()));
+            break;
+        case 2: {
+            const bool isAbsent = find(text) == nullptr;
+            const POSITION added = list.AddHeadIfAbsent(text.c_str());
+            ASSERT_EQ(added != nullptr, isAbsent);
+            if (isAbsent)
+                plain.emplace_front(text, added);
+            break;
+        }
+        default:
+            if (!plain.empty() && random() % 2) {
+                const auto at = plain.begin() + static_cast<int>(random() % plain.size());
+                list.RemoveAt(at->second);
+                plain.erase(at);
+            }
+        }
+        ASSERT_EQ(list.Find(text.c_str()), find(text)) << "step " << step;
+        ASSERT_EQ(list.GetCount(), static_cast<int>(plain.size()));
+    }
+    std::string expected;
+    for (const auto& [text, place] : plain)
+        expected += text;
+    EXPECT_EQ(Walk(list), expected);
 }
 
 TEST(Map, KeepsOneValueForAKeyAndTheOrderOfInsertion)

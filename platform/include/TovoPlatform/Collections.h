@@ -142,6 +142,8 @@ public:
     const CString& GetAt(POSITION position) const;
 
     POSITION AddHead(const CString& text);
+    // Null, with nothing added, if the list holds exactly the text already.
+    POSITION AddHeadIfAbsent(const CString& text);
     POSITION AddTail(const CString& text);
     // The first place that holds exactly the text; null for none. In constant time, unless the list
     // holds the text more than once.
@@ -159,16 +161,19 @@ private:
         Node* nextInBucket = nullptr;
     };
 
-    POSITION Insert(Node* before, const CString& text);
+    POSITION Insert(Node* before, const CString& text, std::size_t hash);
     Node& TakeSpare();
     static Node& NodeAt(POSITION position);
 
     bool IsIndexed() const { return !m_Buckets.empty(); }
+    // 0 while there is no index.
+    std::size_t HashForIndex(const CString& text) const;
     Node*& BucketOf(const Node& node) { return m_Buckets[node.hash & (m_Buckets.size() - 1)]; }
     void EnterIntoIndex(Node& node);
     void TakeFromIndex(const Node& node);
     void MakeIndex();
-    POSITION FirstOf(const CString& text) const;
+    Node* Search(const CString& text, std::size_t hash) const;
+    Node* FirstOf(const CString& text) const;
 
     // Nodes never move, and one taken out waits for the next text, so that a list used as a stack
     // need not allocate.
