@@ -1,0 +1,179 @@
+#include "Job.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <support/Dump.h>
+
+#include "Oracles.h"
+
+namespace tovo::fuzz {
+
+namespace {
+
+// Opens what is for derived classes.
+struct SetAccess : CalcSetImpl {
+    using CalcSetImpl::m_HasDatabase;
+    using CalcSetImpl::m_ReportFcnDomainErrors;
+};
+struct ExpressionAccess : CFmlaExpression {
+    using CFmlaExpression::m_NestedFmlaNames;
+    static const CExprTree& TreeOf(const CFmlaExpression& expression)
+    {
+        return expression.*(&ExpressionAccess::m_Tree);
+    }
+};
+
+// A set that a host derived, and which has two objects that are not stock ones.
+class HostSet : public CalcSetImpl {
+public:
+    HostSet(IVarObj& variable, IFormulaObj& formula) : m_Variable(variable), m_Formula(formula) {}
+
+    IVarObj* GetVarObj(CExString name, int flag, long key) override
+    {
+        return name == m_Variable.GetName() ? &m_Variable : CalcSetImpl::GetVarObj(name, flag, key);
+    }
+    IFormulaObj* GetFormulaObj(CExString name) override
+    {
+        return name == m_Formula.GetName() ? &m_Formula : CalcSetImpl::GetFormulaObj(name);
+    }
+
+private:
+    IVarObj& m_Variable;
+    IFormulaObj& m_Formula;
+};
+
+// Without remembering, what formulas share is worked on at each place that names it.
+constexpr int kMostHostCalls = 50;
+
+std::string Names(const CStringList& list)
+{
+    std::string names;
+    for (POSITION place = list.GetHeadPosition(); place;)
+        names += list.GetNext(place).ToUtf8() + ',';
+    return names;
+}
+
+bool IsNested(const CFormtblElem& element)
+{
+    return element.isFormula() || element.isFormtbl();
+}
+
+} // namespace
+
+Job::Job(bool isStockSet, bool isStrict)
+    : m_Set(isStockSet ? std::make_unique<CalcSetImpl>()
+                       : std::make_unique<HostSet>(m_HostVariable, m_HostFormula))
+{
+    (*m_Set).*(&SetAccess::m_ReportFcnDomainErrors) = isStrict ? 1 : 0;
+    (*m_Set).*(&SetAccess::m_HasDatabase) = 1;
+    const auto fill = [this](auto& objects, auto names, auto add) {
+        for (std::size_t index = 0; index < objects.size(); ++index) {
+            CString name = names[index];
+            objects[index]->SetName(name);
+            (*m_Set.*add)(objects[index].get());
+        }
+    };
+    for (auto& variable : m_Variables)
+        variable = std::make_unique<VariableImpl>(m_Set.get());
+    for (auto& formula : m_Formulas)
+        formula = std::make_unique<FormulaImpl>(m_Set.get());
+    for (std::size_t index = 0; index < m_Tables.size(); ++index)
+        m_Tables[index] =
+            std::make_unique<FormulaTableImpl>(m_Set.get(), 2, static_cast<int>(index) + 1);
+    fill(m_Variables, std::array{u"x", u"y", u"b?"}, &CalcSetImpl::AddVariable);
+    fill(m_Formulas, std::array{u"A", u"B", u"C?", u"D"}, &CalcSetImpl::AddFormula);
+    fill(m_Tables, std::array{u"T", u"S"}, &CalcSetImpl::AddFormulaTable);
+
+    for (auto& table : m_Tables) {
+        for (int row = 0; row < 2; ++row) {
+            table->SetRowLimit(row, row);
+            for (int column = 0; column < table->GetColumnCount(); ++column)
+                table->SetCell(row, column, new CFormtblElem(u"1500", *m_Set));
+        }
+        table->GetRowSelector().SetVariable(u"x");
+        table->GetColumnSelector().SetVariable(u"y");
+    }
+    m_HostFormula.m_OnCalculate = [this](CScannedVariables* list) { CalculateWithinHost(list); };
+}
+
+CFormtblElem& Job::Element(FormulaTableImpl& table, int index)
+{
+    if (index < 2)
+        return index == 0 ? table.GetRowSelector() : table.GetColumnSelector();
+    const int columns = table.GetColumnCount();
+    const int cell = std::min(index - 2, columns * table.GetRowCount() - 1);
+    return *table.GetCell(cell / columns, cell % columns);
+}
+
+int Job::CountNested()
+{
+    int count = 0;
+    for (auto& formula : m_Formulas)
+        count += fuzz::CountNested(formula->GetExpression());
+    for (auto& table : m_Tables)
+        for (int element = 0; element < 2 + 2 * table->GetColumnCount(); ++element)
+            count += IsNested(Element(*table, element)) ? 1 : 0;
+    return count;
+}
+
+std::string Job::Seen()
+{
+    std::string seen;
+    for (auto& formula : m_Formulas)
+        seen += fuzz::Seen(formula->GetExpression()) + "\n    ";
+    for (auto& table : m_Tables)
+        seen += "T " + Shown(table->GetValue()) + std::to_string(table->GetCalculated()) +
+                std::to_string(table->GetScanned()) +
+                std::to_string(table->GetScannedInCondition()) + ' ';
+    for (auto& variable : m_Variables)
+        seen += "V " + Shown(variable->GetValue()) + std::to_string(variable->InCond()) + ' ';
+    seen += test::Dump(m_Set->ErrorTracker()) + m_Set->GetStrError().ToUtf8();
+    for (const int flag : {m_Set->GetDURATIONInCondition(), m_Set->GetJOBSIZEInCondition(),
+                           m_Set->GetQuantityInCondition(), m_Set->GetQuantityInCalculations()})
+        seen += std::to_string(flag);
+    Require(!CExprTree::InIfCondition() && ExpressionAccess::m_NestedFmlaNames.IsEmpty(),
+            "the state of the thread as it was");
+    return seen;
+}
+
+void Job::CalculateWithinHost(CScannedVariables* list)
+{
+    Variable(0).SetValue(Variable(0).GetValue() + 1.0);
+    m_HostFormula.m_Value = 0.0;
+    if (++m_HostCalls > kMostHostCalls)
+        return;
+    unsigned int message = MSG_NONE;
+    if (Formula(0).Calculate(message, list))
+        m_HostFormula.m_Value = Formula(0).GetValue();
+}
+
+std::string Seen(CFmlaExpression& expression)
+{
+    const int pos = expression.GetInvalidPos();
+    const int length = expression.GetTextStr().GetLength();
+    Require(pos >= -1 && pos <= length, "an invalid position inside the text",
+            std::to_string(pos) + " in " + expression.GetTextStr().ToUtf8());
+    std::string seen = Shown(expression.GetValue()) + ' ' +
+                       std::to_string(expression.GetMessageNum()) + '@' + std::to_string(pos);
+    for (const int answer : {expression.IsLoaded(), expression.IsCalculated(),
+                             expression.IsBoolean(), expression.IsNumeric()})
+        seen += std::to_string(answer);
+    return seen + ' ' + test::Dump(ExpressionAccess::TreeOf(expression));
+}
+
+std::string Seen(const CScannedVariables& list)
+{
+    return Names(list.VariableList()) + std::to_string(list.DURATIONScanned()) +
+           std::to_string(list.JOBSIZEScanned()) + std::to_string(list.QuantityScanned());
+}
+
+int CountNested(const CFmlaExprBase& expression)
+{
+    int count = 0;
+    for (int index = 0; index < expression.NumVars(); ++index)
+        count += expression.VarType(index) != TOK_VARIABLE ? 1 : 0;
+    return count;
+}
+
+} // namespace tovo::fuzz

@@ -1,0 +1,33 @@
+#ifndef TOVOFORMULA_FUZZ_ORACLES_H
+#define TOVOFORMULA_FUZZ_ORACLES_H
+
+#include <optional>
+#include <string>
+
+#include <TovoFormula/FmlaExprBase.h>
+
+namespace tovo::fuzz {
+
+// Ends the process, with a message that says what was expected and how it came out, if it does not
+// hold.
+void Require(bool holds, const char* expected, const std::string& found = {});
+
+// One of the languages that a host can bring, some of them with separators that cannot be told
+// apart; puts it in force for the process.
+inline constexpr int kLanguages = 5;
+void SpeakLanguage(int language);
+
+// Text and reference table: ordered, without overlaps, within the text, which begins and ends every
+// stretch with a blank.
+void RequireSoundTable(const CFmlaExprBase& expression);
+
+// What is written of the stored form, read and written again comes out the same. Escapes that are
+// in an unterminated form go each time that it is read, so such a form may take a few rounds.
+void RequireSettledForm(const CString& encoded);
+
+// The value with all its bits, "nan" for any of those.
+std::string Shown(double value);
+
+} // namespace tovo::fuzz
+
+#endif

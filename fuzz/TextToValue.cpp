@@ -1,0 +1,241 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <support/Dump.h>
+
+#include "../src/expression_core/Pass.h"
+
+#include "Job.h"
+#include "Oracles.h"
+#include "Reader.h"
+
+// Texts are typed into the formulas of a job, checked, calculated and scanned, while its values and
+// texts change. The whole script runs twice, once without anything remembered: a host must see the
+// same.
+
+namespace tovo::fuzz {
+namespace {
+
+using detail::Pass;
+
+constexpr int kMostActions = 40;
+constexpr int kLongestExpression = 300;
+// Without remembering, the work doubles at every level.
+constexpr int kMostNested = 10;
+
+class Play {
+public:
+    explicit Play(Reader reader)
+        : m_Reader(reader),
+          m_IsStockSet(m_Reader.Pick(2) == 0),
+          m_Job(m_IsStockSet, m_Reader.Pick(2) != 0),
+          m_Free(m_Job.Set())
+    {
+        SpeakLanguage(m_Reader.Pick(kLanguages));
+    }
+
+    // What was seen after each action.
+    std::vector<std::string> Run()
+    {
+        while (!m_Reader.AtEnd() && m_Seen.size() < kMostActions) {
+            Act();
+            m_Seen.push_back(m_Result + m_Job.Seen() + Seen(m_Free));
+        }
+        return m_Seen;
+    }
+
+private:
+    FormulaImpl& Formula() { return m_Job.Formula(m_Reader.Pick(Job::kFormulas)); }
+    FormulaTableImpl& Table() { return m_Job.Table(m_Reader.Pick(Job::kTables)); }
+    // One of the formulas' expressions, or one that is in no formula.
+    CFmlaExpression& Expression()
+    {
+        const int index = m_Reader.Pick(Job::kFormulas + 1);
+        return index < Job::kFormulas ? m_Job.Formula(index).GetExpression() : m_Free;
+    }
+
+    void Act()
+    {
+        const int action = m_Reader.Pick(20);
+        m_Result = std::to_string(action) + ": ";
+        switch (action) {
+        case 0: {
+            VariableImpl& variable = m_Job.Variable(m_Reader.Pick(Job::kVariables));
+            return variable.SetValue(m_Reader.Number());
+        }
+        case 1:
+            return Type(Expression());
+        case 2:
+            return Check(Formula());
+        case 3:
+            return Calculate(Formula(), false);
+        case 4:
+            return Calculate(Formula(), true);
+        case 5:
+            return Scan(Formula());
+        case 6:
+            return Check(Expression());
+        case 7:
+            return Edit(Expression());
+        case 8: {
+            FormulaTableImpl& table = Table();
+            CFormtblElem& element = m_Job.Element(table, m_Reader.Pick(6));
+            return element.init(m_Reader.Text());
+        }
+        case 9:
+            return Calculate(Table(), false);
+        case 10:
+            return Scan(Table());
+        case 11:
+            return Check(Table());
+        case 12:
+            return m_Job.Set().StartNewPass();
+        case 13:
+            return SpeakLanguage(m_Reader.Pick(kLanguages));
+        case 14:
+            return SetJobValue(m_Reader.Pick(3), m_Reader.Number());
+        case 15:
+            return Rename(Formula());
+        case 16:
+            return m_Job.Set().ClearMissingVariables();
+        case 17: {
+            const int row = m_Reader.Pick(2);
+            return Table().SetRowLimit(row, m_Reader.Number());
+        }
+        case 18:
+            return Recalculate(Expression());
+        default:
+            return Rewrite(Expression());
+        }
+    }
+
+    bool IsTooMuch() { return m_Job.CountNested() + CountNested(m_Free) > kMostNested; }
+
+    void Type(CFmlaExpression& expression)
+    {
+        expression.SetFromEncodedString(m_Reader.Text().Left(kLongestExpression));
+        if (IsTooMuch())
+            expression.SetExpr(CString());
+    }
+    void Edit(CFmlaExpression& expression)
+    {
+        const int pos = m_Reader.Int();
+        int wholeVar = 0;
+        expression.DeleteChars(pos, pos + m_Reader.Pick(3), &wholeVar);
+        expression.InsertString(m_Reader.Text().Left(kLongestExpression), pos);
+    }
+    void Rewrite(CFmlaExpression& expression)
+    {
+        const CString name = m_Reader.Name();
+        if (m_Reader.Pick(2) == 0)
+            expression.RemoveFormulaFromExpression(name);
+        else
+            expression.ChangeFormulaInExpression(name, m_Reader.Name());
+        if (IsTooMuch())
+            expression.SetExpr(CString());
+    }
+    void SetJobValue(int which, double value)
+    {
+        CalcSetImpl& set = m_Job.Set();
+        which == 0   ? set.SetDuration(value)
+        : which == 1 ? set.SetJobSize(value)
+                     : set.SetQuantity(value);
+    }
+    // The set may come to have one formula under two names, and to lose another.
+    void Rename(FormulaImpl& formula)
+    {
+        CString name = m_Reader.Name();
+        formula.SetName(name);
+        if (m_Reader.Pick(2) == 0)
+            m_Job.Set().AddFormula(&formula);
+    }
+
+    // Does it two to five times. In a stock set nothing changes meanwhile, so each must come to the
+    // same.
+    template <typename Object, typename Work>
+    void Repeat(Object& object, Work work)
+    {
+        if (IsTooMuch())
+            return;
+        std::string first;
+        for (int times = 2 + m_Reader.Pick(4); times > 0; --times) {
+            unsigned int message = MSG_NONE;
+            const int answer = work(message);
+            std::string found = std::to_string(answer) + ' ' + std::to_string(message) + ' ' +
+                                Shown(object.GetValue());
+            Require(answer == 0 || message == MSG_NONE, "no message with a success", found);
+            if (answer == 0)
+                found += test::Dump(m_Job.Set().ErrorTracker());
+            if (first.empty())
+                first = found;
+            Require(!m_IsStockSet || found == first, "the same once more", first + '\n' + found);
+            m_Result += found + m_Job.Seen() + '\n';
+        }
+    }
+    void Check(CFmlaExpression& expression)
+    {
+        const CString name = m_Reader.Name();
+        const int nested = m_Reader.Pick(2);
+        Repeat(expression,
+               [&](unsigned int& message) { return expression.IsValid(message, name, nested); });
+    }
+    template <typename Object>
+    void Check(Object& object)
+    {
+        const int nested = m_Reader.Pick(2);
+        Repeat(object, [&](unsigned int& message) { return object.IsValid(message, nested); });
+    }
+    template <typename Object>
+    void Calculate(Object& object, bool isScan)
+    {
+        CScannedVariables list;
+        Repeat(object, [&](unsigned int& message) {
+            return object.Calculate(message, isScan ? &list : nullptr);
+        });
+        m_Result += Seen(list);
+    }
+    void Recalculate(CFmlaExpression& expression)
+    {
+        Repeat(expression, [&](unsigned int&) { return expression.Calculate(nullptr); });
+    }
+    template <typename Object>
+    void Scan(Object& object)
+    {
+        const int all = m_Reader.Pick(2);
+        if (IsTooMuch())
+            return;
+        CScannedVariables list;
+        object.GetVariables(list, all, m_Reader.Pick(2));
+        m_Result += Seen(list);
+    }
+
+    Reader m_Reader;
+    const bool m_IsStockSet;
+    Job m_Job;
+    CFmlaExpression m_Free;
+    std::string m_Result; // of the present action
+    std::vector<std::string> m_Seen;
+};
+
+std::vector<std::string> Seen(Reader reader, bool isRemembering)
+{
+    Pass::SetRemembering(isRemembering);
+    return Play(reader).Run();
+}
+
+} // namespace
+} // namespace tovo::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+{
+    using namespace tovo::fuzz;
+    const Reader reader(bytes, count);
+    const std::vector<std::string> remembered = Seen(reader, true);
+    const std::vector<std::string> fresh = Seen(reader, false);
+    for (std::size_t action = 0; action < fresh.size(); ++action)
+        Require(remembered[action] == fresh[action], "the same without remembering",
+                "action " + std::to_string(action) + "\n" + remembered[action] + '\n' +
+                    fresh[action]);
+    return 0;
+}
