@@ -8,10 +8,8 @@
 
 namespace tovo::fuzz {
 
-void Require(bool holds, const char* expected, const std::string& found)
+void Fail(const char* expected, const std::string& found)
 {
-    if (holds)
-        return;
     std::fprintf(stderr, "Broken: %s\n%s\n", expected, found.c_str());
     std::abort();
 }
@@ -47,12 +45,12 @@ void RequireSoundTable(const CFmlaExprBase& expression)
     const CString text = expression.GetTextStr();
     int end = 0;
     for (int index = 0; index < expression.NumVars(); ++index) {
-        const bool isInPlace = expression.VarPos(index) >= end &&
-                               expression.VarLength(index) >= 2 &&
+        const int start = expression.VarPos(index);
+        const bool isInPlace = start >= end && expression.VarLength(index) >= 2 &&
                                expression.VarEndPos(index) <= text.GetLength();
         end = expression.VarEndPos(index);
-        Require(isInPlace && text[expression.VarPos(index)] == u' ' && text[end - 1] == u' ',
-                "a sound reference table", test::Whole(expression));
+        if (!isInPlace || text[start] != u' ' || text[end - 1] != u' ')
+            Fail("a sound reference table", test::Whole(expression));
     }
 }
 
@@ -68,7 +66,8 @@ void RequireSettledForm(const CString& encoded)
         const CString after = expression.GetEncodedString();
         if (after == before)
             return;
-        Require(--rounds > 0, "a stored form that stays", before.ToUtf8() + '\n' + after.ToUtf8());
+        if (--rounds == 0)
+            Fail("a stored form that stays", before.ToUtf8() + '\n' + after.ToUtf8());
         before = after;
     }
 }

@@ -1,20 +1,25 @@
 #ifndef TOVOFORMULA_FUZZ_ORACLES_H
 #define TOVOFORMULA_FUZZ_ORACLES_H
 
-#include <optional>
 #include <string>
 
 #include <TovoFormula/FmlaExprBase.h>
 
 namespace tovo::fuzz {
 
-// Ends the process, with a message that says what was expected and how it came out, if it does not
-// hold.
-void Require(bool holds, const char* expected, const std::string& found = {});
+// Ends the process, with a message that says what was expected and what was found.
+[[noreturn]] void Fail(const char* expected, const std::string& found);
 
-// One of the languages that a host can bring, some of them with separators that cannot be told
-// apart; puts it in force for the process.
+inline void Require(bool holds, const char* expected, const std::string& found = {})
+{
+    if (!holds)
+        Fail(expected, found);
+}
+
+// Puts one of the languages that a host can bring in force for the process. In the last of them the
+// separators cannot be told apart from each other or from the rest of a text.
 inline constexpr int kLanguages = 5;
+inline constexpr int kSoundLanguages = 3;
 void SpeakLanguage(int language);
 
 // Text and reference table: ordered, without overlaps, within the text, which begins and ends every

@@ -22,7 +22,7 @@ using detail::Pass;
 constexpr int kMostActions = 40;
 constexpr int kLongestExpression = 300;
 // Without remembering, the work doubles at every level.
-constexpr int kMostNested = 10;
+constexpr int kMostNested = 8;
 
 class Play {
 public:
@@ -170,7 +170,7 @@ private:
             if (first.empty())
                 first = found;
             Require(!m_IsStockSet || found == first, "the same once more", first + '\n' + found);
-            m_Result += found + m_Job.Seen() + '\n';
+            m_Result += found + '\n';
         }
     }
     void Check(CFmlaExpression& expression)

@@ -1,0 +1,233 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <TovoFormula/CalcSetImpl.h>
+#include <TovoFormula/FmlaExpression.h>
+#include <expression_text/Texts.h>
+
+#include "Oracles.h"
+#include "Reader.h"
+
+// A script of edits. A model of the text in which each character knows the reference that it
+// belongs to tells what text and table must be after each of them.
+
+namespace tovo::fuzz {
+namespace {
+
+constexpr int kMostEdits = 60;
+constexpr int kMostWork = 200000; // in characters, over all edits
+
+class Editor {
+public:
+    explicit Editor(Reader reader) : m_Reader(reader), m_Expression(m_Set)
+    {
+        SpeakLanguage(m_Reader.Pick(kLanguages));
+        m_Expression.SetFromEncodedString(m_Reader.Text());
+        TakeAsModel();
+        if (m_Reader.Pick(4) == 0)
+            m_Expression.SetExprTextLimit(m_Reader.Int());
+    }
+
+    void Run()
+    {
+        int work = 0;
+        for (int edit = 0; edit < kMostEdits && work < kMostWork && !m_Reader.AtEnd(); ++edit) {
+            work += m_Expression.GetTextStr().GetLength();
+            m_Expression.SetInvalidPos(kMark);
+            m_Before = test::Whole(m_Expression);
+            Act();
+            RequireSoundTable(m_Expression);
+            Require(Written() == Expected(), "text and table as the model has them",
+                    m_Before + '\n' + Written() + '\n' + Expected());
+        }
+    }
+
+private:
+    static constexpr int kMark = 1; // an invalid position that a refusal leaves
+
+    struct Character {
+        WCHAR character;
+        int reference; // -1 for literal text
+    };
+    using Characters = std::vector<Character>;
+
+    void Act()
+    {
+        switch (m_Reader.Pick(8)) {
+        case 0:
+        case 1:
+            return InsertText();
+        case 2:
+        case 3:
+            return InsertReference();
+        case 4:
+            return Delete();
+        case 5:
+            return FixPosition();
+        case 6:
+            return Rewrite();
+        default:
+            RequireSettledForm(m_Expression.GetEncodedString());
+        }
+    }
+
+    void InsertText()
+    {
+        const int pos = m_Reader.Int();
+        const CString text = m_Reader.Text();
+        if (IsDone(m_Expression.InsertString(text, pos), IsInside(pos)))
+            Insert(text, pos, -1);
+    }
+    void InsertReference()
+    {
+        const int kind = m_Reader.Pick(3);
+        // Behind the end of the text there is no place for a reference.
+        const int pos = std::min(m_Reader.Int(), m_Expression.GetTextStr().GetLength());
+        const CString name = m_Reader.Name();
+        const bool isOneTooMany = m_Expression.NumVars() >= kMaxReferences;
+        if (!IsDone(m_Expression.InsertVariable(name, pos, kind), IsInside(pos) || isOneTooMany))
+            return;
+        m_Kinds.push_back(kind);
+        Insert(u' ' + name + u' ', pos, static_cast<int>(m_Kinds.size()) - 1);
+    }
+    void Insert(const CString& text, int pos, int reference)
+    {
+        Characters inserted;
+        for (const WCHAR character : text.View())
+            inserted.push_back({character, reference});
+        const auto size = static_cast<int>(m_Model.size());
+        m_Model.insert(m_Model.begin() + std::min(pos, size), inserted.begin(), inserted.end());
+        const auto limit = static_cast<std::size_t>(m_Expression.GetExprTextLimit());
+        m_Model.resize(std::min(m_Model.size(), limit));
+    }
+    void Delete()
+    {
+        int start = m_Reader.Int();
+        int end = m_Reader.Pick(3) == 0 ? m_Reader.Int() : start;
+        int wholeVar = -1;
+        const int answer = m_Expression.DeleteChars(start, end, &wholeVar);
+        end = std::min(end, m_Expression.GetExprTextLimit());
+        start = std::min(start, end);
+        if (!IsDone(answer, IsInside(start) || IsInside(end)))
+            return Require(wholeVar == 0, "no reference taken by a refusal", m_Before);
+        const auto size = static_cast<int>(m_Model.size());
+        const bool isWhole = start == end && start < size && BeginsReference(start);
+        Require(wholeVar == (isWhole ? 1 : 0), "a reference taken as a whole", m_Before);
+        if (start == end)
+            end = start + 1;
+        while (isWhole && IsInside(end))
+            ++end;
+        if (start < size)
+            m_Model.erase(m_Model.begin() + start, m_Model.begin() + std::min(end, size));
+    }
+    void FixPosition()
+    {
+        const int pos = m_Reader.Int();
+        const int fixed =
+            m_Reader.Pick(2) == 0
+                ? m_Expression.FixPos(pos, m_Reader.Int())
+                : m_Expression.FixPos(pos, static_cast<FMLA_DIRECTION>(m_Reader.Pick(3)));
+        const int limit = m_Expression.GetExprTextLimit();
+        Require(pos <= 0 || pos > limit || !IsInside(fixed), "a place for the cursor",
+                m_Before + std::to_string(fixed));
+        Require(fixed == pos || pos < 0 || pos > limit || IsInside(pos), "a place that may stay",
+                m_Before + std::to_string(pos));
+        Require(m_Expression.InVar(pos, nullptr) == (pos <= limit && IsInside(pos) ? 1 : 0),
+                "a place inside a reference", m_Before + std::to_string(pos));
+    }
+    // Both go through the stored form, so a literal that looks like a reference becomes one.
+    void Rewrite()
+    {
+        const bool isRemoval = m_Reader.Pick(2) == 0;
+        const CString name = m_Reader.Name();
+        const bool wasThere = Has(name);
+        const CString newName = isRemoval ? CString() : m_Reader.Name();
+        const int answer = isRemoval ? m_Expression.RemoveFormulaFromExpression(name)
+                                     : m_Expression.ChangeFormulaInExpression(name, newName);
+        Require((answer != 0) == wasThere, "an answer that tells of the formula", m_Before);
+        if (answer == 0)
+            return;
+        Require(isRemoval || newName == name || !Has(name) || m_Before.find("F(") != m_Before.npos,
+                "no reference to the former name", m_Before + test::Whole(m_Expression));
+        TakeAsModel();
+    }
+
+    // A refusal must have changed nothing, and there must be one where the place is not free.
+    bool IsDone(int answer, bool mustRefuse)
+    {
+        Require(answer == 0 || !mustRefuse, "a refusal", m_Before);
+        Require(answer != 0 || (test::Whole(m_Expression) == m_Before &&
+                                m_Expression.GetInvalidPos() == kMark),
+                "a refusal that changes nothing", m_Before + '\n' + test::Whole(m_Expression));
+        Require(answer == 0 || m_Expression.GetInvalidPos() == -1, "no invalid position", m_Before);
+        return answer != 0;
+    }
+
+    int ReferenceAt(int pos) const
+    {
+        const bool isInText = pos >= 0 && pos < static_cast<int>(m_Model.size());
+        return isInText ? m_Model[static_cast<std::size_t>(pos)].reference : -1;
+    }
+    bool IsInside(int pos) const
+    {
+        return ReferenceAt(pos) >= 0 && pos > 0 && ReferenceAt(pos - 1) == ReferenceAt(pos);
+    }
+    bool BeginsReference(int pos) const { return ReferenceAt(pos) >= 0 && !IsInside(pos); }
+    bool Has(const CString& name) const
+    {
+        for (int index = 0; index < m_Expression.NumVars(); ++index)
+            if (m_Expression.VarType(index) == TOK_FORMULA && m_Expression.VarName(index) == name)
+                return true;
+        return false;
+    }
+
+    void TakeAsModel()
+    {
+        m_Model.clear();
+        m_Kinds.clear();
+        const CString text = m_Expression.GetTextStr();
+        for (const WCHAR character : text.View())
+            m_Model.push_back({character, -1});
+        RequireSoundTable(m_Expression);
+        for (int index = 0; index < m_Expression.NumVars(); ++index) {
+            m_Kinds.push_back(m_Expression.VarType(index));
+            for (int pos = m_Expression.VarPos(index); pos < m_Expression.VarEndPos(index); ++pos)
+                m_Model[static_cast<std::size_t>(pos)].reference = index;
+        }
+    }
+    std::string Written() const { return test::Whole(m_Expression); }
+    std::string Expected() const
+    {
+        WideText text;
+        std::string pointers;
+        for (int pos = 0; pos < static_cast<int>(m_Model.size()); ++pos) {
+            text += m_Model[static_cast<std::size_t>(pos)].character;
+            if (!BeginsReference(pos))
+                continue;
+            int end = pos + 1;
+            while (IsInside(end))
+                ++end;
+            for (const int word :
+                 {pos, end - pos, m_Kinds[static_cast<std::size_t>(ReferenceAt(pos))]})
+                pointers += std::to_string(word) + ',';
+        }
+        return CString(text).ToUtf8() + '[' + pointers + ']';
+    }
+
+    Reader m_Reader;
+    CalcSetImpl m_Set;
+    CFmlaExpression m_Expression;
+    Characters m_Model;
+    std::vector<int> m_Kinds; // by the number of the reference
+    std::string m_Before;
+};
+
+} // namespace
+} // namespace tovo::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+{
+    tovo::fuzz::Editor(tovo::fuzz::Reader(bytes, count)).Run();
+    return 0;
+}
