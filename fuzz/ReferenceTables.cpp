@@ -115,7 +115,11 @@ private:
             m_Expression.NestedFormulasOK();
             break;
         case 15:
-            Scan(m_Reader.Int());
+            try {
+                Scan(m_Reader.Int());
+            } catch (const CInvalidArgException&) {
+                // So is a start before the text, and going on from there.
+            }
             break;
         case 16:
             AskFor(m_Reader.Int());
@@ -134,7 +138,9 @@ private:
         int code = -1;
         int pos = -1;
         int end = 0;
-        int isFound = m_Expression.FindFirstToken(token, code, pos, start, language);
+        const bool goesOn = m_Reader.Pick(3) == 0;
+        int isFound = goesOn ? m_Expression.FindNextToken(token, code, pos, language)
+                             : m_Expression.FindFirstToken(token, code, pos, start, language);
         while (isFound) {
             const bool isInText = pos >= end && pos + token.GetLength() <= length;
             if (!isInText || token.IsEmpty() || code < 0 || code >= kTokenCount)
