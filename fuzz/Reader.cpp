@@ -63,7 +63,7 @@ CString Reader::Wide(std::string_view bytes)
         return CString(bytes);
     const CString once(bytes.substr(2));
     WideText repeated;
-    for (int count = 10 << (bytes[1] & 15); count > 0; --count)
+    for (int count = 10 << (bytes[1] & 7); count > 0; --count)
         if (static_cast<int>(repeated.size()) + once.GetLength() <= kLongestText)
             repeated += once.View();
     return CString(std::move(repeated));
