@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,20 @@ constexpr int kMostActions = 40;
 constexpr int kLongestExpression = 300;
 // Without remembering, the work doubles at every level.
 constexpr int kMostNested = 8;
+
+constexpr std::array kValues = {0.0, 1.0, -1.0, 0.5, 2.0, 90.0, 1000.0, 1e300};
+
+constexpr std::array<const char*, 18> kOperands = {
+    "V(x)", "V(y)", "F(A)", "F(B)", "F(D)",     "T(T)",     "T(S)",    "0",      "1",
+    "2.5",  "-1",   "90",   "PI",   "QUANTITY", "DURATION", "JOBSIZE", "V(own)", "F(host)"};
+constexpr std::array<const char*, 10> kFunctions = {"(",     "-(",    "SQRT(", "ABS(", "ASIN(",
+                                                    "ACOS(", "COSH(", "TAN(",  "SUM(", "ROUND("};
+constexpr std::array<const char*, 7> kFunctionsOfTwo = {"POWER(", "MOD(", "ROUND(", "ROUNDTO(",
+                                                        "MAX(",   "AVG(", "TRUNC("};
+constexpr std::array<const char*, 5> kOperators = {"+", "-", "*", "/", " - "};
+constexpr std::array<const char*, 6> kConditions = {"V(b?)", "NOT V(b?)", "F(C?)",
+                                                    "YES",   "NO",        "V(x)>1"};
+constexpr std::array<const char*, 4> kComparisons = {"=", "<", ">=", " NE "};
 
 class Play {
 public:
@@ -55,9 +70,15 @@ private:
         return index < Job::kFormulas ? m_Job.Formula(index).GetExpression() : m_Free;
     }
 
+    template <typename Choices>
+    auto One(const Choices& choices)
+    {
+        return choices[static_cast<std::size_t>(m_Reader.Pick(static_cast<int>(choices.size())))];
+    }
+
     void Act()
     {
-        const int action = m_Reader.Pick(20);
+        const int action = m_Reader.Pick(22);
         m_Result = std::to_string(action) + ": ";
         switch (action) {
         case 0: {
@@ -105,8 +126,14 @@ private:
         }
         case 18:
             return Recalculate(Expression());
-        default:
+        case 19:
             return Rewrite(Expression());
+        case 20:
+            return Compose(m_Reader.Pick(Job::kFormulas));
+        default: {
+            VariableImpl& variable = m_Job.Variable(m_Reader.Pick(Job::kVariables));
+            return variable.SetValue(One(kValues));
+        }
         }
     }
 
@@ -118,11 +145,43 @@ private:
         if (IsTooMuch())
             expression.SetExpr(CString());
     }
+    // A formula's text that is mostly sound: the reader's choices lead through a grammar.
+    void Compose(int index)
+    {
+        CFmlaExpression& expression = m_Job.Formula(index).GetExpression();
+        const bool isYesNo = m_Job.Formula(index).IsBoolean();
+        expression.SetFromEncodedString(CString(isYesNo ? Condition(2) : Number(3)));
+        if (IsTooMuch())
+            expression.SetExpr(CString());
+    }
+    std::string Number(int depth)
+    {
+        const int kind = depth == 0 ? 0 : m_Reader.Pick(6);
+        if (kind < 2)
+            return One(kOperands);
+        if (kind == 2)
+            return One(kFunctions) + Number(depth - 1) + ')';
+        if (kind == 3)
+            return One(kFunctionsOfTwo) + Number(depth - 1) + ',' + Number(depth - 1) + ')';
+        if (kind == 4)
+            return "IF(" + Condition(depth - 1) + ',' + Number(depth - 1) + ',' +
+                   Number(depth - 1) + ')';
+        return Number(depth - 1) + One(kOperators) + Number(depth - 1);
+    }
+    std::string Condition(int depth)
+    {
+        const int kind = depth == 0 ? 0 : m_Reader.Pick(4);
+        if (kind < 2)
+            return One(kConditions);
+        if (kind == 2)
+            return Condition(depth - 1) + " AND NOT (" + Condition(depth - 1) + ')';
+        return Number(depth - 1) + One(kComparisons) + Number(depth - 1);
+    }
     void Edit(CFmlaExpression& expression)
     {
         const int pos = m_Reader.Int();
         int wholeVar = 0;
-        expression.DeleteChars(pos, pos + m_Reader.Pick(3), &wholeVar);
+        expression.DeleteChars(pos, m_Reader.Pick(3) == 0 ? m_Reader.Int() : pos, &wholeVar);
         expression.InsertString(m_Reader.Text().Left(kLongestExpression), pos);
     }
     void Rewrite(CFmlaExpression& expression)
