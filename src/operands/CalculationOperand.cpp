@@ -10,9 +10,9 @@
 namespace {
 
 template <typename Object>
-Object& Required(bool isOfKind, Object* object)
+Object& Required(Object* object)
 {
-    if (!isOfKind || !object)
+    if (!object)
         AfxThrowInvalidArgException();
     return *object;
 }
@@ -151,23 +151,24 @@ CalculationOperand& CalculationOperand::operator=(CalcOpBase& other)
 
 IVarObj& CalculationOperand::GetVarObj()
 {
-    return Required(IsVariable(), CalcSet().GetVarObj(m_RefName, 1, 0));
+    // A set may make up a variable for any name that it is asked for.
+    return Required(IsVariable() ? CalcSet().GetVarObj(m_RefName, 1, 0) : nullptr);
 }
 
 IFormulaObj& CalculationOperand::GetFmlaObj()
 {
-    return Required(IsFormula(), CalcSet().GetFormulaObj(m_RefName));
+    return Required(IsFormula() ? CalcSet().GetFormulaObj(m_RefName) : nullptr);
 }
 
 IFormulaTableObj& CalculationOperand::GetFormtblObj()
 {
-    return Required(IsFormulaTable(), CalcSet().GetFormulaTableObj(m_RefName));
+    return Required(IsFormulaTable() ? CalcSet().GetFormulaTableObj(m_RefName) : nullptr);
 }
 
 CFmlaExpression& CalculationOperand::GetFmlaExpression()
 {
     // CreateNewExpression makes no other kind.
-    return static_cast<CFmlaExpression&>(Required(IsExpression(), m_Expression));
+    return static_cast<CFmlaExpression&>(Required(IsExpression() ? m_Expression : nullptr));
 }
 
 int CalculationOperand::GetInvalidPos()
