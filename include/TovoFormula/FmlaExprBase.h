@@ -101,7 +101,8 @@ public:
 
     // Scans the next token. Answers 1 with its text, its code and its position. Answers 0 at the
     // end of the text, with only the position set, and for a fault in a number, with the message id
-    // in GetMessageNum and reported to TrackError. What is no token comes as TOK_ILLEGAL.
+    // in GetMessageNum and reported to TrackError. What is no token comes as TOK_ILLEGAL. A scan
+    // that begins before the text throws CInvalidArgException.
     int FindFirstToken(CString& token, int& tokenCode, int& tokenPos, int startPos,
                        TEXT_LANGUAGE language);
     int FindNextToken(CString& token, int& tokenCode, int& tokenPos, TEXT_LANGUAGE language);
