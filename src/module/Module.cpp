@@ -1,5 +1,7 @@
 #include <TovoFormula/Module.h>
 
+#include <new>
+
 #include <TovoPlatform/StringResources.h>
 
 #include "StringTable.h"
@@ -22,5 +24,9 @@ AFX_EXTENSION_MODULE moduleRecord = FilledRecord();
 void InitTovoFormulaDLL(std::uintptr_t)
 {
     // The chain keeps it for as long as the process runs: the library has no shutdown.
-    static_cast<void>(new CDynLinkLibrary(moduleRecord, 0));
+    try {
+        static_cast<void>(new CDynLinkLibrary(moduleRecord, 0));
+    } catch (const std::bad_alloc&) {
+        // The call has no answer to tell it with, and the language stays English.
+    }
 }

@@ -1,9 +1,47 @@
+#include <cstdlib>
+#include <new>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include <TovoFormula/TovoFormula.h>
 #include <expression_text/Texts.h>
+
+namespace tovo::test {
+
+namespace {
+
+thread_local bool isNextMemoryRefused = false;
+
+} // namespace
+
+} // namespace tovo::test
+
+// All memory of this program and its libraries, so that a test can have a piece of it refused.
+void* operator new(std::size_t size)
+{
+    const bool isRefused = std::exchange(tovo::test::isNextMemoryRefused, false);
+    void* const memory = isRefused ? nullptr : std::malloc(size);
+    if (!memory)
+        throw std::bad_alloc();
+    return memory;
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return std::malloc(size);
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
 
 namespace tovo::test {
 
@@ -116,6 +154,18 @@ TEST(Module, EmptyNameFallsBackToTheEnglishOne)
     expression.SetExpr("SUM(1,2)+3");
     EXPECT_EQ(expression.IsValid(), 1);
     EXPECT_EQ(expression.GetValue(), 6.0);
+}
+
+TEST(Module, StartUpWithoutMemoryLeavesTheChainAsItWas)
+{
+    static constexpr AfxStringResource kNewest[] = {{6600, u"newest"}};
+    AFX_EXTENSION_MODULE record;
+    ASSERT_EQ(AfxInitExtensionModule(record, kNewest, 1), 1);
+    const CDynLinkLibrary newest(record);
+    isNextMemoryRefused = true;
+    EXPECT_NO_THROW(InitTovoFormulaDLL(0));
+    EXPECT_FALSE(isNextMemoryRefused);
+    EXPECT_EQ(Resource(6600), "newest");
 }
 
 } // namespace
