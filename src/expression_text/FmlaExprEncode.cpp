@@ -184,6 +184,8 @@ void CFmlaExprBase::SetFromEncodedString(CString encoded)
     decoder.Run();
     SetExpr(CString(decoder.TakeText()));
     TranslateAndTake(decoder.TakeReferences(), TL_LOCAL);
+    // Whoever was told of a fault in a number may have marked it.
+    m_InvalidPos = -1;
 }
 
 CString CFmlaExprBase::EncodeVariable(const CString& name, int kind)

@@ -144,6 +144,21 @@ TEST(StoredForms, FaultInANumberStopsTheTranslation)
     EXPECT_EQ(expression.GetMessageNum(), 6616);
 }
 
+TEST(StoredForms, ReadingLeavesNoMarkThatAHostSetAtAFault)
+{
+    struct : CFmlaExprBase {
+        using CFmlaExprBase::operator=;
+        void TrackError(unsigned int message) override
+        {
+            CFmlaExprBase::TrackError(message);
+            m_InvalidPos = m_ScanPos;
+        }
+    } expression;
+    expression.SetFromEncodedString("1+1.2.3");
+    EXPECT_EQ(expression.GetMessageNum(), 6620);
+    EXPECT_EQ(expression.GetInvalidPos(), -1);
+}
+
 // A text as users leave them, correct or not, with up to a dozen references. Lower-case letters are
 // left out of the literals: behind one, a literal text that reads like a reference gets a blank
 // only when it has become one.
