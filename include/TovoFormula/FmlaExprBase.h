@@ -8,13 +8,13 @@
 #include <TovoPlatform/Collections.h>
 
 // The spelling of a text. Any other value acts as TL_ENGLISH.
-enum TEXT_LANGUAGE {
+enum TEXT_LANGUAGE : int {
     TL_ENGLISH = 0, // the fixed English names, "." and ","
     TL_LOCAL = 1,   // the user's names and separators
 };
 
 // Where a position inside a reference goes. Any value beyond these acts as FD_RIGHT.
-enum FMLA_DIRECTION {
+enum FMLA_DIRECTION : int {
     FD_NEAREST = 0,
     FD_LEFT = 1,
     FD_RIGHT = 2,

@@ -205,6 +205,7 @@ TEST_F(Editing, CursorStandsOutsideReferences)
         EXPECT_EQ(m_Expression.FixPos(row.pos, FD_NEAREST), row.nearest);
         EXPECT_EQ(m_Expression.FixPos(row.pos, FD_LEFT), row.left);
         EXPECT_EQ(m_Expression.FixPos(row.pos, FD_RIGHT), row.right);
+        EXPECT_EQ(m_Expression.FixPos(row.pos, FMLA_DIRECTION{-1}), row.right);
     }
     int index = 77;
     EXPECT_EQ(m_Expression.InVar(5, nullptr), 1);

@@ -89,6 +89,7 @@ TEST(Scanner, LocalTextTakesTheUsersNamesAndSeparators)
         {",", ";", TL_LOCAL, {"1,5,2[]", "6620@0"}},
         {",", ";", TL_LOCAL, {"NICHT JA NICHTJA[]", "28:NICHT@0 32:JA@6 3:NICHTJA@9 end@16"}},
         {",", ";", TL_ENGLISH, {"WENN 1.5[]", "3:WENN@0 4:1.5@5 end@8"}},
+        {",", ";", TEXT_LANGUAGE{7}, {"WENN 1.5[]", "3:WENN@0 4:1.5@5 end@8"}},
         {",", ";", TL_ENGLISH, {"1,5;2[]", "4:1@0 5:,@1 4:5@2 3:;@3 4:2@4 end@5"}},
         {"", "||", TL_LOCAL, {"1||2|3,4[]", "4:1@0 5:||@1 4:2@3 3:|@4 4:3@5 3:,@6 4:4@7 end@8"}},
         // The digits come first, so a list separator that is also the decimal one never separates.
