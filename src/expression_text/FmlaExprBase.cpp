@@ -1,5 +1,6 @@
 #include <TovoFormula/FmlaExprBase.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "../expression_core/Names.h"
@@ -104,7 +105,8 @@ CString CFmlaExprBase::VarName(int index) const
 
 int CFmlaExprBase::IsSingleVarElement() const
 {
-    return NumVars() == 1 && VarPos(0) == 0 && VarLength(0) >= m_ExprText.GetLength() ? 1 : 0;
+    const int needed = std::max(m_ExprText.GetLength(), 1);
+    return NumVars() == 1 && VarPos(0) == 0 && VarLength(0) >= needed ? 1 : 0;
 }
 
 int CFmlaExprBase::IsSingleVariable() const

@@ -205,7 +205,10 @@ int CFmlaExprBase::FindReference(int pos, int* pIndex, Judge judge) const
     if (pos < 0 || pos > m_ExprTextLimit)
         return 0;
     for (int index = 0; index < NumVars(); ++index) {
-        const Verdict verdict = judge(EntryAt(index), pos);
+        const Reference reference = EntryAt(index);
+        if (reference.length == 0) // holds no text, so an editor meets nothing there
+            continue;
+        const Verdict verdict = judge(reference, pos);
         if (verdict == Verdict::Stop)
             return 0;
         if (verdict == Verdict::GoOn)

@@ -251,6 +251,16 @@ TEST_F(Editing, TrailingBlanksTakeNoRoom)
     ExpectRefused(m_Expression.InsertString("", 0));
 }
 
+TEST_F(Editing, EntryOfNoLengthIsAbsent)
+{
+    m_Expression.SetExpr("1+2", "1,0,0,");
+    EXPECT_EQ(At(1), "");
+    EXPECT_EQ(Delete(1, 1), 1);
+    EXPECT_EQ(m_Expression.GetTextStr().ToUtf8(), "12");
+    m_Expression.SetExpr("", "0,0,0,");
+    EXPECT_EQ(m_Expression.IsSingleVarElement(), 0);
+}
+
 TEST_F(Editing, SixteenthReferenceIsRefused)
 {
     for (int i = 0; i < 15; ++i)
