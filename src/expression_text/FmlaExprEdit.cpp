@@ -58,7 +58,8 @@ int CFmlaExprBase::InsertString(const CString& text, int pos)
     if (pos < 0 || pos >= m_ExprTextLimit || InVar(pos, nullptr))
         return 0;
     const int inserted = text.GetLength();
-    const int taken = std::max(LengthWithoutTrailingBlanks(m_ExprText), VarEndPos(NumVars() - 1));
+    const int referenceEnd = std::min(VarEndPos(NumVars() - 1), m_ExprText.GetLength());
+    const int taken = std::max(LengthWithoutTrailingBlanks(m_ExprText), referenceEnd);
     const int room = m_ExprTextLimit - std::max(pos, taken);
     if (inserted > room)
         return 0;

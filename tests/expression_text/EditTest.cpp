@@ -249,6 +249,11 @@ TEST_F(Editing, TrailingBlanksTakeNoRoom)
     // Not even an empty text goes into one that is too long.
     Start("12345", 4);
     ExpectRefused(m_Expression.InsertString("", 0));
+    // A loaded entry that reaches behind the text takes no room there.
+    m_Expression.SetExpr("1+2", "2,40000,1,");
+    m_Expression.SetExprTextLimit(4);
+    EXPECT_EQ(m_Expression.InsertString("3", 0), 1);
+    EXPECT_EQ(Whole(m_Expression), "31+2[3,40000,1,]");
 }
 
 TEST_F(Editing, EntryOfNoLengthIsAbsent)
