@@ -458,7 +458,10 @@ int Sequence::Reenact(CExprToken& token)
 {
     const CExprToken& before = *m_Completed[m_Reenacted]->GetData();
     const bool hasFailed = m_Reenacted++ == CompletedAt();
-    token.m_Value = before.m_Value;
+    // A failure on the domain has left 0.0 and any other none, so a token that fails keeps what it
+    // was made with.
+    if (!hasFailed)
+        token.m_Value = before.m_Value;
     token.m_CalcError = before.m_CalcError;
     token.m_Calculated = hasFailed ? 0 : 1;
     if (hasFailed)

@@ -122,6 +122,19 @@ TEST_F(HostObjects, FailureOfAFormulaOrATableComesOutUnchanged)
     }
 }
 
+TEST_F(HostObjects, TokenThatFailsHasNoValueOfAnEarlierCheck)
+{
+    m_F.m_Message = 6611;
+    for (int count = 0; count < 3; ++count)
+        EXPECT_EQ(Check("F(f)+1"), 0u);
+    m_F.m_OnCalculate = [this](CScannedVariables*) { m_F.m_Succeeds = false; };
+    EXPECT_EQ(Check("F(f)+1"), 6611u);
+    const auto* const token = dynamic_cast<CExprToken*>(m_Set.m_Tracker.GetObj(0));
+    ASSERT_NE(token, nullptr);
+    EXPECT_EQ(token->GetValue(), 0.0);
+    EXPECT_EQ(token->IsCalculated(), 0);
+}
+
 TEST_F(HostObjects, TableWithAnUnknownVariableFailsWithoutAMessage)
 {
     FormulaTableImpl table(&m_Set, 2, 1);
