@@ -200,6 +200,7 @@ int CFmlaExpression::CalculateAgain(int nested)
         case Sequence::Stop::Failure:
             return ReenactFailure(nested, std::nullopt);
         case Sequence::Stop::Nested:
+            m_MessageNum = MSG_NONE;
             const bool isFormula = sequence.Token().IsFormula() != 0;
             if (!(isFormula ? CheckNested(sequence.Find<IFormulaObj>(), sequence.Name())
                             : CheckNested(sequence.Find<IFormulaTableObj>(), sequence.Name())))

@@ -135,6 +135,17 @@ TEST_F(HostObjects, TokenThatFailsHasNoValueOfAnEarlierCheck)
     EXPECT_EQ(token->IsCalculated(), 0);
 }
 
+// The value is read, and so the expression come back to, before the table is checked.
+TEST_F(HostObjects, MessageOfComingBackIsNotThatOfALaterFailure)
+{
+    for (int count = 0; count < 3; ++count)
+        EXPECT_EQ(Check("V(x)+T(t)-1"), 0u);
+    m_X.m_OnRead = [this] { EXPECT_EQ(m_Expression.LoadExpressionTree(1), 0); };
+    m_T.m_Succeeds = false;
+    EXPECT_EQ(Check("V(x)+T(t)-1"), 0u);
+    EXPECT_EQ(m_Expression.IsLoaded(), 0);
+}
+
 TEST_F(HostObjects, TableWithAnUnknownVariableFailsWithoutAMessage)
 {
     FormulaTableImpl table(&m_Set, 2, 1);
