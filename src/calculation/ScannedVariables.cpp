@@ -1,5 +1,7 @@
 #include <TovoFormula/ScannedVariables.h>
 
+#include "../expression_core/Pass.h"
+
 namespace {
 
 CString Trimmed(CString name)
@@ -19,6 +21,8 @@ CScannedVariables::CScannedVariables()
 
 CScannedVariables::~CScannedVariables()
 {
+    // What was scanned into this list is remembered by its address, which the next list may have.
+    tovo::detail::Pass::NoteChange();
     if (m_OwnsList)
         delete m_VariableList;
 }

@@ -1,3 +1,5 @@
+#include <optional>
+
 #include "Job.h"
 
 namespace tovo::test {
@@ -194,6 +196,23 @@ TEST_F(HostObjectsInAStockSet, StockAndHostObjectsCalculateOneAnother)
         rate.m_Value = base.GetValue();
     };
     EXPECT_EQ(ValueOf(inner), 10.0);
+}
+
+TEST_F(HostObjectsInAStockSet, EachListOfAHostIsFilled)
+{
+    FormulaImpl& base = Formula("Base", "V(x)+V(y)");
+    // The lists stand one after another at the same place.
+    std::optional<CScannedVariables> list;
+    std::string met;
+    HostVariable own("Own", 1.0);
+    own.m_OnRead = [&] {
+        list.emplace();
+        EXPECT_EQ(MessageOfCalculation(base, &*list), 0u);
+        met += '[' + Names(*list) + ']';
+    };
+    m_Set.m_HostVariables["Own"] = &own;
+    EXPECT_EQ(MessageOfCheck(Formula("Outer", "V(Own)+V(Own)"), 1), 0u);
+    EXPECT_EQ(met, "[x y][x y]");
 }
 
 } // namespace
