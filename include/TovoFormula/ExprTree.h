@@ -2,7 +2,6 @@
 #define TOVOFORMULA_EXPRTREE_H
 
 #include <memory>
-#include <optional>
 
 #include <TovoFormula/Tree.h>
 #include <TovoPlatform/Collections.h>
@@ -94,7 +93,7 @@ private:
     bool IsRecorded() const;
     tovo::detail::Sequence& StartAgain(int nested);
     void ConcludeAgain();
-    void StartReenacting(std::optional<int> checkMessage);
+    std::unique_ptr<CETree> TakeOut();
     void EndReenacting();
     bool IsReenacted() const;
 

@@ -2,7 +2,6 @@
 #define TOVOFORMULA_FMLAEXPRESSION_H
 
 #include <cstdint>
-#include <optional>
 
 #include <TovoFormula/ExprTree.h>
 #include <TovoFormula/FmlaExprBase.h>
@@ -12,7 +11,8 @@ struct IFormulaTableObj;
 
 namespace tovo::detail {
 struct OwnObjects;
-}
+struct SequenceCut;
+} // namespace tovo::detail
 
 // An expression bound to a calculation set: its text can be checked and calculated.
 //
@@ -109,7 +109,8 @@ private:
     bool IsBuiltFromPresent() const;
     int BuildTree(int nested);
     int CalculateAgain(int nested);
-    int ReenactFailure(int nested, std::optional<int> checkMessage);
+    bool RunAgain(tovo::detail::Sequence& sequence, tovo::detail::SequenceCut& cut);
+    int Reenact(int nested, const tovo::detail::SequenceCut& cut);
     bool PassesCheck(int code, const CString& token);
     int Fail(unsigned int message);
     int InsertScanned(int code, const CString& token, int pos, int nested);

@@ -1,5 +1,6 @@
 #include <TovoFormula/FmlaExpression.h>
 
+#include <exception>
 #include <memory>
 #include <optional>
 
@@ -188,37 +189,59 @@ int CFmlaExpression::BuildTree(int nested)
 int CFmlaExpression::CalculateAgain(int nested)
 {
     Sequence& sequence = m_Tree.StartAgain(nested);
+    SequenceCut cut;
+    try {
+        if (RunAgain(sequence, cut)) {
+            m_Tree.ConcludeAgain();
+            m_ScanPos = m_ExprText.GetLength();
+            return 1;
+        }
+    } catch (...) {
+        cut.thrown = std::current_exception();
+    }
+    return Reenact(nested, cut);
+}
+
+bool CFmlaExpression::RunAgain(Sequence& sequence, SequenceCut& cut)
+{
     for (;;) {
         switch (sequence.Run()) {
         case Sequence::Stop::TextEnd:
             m_MessageNum = MSG_NONE;
             break;
         case Sequence::Stop::End:
-            m_Tree.ConcludeAgain();
-            m_ScanPos = m_ExprText.GetLength();
-            return 1;
+            return true;
         case Sequence::Stop::Failure:
-            return ReenactFailure(nested, std::nullopt);
+            return false;
         case Sequence::Stop::Nested:
             m_MessageNum = MSG_NONE;
             const bool isFormula = sequence.Token().IsFormula() != 0;
             if (!(isFormula ? CheckNested(sequence.Find<IFormulaObj>(), sequence.Name())
-                            : CheckNested(sequence.Find<IFormulaTableObj>(), sequence.Name())))
-                return ReenactFailure(nested, m_MessageNum);
+                            : CheckNested(sequence.Find<IFormulaTableObj>(), sequence.Name()))) {
+                cut.message = m_MessageNum;
+                return false;
+            }
             m_MessageNum = MSG_NONE;
+            cut.isReading = true;
             if (!sequence.ReadNested())
-                return ReenactFailure(nested, std::nullopt);
+                return false;
+            cut.isReading = false;
         }
     }
 }
 
-int CFmlaExpression::ReenactFailure(int nested, std::optional<int> checkMessage)
+// Builds the tree as it is built up to the failure, or up to where an object of the host has thrown
+// something, which goes on from there.
+int CFmlaExpression::Reenact(int nested, const SequenceCut& cut)
 {
+    struct End {
+        CExprTree& tree;
+        ~End() { tree.EndReenacting(); }
+    };
     m_MessageNum = MSG_NONE;
-    m_Tree.StartReenacting(checkMessage);
-    const int isBuilt = BuildTree(nested);
-    m_Tree.EndReenacting();
-    return isBuilt;
+    m_Tree.m_Sequence->StartReenacting(m_Tree.TakeOut(), cut);
+    const End end{m_Tree};
+    return BuildTree(nested);
 }
 
 // Takes one token of the text into the tree, a reference after its check. The position at fault is

@@ -103,13 +103,12 @@ void CExprTree::ConcludeAgain()
     m_Root->GetData()->SetLoaded(1);
 }
 
-// Makes way for building the tree anew, up to where its sequence has failed.
-void CExprTree::StartReenacting(std::optional<int> checkMessage)
+// Makes way for building the tree anew, beside its sequence.
+std::unique_ptr<CETree> CExprTree::TakeOut()
 {
-    m_Sequence->StartReenacting(std::unique_ptr<CETree>(m_Root), checkMessage);
-    m_Root = nullptr;
     m_Current = nullptr;
     m_LastToken = nullptr;
+    return std::unique_ptr<CETree>(std::exchange(m_Root, nullptr));
 }
 
 void CExprTree::EndReenacting()

@@ -447,17 +447,19 @@ void Sequence::ClearStrError()
     m_IsStrErrorClear = true;
 }
 
-void Sequence::StartReenacting(std::unique_ptr<CETree> tree, std::optional<int> checkMessage)
+void Sequence::StartReenacting(std::unique_ptr<CETree> tree, const SequenceCut& cut)
 {
     m_Tree = std::move(tree);
     m_Reenacted = 0;
-    m_CheckMessage = checkMessage;
+    m_Cut = cut;
 }
 
 int Sequence::Reenact(CExprToken& token)
 {
     const CExprToken& before = *m_Completed[m_Reenacted]->GetData();
     const bool hasFailed = m_Reenacted++ == CompletedAt();
+    if (hasFailed && m_Cut.thrown)
+        std::rethrow_exception(m_Cut.thrown);
     // A failure on the domain has left 0.0 and any other none, so a token that fails keeps what it
     // was made with.
     if (!hasFailed)
@@ -467,6 +469,15 @@ int Sequence::Reenact(CExprToken& token)
     if (hasFailed)
         m_CalcSet.ErrorTracker().SetError(token.m_CalcError, &token);
     return token.m_Calculated;
+}
+
+std::optional<int> Sequence::ReenactCheck() const
+{
+    if (m_Reenacted != CompletedAt() || m_Cut.isReading)
+        return std::nullopt;
+    if (m_Cut.thrown)
+        std::rethrow_exception(m_Cut.thrown);
+    return m_Cut.message;
 }
 
 } // namespace tovo::detail

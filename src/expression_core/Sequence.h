@@ -2,6 +2,7 @@
 #define TOVOFORMULA_SRC_SEQUENCE_H
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -20,6 +21,13 @@ struct IFormulaTableObj;
 struct IVarObj;
 
 namespace tovo::detail {
+
+// How a sequence was cut short at the step where it stands.
+struct SequenceCut {
+    bool isReading = false;    // a formula or a table had passed its check
+    int message = 0;           // of that check
+    std::exception_ptr thrown; // by an object of the host; null for a failure
+};
 
 // The order in which the nodes of a tree were completed while it was built, to calculate them again
 // with the present values instead of building the tree anew from the same text: each token comes to
@@ -71,18 +79,14 @@ public:
     // Reads it, and goes on behind it.
     bool ReadNested();
 
-    // Begins to reenact the sequence up to where it has stopped: because the check of a formula or
-    // a table has failed, with that message, or else its calculation or that of another token. The
-    // tree that it speaks of is kept until the end of this object.
-    void StartReenacting(std::unique_ptr<CETree> tree, std::optional<int> checkMessage);
+    // Begins to reenact the sequence up to where it was cut. The tree that it speaks of is kept
+    // until the end of this object.
+    void StartReenacting(std::unique_ptr<CETree> tree, const SequenceCut& cut);
     bool IsReenacted() const { return m_Tree != nullptr; }
-    // Gives the token built anew what its predecessor came to.
+    // Gives the token built anew what its predecessor came to, or throws what that has thrown.
     int Reenact(CExprToken& token);
-    // The message of the check that comes next, nothing if it was passed.
-    std::optional<int> ReenactCheck() const
-    {
-        return m_Reenacted == CompletedAt() ? m_CheckMessage : std::nullopt;
-    }
+    // The message of the check that comes next, nothing if it was passed; or throws.
+    std::optional<int> ReenactCheck() const;
 
 private:
     struct Step {
@@ -158,7 +162,7 @@ private:
 
     std::unique_ptr<CETree> m_Tree; // the one that is reenacted
     std::size_t m_Reenacted = 0;    // how many of the nodes completed
-    std::optional<int> m_CheckMessage;
+    SequenceCut m_Cut;
 };
 
 } // namespace tovo::detail

@@ -3,6 +3,7 @@
 #include <memory>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <type_traits>
 
 #include <calculation/Job.h>
@@ -155,6 +156,7 @@ private:
         if constexpr (std::is_same_v<Set, JobSet>) {
             m_Set.m_HostFormulas[u"host"] = &m_HostFormula;
             m_HostFormula.m_OnCalculate = [this](CScannedVariables* list) {
+                ThrowIf(2);
                 m_Variables[0]->SetValue(m_Variables[0]->GetValue() + 1.0);
                 m_HostVariable.m_Value = -m_HostVariable.m_Value;
                 m_HostFormula.m_Value = 0.0;
@@ -166,9 +168,16 @@ private:
                     m_HostFormula.m_Value = inner.GetValue();
             };
             m_Set.m_HostVariables[u"own"] = &m_HostVariable;
+            m_HostVariable.m_OnRead = [this] { ThrowIf(1); };
             if (m_Dice.OneIn(2))
                 m_Set.ReportDomainErrors();
         }
+    }
+
+    void ThrowIf(int thrower) const
+    {
+        if (m_Thrower == thrower)
+            throw std::runtime_error("a host's object");
     }
 
     std::string Text(const CString& name)
@@ -184,13 +193,28 @@ private:
 
     void Act()
     {
-        FormulaImpl& formula = One(m_Formulas);
-        FormulaTableImpl& table = One(m_Tables);
         CScannedVariables list;
         unsigned int message = 77;
         int result = -1;
         const int action = m_Dice.Below(18);
-        m_HostCalls = 0;
+        m_Thrower = m_Dice.OneIn(6) ? 1 + m_Dice.Below(2) : 0;
+        // Who is thrown through while it is come back to may keep the message of that.
+        m_HostCalls = m_Thrower ? kHostCalls : 0;
+        try {
+            Do(action, list, message, result);
+        } catch (const std::runtime_error&) {
+            result = -2;
+        }
+        m_Thrower = 0;
+        m_Seen << '\n'
+               << action << ' ' << result << ' ' << message << ' ' << Names(list)
+               << list.DURATIONScanned() << list.JOBSIZEScanned() << list.QuantityScanned();
+        Look();
+    }
+    void Do(int action, CScannedVariables& list, unsigned int& message, int& result)
+    {
+        FormulaImpl& formula = One(m_Formulas);
+        FormulaTableImpl& table = One(m_Tables);
         switch (action) {
         case 0:
             One(m_Variables).SetValue(m_Dice.Below(4) - 1);
@@ -240,10 +264,6 @@ private:
             m_Set.StartNewPass();
             result = formula.Calculate(message, nullptr);
         }
-        m_Seen << '\n'
-               << action << ' ' << result << ' ' << message << ' ' << Names(list)
-               << list.DURATIONScanned() << list.JOBSIZEScanned() << list.QuantityScanned();
-        Look();
     }
     void Look()
     {
@@ -272,6 +292,7 @@ private:
     HostFormula m_HostFormula{u"host", 0.0};
     HostVariable m_HostVariable{u"own", 2.0};
     int m_HostCalls = 0; // in the present action
+    int m_Thrower = 0;   // of the present action: 1 the variable, 2 the formula, 0 none
     std::ostringstream m_Seen;
 };
 
