@@ -19,15 +19,19 @@
 namespace tovo::detail {
 
 // Stands for a state of everything that calculations rest on. Two equal stamps other than
-// kNeverStamped belong to one pass in which nothing changed.
+// kNeverStamped belong to one pass in which nothing changed. No two threads give the same one,
+// since a set may be handed from thread to thread: each thread takes its stamps from blocks of its
+// own.
 using Stamp = std::uint64_t;
 inline constexpr Stamp kNeverStamped = 0;
+inline constexpr Stamp kStampsInBlock = Stamp(1) << 32;
+inline constexpr Stamp kNoBlockYet = kStampsInBlock - 1;
 
 struct PassState {
     int depth = 0;
     bool isInForeignCall = false;
     bool isRemembering = true;
-    Stamp present = kNeverStamped;
+    Stamp present = kNoBlockYet;
     Stamp foreignReads = 0;
 };
 
@@ -58,7 +62,11 @@ public:
         return state.present;
     }
     // Voids what was remembered. Every operation calls it that changes what a calculation may read.
-    static void NoteChange() { ++state.present; }
+    static void NoteChange()
+    {
+        if (++state.present % kStampsInBlock == 0)
+            state.present = NextBlock();
+    }
     // Reads a variable. One that is not exactly a stock variable may have another value each time,
     // so nothing that was calculated from it is remembered: the number of such reads tells.
     static double ValueOf(IVarObj& variable)
@@ -76,6 +84,9 @@ public:
 private:
     friend class NestedCall;
     friend class NoChange;
+
+    // The first stamp of a block that no thread has had.
+    static Stamp NextBlock();
 
     static inline constinit thread_local PassState state;
 

@@ -171,6 +171,17 @@ TEST_F(CalcSet, ThreadsCalculateSetsOfTheirOwn)
     other.join();
 }
 
+TEST_F(CalcSet, SetIsHandedFromThreadToThread)
+{
+    VariableImpl& variable = Var("x");
+    FormulaImpl& formula = Formula("Twice", "V(x)*2");
+    for (int run = 0; run < 4; ++run)
+        std::thread([&] {
+            variable.SetValue(run);
+            EXPECT_EQ(ValueOf(formula), 2.0 * run);
+        }).join();
+}
+
 } // namespace
 
 } // namespace tovo::test
