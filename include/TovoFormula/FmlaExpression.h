@@ -123,7 +123,7 @@ private:
     template <typename Object>
     int CheckFound(Object& object);
     int FailMissing(unsigned int message, const CString& missing);
-    void ScanStatically(CScannedVariables& list);
+    void ScanStatically(CScannedVariables& list, int all);
     bool IsFormulaAt(int index, const CString& name) const;
     bool HasFormula(const CString& name) const;
     void DeleteUpToNeighbour(int index);

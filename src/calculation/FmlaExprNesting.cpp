@@ -104,7 +104,7 @@ int CFmlaExpression::CheckFound(Object& object)
     return 0;
 }
 
-void CFmlaExpression::ScanStatically(CScannedVariables& list)
+void CFmlaExpression::ScanStatically(CScannedVariables& list, int all)
 {
     StaticScan scan(list);
     if (scan.IsTooDeep() || !scan.Enters(this))
@@ -114,7 +114,7 @@ void CFmlaExpression::ScanStatically(CScannedVariables& list)
             return;
         const NestedCall call(*object);
         if (!object->GetScanned() && scan.Enters(object))
-            object->GetVariables(list, 1, 0);
+            object->GetVariables(list, all, 0);
     };
     for (const auto& [code, text] : ReferencesIn(m_Tree)) {
         const CString name = BareName(text);

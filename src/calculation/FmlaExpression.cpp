@@ -146,7 +146,7 @@ void CFmlaExpression::GetVariables(CScannedVariables& list, int all, int clear)
     if (clear)
         CalcSet().ClearScannedFlags(1);
     if (all)
-        ScanStatically(list);
+        ScanStatically(list, all);
     else
         Calculate(&list);
 }

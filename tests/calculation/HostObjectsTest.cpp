@@ -57,8 +57,8 @@ TEST_F(HostObjects, ScanHandsItsListOn)
     };
     m_T.m_Scanned = 1;
     CScannedVariables walked;
-    m_Expression.GetVariables(walked, 1, 1);
-    EXPECT_EQ(Names(walked), "x f10");
+    m_Expression.GetVariables(walked, 7, 1);
+    EXPECT_EQ(Names(walked), "x f70");
     EXPECT_EQ(m_T.m_Scans, 0) << "it says that it was walked already";
     EXPECT_EQ(m_Set.m_ClearScannedFlagsCalls, 2);
 
