@@ -48,11 +48,13 @@ std::vector<TreeReference> ReferencesIn(const CExprTree& tree)
 
 int CFmlaExpression::CheckNestedFormula(CString name)
 {
+    const Pass pass;
     return CheckNestedReference(TOK_FORMULA, name);
 }
 
 int CFmlaExpression::CheckNestedFormtbl(CString name)
 {
+    const Pass pass;
     return CheckNestedReference(TOK_FORMTBL, name);
 }
 

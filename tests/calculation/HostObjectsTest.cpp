@@ -215,6 +215,22 @@ TEST_F(HostObjectsInAStockSet, EachListOfAHostIsFilled)
     EXPECT_EQ(met, "[x y][x y]");
 }
 
+TEST_F(HostObjectsInAStockSet, HostThatChecksAFormulaHasItCheckedAnew)
+{
+    HostFormula rate("Rate", 3.0);
+    m_Set.m_HostFormulas["Rate"] = &rate;
+    Formula("Base", "1");
+    Formula("Sum", "F(Base)");
+    FormulaImpl& outer = Formula("Outer", "F(Sum)+F(Rate)");
+    CFmlaExpression checker(m_Set);
+    rate.m_OnCalculate = [&](CScannedVariables*) {
+        m_Set.m_HostFormulas["Base"] = nullptr;
+        EXPECT_EQ(checker.CheckNestedFormula("Sum"), 0);
+        m_Set.m_HostFormulas.erase("Base");
+    };
+    EXPECT_EQ(ValueOf(outer), 4.0);
+}
+
 } // namespace
 
 } // namespace tovo::test
