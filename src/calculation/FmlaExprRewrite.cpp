@@ -2,7 +2,7 @@
 
 #include "../expression_text/ReferenceTable.h"
 
-using tovo::detail::Renaming;
+using namespace tovo::detail;
 
 int CFmlaExpression::ChangeFormulaInExpression(const CString& oldName, const CString& newName)
 {
@@ -39,11 +39,18 @@ bool CFmlaExpression::IsFormulaAt(int index, const CString& name) const
     return VarType(index) == TOK_FORMULA && VarLength(index) > 0 && VarName(index) == name;
 }
 
+// Among the references that the encoded string has. A host's table may hold others.
 bool CFmlaExpression::HasFormula(const CString& name) const
 {
-    for (int index = 0; index < NumVars(); ++index)
-        if (IsFormulaAt(index, name))
+    const std::vector<Reference> references = ReferencesOf(m_VarPtrs);
+    const int length = m_ExprText.GetLength();
+    int end = 0;
+    for (std::size_t next = NextEffective(references, 0, end, length); next < references.size();
+         next = NextEffective(references, next, end, length)) {
+        if (IsFormulaAt(static_cast<int>(next), name))
             return true;
+        end = references[next].End();
+    }
     return false;
 }
 

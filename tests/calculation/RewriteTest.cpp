@@ -69,6 +69,9 @@ TEST_F(Rewriting, RenamingPassesThroughTheEncodedString)
     EXPECT_EQ(m_Expression.ChangeFormulaInExpression("Y", "Z"), 0);
     EXPECT_EQ(Whole(m_Expression), "NOT X +1[3,3,1,]");
     EXPECT_EQ(m_Expression.GetInvalidPos(), 4);
+    m_Expression.SetExpr(" X  Y ", "3,3,1,0,3,1");
+    EXPECT_EQ(m_Expression.ChangeFormulaInExpression("X", "Z"), 0) << "behind Y, it is literal";
+    EXPECT_EQ(Whole(m_Expression), " X  Y [3,3,1,0,3,1,]");
     const UserLanguage german(",", ";", kGermanNames);
     EXPECT_EQ(Rename("IF(F(X)>1.5,F(X),2)", "X", "Yy", 1), "WENN( Yy >1,5; Yy ;2)[5,4,1,14,4,1,]");
     EXPECT_EQ(m_Expression.GetInvalidPos(), -1);
