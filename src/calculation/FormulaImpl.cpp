@@ -40,8 +40,10 @@ int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
     if (!Validate(message, 1))
         return 0;
     // Building the tree has calculated it already.
-    if (isFree && m_Memory->IsCalculated(m_Expression.m_TreeState, list))
+    if (isFree && m_Memory->IsCalculated(m_Expression.m_TreeState, list)) {
+        StrError::Give(*m_CalcSet, m_Memory->LeftStrError());
         return 1;
+    }
     const Stamp readsBefore = Pass::ForeignReads();
     if (!m_Expression.Calculate(list)) {
         message = static_cast<unsigned int>(m_Expression.GetMessageNum());

@@ -40,7 +40,7 @@ public:
         m_IsScannedInCondition = wasInCondition || CExprTree::InIfCondition();
     }
 
-    // What the set's text of a mathematical error was behind the success.
+    // What the set's text of a mathematical error would be behind the same success, had again.
     const CString& LeftStrError() const { return m_StrError; }
 
 private:

@@ -145,6 +145,7 @@ public:
         if (text.IsEmpty() && own && IsClear(*own))
             return;
         isLeft = !text.IsEmpty();
+        isOfTable = false;
         last = text;
         calcSet.SetStrError(text);
     }
@@ -153,15 +154,21 @@ public:
     {
         return !isLeft && !OwnObjects::HasStrError(calcSet);
     }
-    // Takes down what was last given.
+    // What was last given came from a table, which answers from its value the next time and gives
+    // no more than the empty text that its token gives.
+    static void NoteTable() { isOfTable = true; }
+    // Takes down what would be given last if the same were calculated again.
     static void Keep(CString& text)
     {
-        if (isLeft || !text.IsEmpty())
+        if (isOfTable)
+            text.Empty();
+        else if (isLeft || !text.IsEmpty())
             text = last;
     }
 
 private:
     static inline constinit thread_local bool isLeft = false; // the last one is not empty
+    static inline constinit thread_local bool isOfTable = false;
     static thread_local CString last;
 };
 

@@ -107,6 +107,7 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
         return 0;
     m_Value = cell->value();
     m_Calculated = 1;
+    StrError::NoteTable();
     if (list) {
         m_Scanned = 1;
         if (CExprTree::InIfCondition())

@@ -136,6 +136,12 @@ TEST_F(CalcSet, MathematicalErrorLeavesItsText)
     formula.SetFromEncodedString("COSH(0)");
     EXPECT_EQ(MessageOfCalculation(formula), 0u);
     EXPECT_TRUE(m_Set.GetStrError().IsEmpty());
+
+    // Checking the formula calculates the table, which answers from its value after that.
+    Table("Table", "1000", {"FB", "0"});
+    Formula("B", "COSH(1000)");
+    EXPECT_EQ(ValueOf(Formula("C", "T(Table)")), 0.0);
+    EXPECT_TRUE(m_Set.GetStrError().IsEmpty());
 }
 
 // Everything that leaves traces in shared state: conditions, names under validation, a circle, a
