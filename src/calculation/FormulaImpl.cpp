@@ -4,6 +4,7 @@
 
 #include "../expression_core/FormulaMemory.h"
 #include "../expression_core/Names.h"
+#include "NamesInPass.h"
 
 using namespace tovo::detail;
 
@@ -96,6 +97,8 @@ int FormulaImpl::Validate(unsigned int& message, int nested)
         StrError::Give(*m_CalcSet, m_Memory->LeftStrError());
         return 1;
     }
+    if (nested && Pass::IsRemembering())
+        NamesInPass::Note(m_Name, *this, m_Memory->FormulasWith(*m_CalcSet, m_Name, this));
     const Stamp before = Pass::Now();
     const Stamp readsBefore = Pass::ForeignReads();
     if (!m_Expression.Validate(message, m_Name, nested))

@@ -14,6 +14,24 @@ namespace tovo::detail {
 // formula says at each question which state that is.
 class FormulaMemory {
 public:
+    // Where the set has the formula under its own name, null for nowhere. Looked up only if the
+    // name or the set's names have changed; a set that is no CalcSetImpl tells nothing.
+    const CObject* FormulasWith(ICalculationSet& calcSet, const CString& name,
+                                const FormulaImpl* formula)
+    {
+        if (!m_Set)
+            m_Set = dynamic_cast<const CalcSetImpl*>(&calcSet);
+        if (!m_Set)
+            return nullptr;
+        const std::uint64_t state = OwnObjects::NestedState(*m_Set);
+        if (state != m_NamesState || name != m_Name) {
+            m_Formulas = OwnObjects::FormulasWith(*m_Set, name, formula);
+            m_NamesState = state;
+            m_Name = name;
+        }
+        return m_Formulas;
+    }
+
     bool IsValidated(std::uint64_t treeState) const { return Holds(m_Validated, treeState); }
     void NoteValidated(std::uint64_t treeState) { Note(m_Validated, treeState); }
 
@@ -62,6 +80,12 @@ private:
     const CScannedVariables* m_List = nullptr; // of the last scan; compared, never followed
     bool m_IsScannedInCondition = false;
     CString m_StrError;
+
+    const CalcSetImpl* m_Set = nullptr;
+    // What was found in that state of the set's names, under that name.
+    std::uint64_t m_NamesState = 0;
+    CString m_Name;
+    const CObject* m_Formulas = nullptr;
 };
 
 } // namespace tovo::detail

@@ -65,6 +65,16 @@ struct OwnObjects {
 
     static bool HasStrError(const CalcSetImpl& calcSet) { return !calcSet.m_StrError.IsEmpty(); }
 
+    // Whether the set has the formula under that name, by its own map; null if not, else the map,
+    // which copies of the set share. Not asked is GetFormulaObj, which a host may have overridden.
+    static const CObject* FormulasWith(const CalcSetImpl& calcSet, const CString& name,
+                                       const FormulaImpl* formula)
+    {
+        FormulaImpl* found = nullptr;
+        const bool isThere = calcSet.m_Formulas->Lookup(name, found) && found == formula;
+        return isThere ? calcSet.m_Formulas.get() : nullptr;
+    }
+
     // As long as these numbers stay what they are and are not 0, the set gives the same objects for
     // the names of variables, and for those of formulas and tables.
     static std::uint64_t VariablesState(const CalcSetImpl& calcSet)

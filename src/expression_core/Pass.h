@@ -30,7 +30,9 @@ inline constexpr Stamp kNoBlockYet = kStampsInBlock - 1;
 struct PassState {
     int depth = 0;
     bool isInForeignCall = false;
-    bool isRemembering = true;
+    bool isAllowed = true;     // to remember at all
+    bool isRemembering = true; // in the present pass
+    std::uint64_t number = 0;  // of the pass
     Stamp present = kNoBlockYet;
     Stamp foreignReads = 0;
 };
@@ -41,7 +43,9 @@ class Pass {
 public:
     Pass() : m_WasInForeignCall(state.isInForeignCall)
     {
-        if (state.depth++ == 0 || m_WasInForeignCall)
+        if (state.depth++ == 0)
+            Begin();
+        else if (m_WasInForeignCall)
             NoteChange();
         state.isInForeignCall = false;
     }
@@ -78,13 +82,27 @@ public:
     }
     static Stamp ForeignReads() { return state.foreignReads; }
     static bool IsRemembering() { return state.isRemembering; }
+    // Voids what was remembered, and has nothing remembered any more until the pass ends.
+    static void Forget()
+    {
+        NoteChange();
+        state.isRemembering = false;
+    }
+    // Tells one pass of this thread from another.
+    static std::uint64_t Number() { return state.number; }
     // For tests, which hold results with and without remembering against each other.
-    static void SetRemembering(bool isOn) { state.isRemembering = isOn; }
+    static void SetRemembering(bool isOn) { state.isAllowed = isOn; }
 
 private:
     friend class NestedCall;
     friend class NoChange;
 
+    static void Begin()
+    {
+        NoteChange();
+        state.isRemembering = state.isAllowed;
+        ++state.number;
+    }
     // The first stamp of a block that no thread has had.
     static Stamp NextBlock();
 

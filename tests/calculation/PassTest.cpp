@@ -196,7 +196,7 @@ private:
         CScannedVariables list;
         unsigned int message = 77;
         int result = -1;
-        const int action = m_Dice.Below(18);
+        const int action = m_Dice.Below(19);
         m_Thrower = m_Dice.OneIn(6) ? 1 + m_Dice.Below(2) : 0;
         // Who is thrown through while it is come back to may keep the message of that.
         m_HostCalls = m_Thrower ? kHostCalls : 0;
@@ -259,6 +259,12 @@ private:
             break;
         case 13:
             formula.GetExpression().InsertString(m_Dice.Of({"1", "+1", " ", "("}), 0);
+            break;
+        case 14:
+            if (m_Dice.OneIn(8)) { // the entry in the set stays
+                CString name = One(m_Formulas).GetName();
+                formula.SetName(name);
+            }
             break;
         default:
             m_Set.StartNewPass();
