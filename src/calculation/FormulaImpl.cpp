@@ -1,5 +1,7 @@
 #include <TovoFormula/FormulaImpl.h>
 
+#include <optional>
+
 #include <TovoPlatform/ArgumentValidator.h>
 
 #include "../expression_core/FormulaMemory.h"
@@ -97,12 +99,18 @@ int FormulaImpl::Validate(unsigned int& message, int nested)
         StrError::Give(*m_CalcSet, m_Memory->LeftStrError());
         return 1;
     }
-    if (nested && Pass::IsRemembering())
-        NamesInPass::Note(m_Name, *this, m_Memory->FormulasWith(*m_CalcSet, m_Name, this));
+    const bool isShared =
+        nested && Pass::IsRemembering() &&
+        NamesInPass::IsShared(m_Name, *this, m_Memory->FormulasWith(*m_CalcSet, m_Name, this));
     const Stamp before = Pass::Now();
     const Stamp readsBefore = Pass::ForeignReads();
-    if (!m_Expression.Validate(message, m_Name, nested))
-        return 0;
+    {
+        std::optional<NarrowerPass> narrower;
+        if (isShared)
+            narrower.emplace();
+        if (!m_Expression.Validate(message, m_Name, nested))
+            return 0;
+    }
     if (!nested || Pass::Now() != before)
         return 1;
     // All of the tree was calculated while it was built.

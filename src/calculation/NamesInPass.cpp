@@ -4,8 +4,9 @@
 
 namespace tovo::detail {
 
-void NamesInPass::TakeDown(const CString& name, const FormulaImpl& formula)
+bool NamesInPass::TakeDown(const CString& name, const FormulaImpl& formula)
 {
+    // Null where there is more than one.
     static thread_local std::unordered_map<CString, const FormulaImpl*> formulas;
     if (!state.isTakingDown) {
         formulas.clear();
@@ -13,8 +14,12 @@ void NamesInPass::TakeDown(const CString& name, const FormulaImpl& formula)
         // Those that were checked before are not among the names.
         Pass::NoteChange();
     }
-    if (formulas.emplace(name, &formula).first->second != &formula)
-        Pass::Forget();
+    const FormulaImpl*& owner = formulas.emplace(name, &formula).first->second;
+    if (owner && owner != &formula) {
+        owner = nullptr;
+        Pass::NoteChange();
+    }
+    return !owner;
 }
 
 } // namespace tovo::detail

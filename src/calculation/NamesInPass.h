@@ -15,29 +15,29 @@ struct NamesInPassState {
     bool isTakingDown = false;
 };
 
-// Watches that no two formulas of one name are checked in one pass.
+// Finds out which names of formulas belong to more than one in a pass.
 //
 // What is under validation is known by name. So of two formulas that have the same name, as a host
 // makes them that renames one without entering it anew, each fails while the other is under
-// validation, and a success that is remembered says nothing for there. Once that comes up, nothing
-// is remembered until the pass ends.
+// validation, and a success had before says nothing for there.
 //
 // A formula that its set has under its own name cannot be one of two, as long as the pass keeps to
 // one set. Only from the first that is not on, the names are taken down.
 class NamesInPass {
 public:
-    // Notes that the formula is going to be checked. Where its set has it under its own name, the
-    // set's formulas are given, else null.
-    static void Note(const CString& name, const FormulaImpl& formula, const CObject* formulasOfSet)
+    // Notes that the formula is going to be checked, and tells whether its name is one of those.
+    // Where its set has it under its own name, the set's formulas are given, else null.
+    static bool IsShared(const CString& name, const FormulaImpl& formula,
+                         const CObject* formulasOfSet)
     {
         if (state.pass != Pass::Number())
             state = {Pass::Number(), formulasOfSet, false};
-        if (state.isTakingDown || !formulasOfSet || formulasOfSet != state.formulasOfSet)
-            TakeDown(name, formula);
+        const bool isOnlyOne = formulasOfSet && formulasOfSet == state.formulasOfSet;
+        return (state.isTakingDown || !isOnlyOne) && TakeDown(name, formula);
     }
 
 private:
-    static void TakeDown(const CString& name, const FormulaImpl& formula);
+    static bool TakeDown(const CString& name, const FormulaImpl& formula);
 
     static inline constinit thread_local NamesInPassState state;
 };

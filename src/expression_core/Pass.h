@@ -30,10 +30,10 @@ inline constexpr Stamp kNoBlockYet = kStampsInBlock - 1;
 struct PassState {
     int depth = 0;
     bool isInForeignCall = false;
-    bool isAllowed = true;     // to remember at all
-    bool isRemembering = true; // in the present pass
-    std::uint64_t number = 0;  // of the pass
-    Stamp present = kNoBlockYet;
+    bool isRemembering = true;
+    std::uint64_t number = 0; // of the pass
+    Stamp present = kNeverStamped;
+    Stamp last = kNoBlockYet; // of all that were given
     Stamp foreignReads = 0;
 };
 
@@ -68,8 +68,9 @@ public:
     // Voids what was remembered. Every operation calls it that changes what a calculation may read.
     static void NoteChange()
     {
-        if (++state.present % kStampsInBlock == 0)
-            state.present = NextBlock();
+        if (++state.last % kStampsInBlock == 0)
+            state.last = NextBlock();
+        state.present = state.last;
     }
     // Reads a variable. One that is not exactly a stock variable may have another value each time,
     // so nothing that was calculated from it is remembered: the number of such reads tells.
@@ -82,25 +83,19 @@ public:
     }
     static Stamp ForeignReads() { return state.foreignReads; }
     static bool IsRemembering() { return state.isRemembering; }
-    // Voids what was remembered, and has nothing remembered any more until the pass ends.
-    static void Forget()
-    {
-        NoteChange();
-        state.isRemembering = false;
-    }
     // Tells one pass of this thread from another.
     static std::uint64_t Number() { return state.number; }
     // For tests, which hold results with and without remembering against each other.
-    static void SetRemembering(bool isOn) { state.isAllowed = isOn; }
+    static void SetRemembering(bool isOn) { state.isRemembering = isOn; }
 
 private:
     friend class NestedCall;
     friend class NoChange;
+    friend class NarrowerPass;
 
     static void Begin()
     {
         NoteChange();
-        state.isRemembering = state.isAllowed;
         ++state.number;
     }
     // The first stamp of a block that no thread has had.
@@ -150,6 +145,29 @@ public:
 
 private:
     Stamp m_Found;
+};
+
+// Voids what was remembered for its duration: for what is asked for more than before. What succeeds
+// under that would succeed without, so nothing has changed for those who were there before.
+class NarrowerPass {
+public:
+    NarrowerPass() : m_Found(Pass::state.present)
+    {
+        Pass::NoteChange();
+        m_Narrower = Pass::state.present;
+    }
+    ~NarrowerPass()
+    {
+        if (Pass::state.present == m_Narrower)
+            Pass::state.present = m_Found;
+    }
+
+    NarrowerPass(const NarrowerPass&) = delete;
+    NarrowerPass& operator=(const NarrowerPass&) = delete;
+
+private:
+    Stamp m_Found;
+    Stamp m_Narrower;
 };
 
 // Gives the set a text of a mathematical error. The last one is kept, for an object that answers

@@ -358,5 +358,16 @@ TEST_F(PassJob, FormulasThatShareFormulasAreWorkedOnOnce)
     EXPECT_EQ(top.GetValue(), 33554432.0);
 }
 
+TEST_F(PassJob, TwoFormulasOfOneNameMultiplyNoWork)
+{
+    Chain(25, "@+@");
+    CString name = u"3";
+    Formula(u"Twin", "1").SetName(name);
+    FormulaImpl& both = Formula(u"Both", "F(Twin)+F(25)+F(Twin)");
+    unsigned int message = 0;
+    EXPECT_EQ(both.Calculate(message, nullptr), 1);
+    EXPECT_EQ(both.GetValue(), 33554434.0);
+}
+
 } // namespace
 } // namespace tovo::test
