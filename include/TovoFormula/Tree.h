@@ -65,13 +65,12 @@ protected:
     CTree* InsertNewChildAt(int index, std::unique_ptr<CTree> child);
     CTree* InsertNodeAbove(std::unique_ptr<CTree> node);
 
-private:
-    void ClearChildren();
-
-protected:
     CTree* m_Parent;
     CObArray* m_Children = nullptr; // null until the first child is added; owned by this node
     CObject* m_Data;                // owned by this node
+
+private:
+    void ClearChildren();
 };
 
 // A node of an expression tree: every node is a CETree and its data is a CExprToken. The operations
