@@ -308,12 +308,14 @@ bool Sequence::ComputeAtOnce(const Step& step)
     return result.message == MSG_NONE && result.errorNumber == 0 && Give(*step.token, result.value);
 }
 
+// A step that GoAtOnce has stopped at.
 bool Sequence::Calculate(const Step& step)
 {
-    if (!m_IsStrErrorClear)
+    if (!m_IsStrErrorClear) {
         ClearStrError();
-    if (CalculateAtOnce(step))
-        return true;
+        if (CalculateAtOnce(step))
+            return true;
+    }
     CExprToken& token = *step.token;
     if (step.code == TOK_VARIABLE)
         return ReadVariable(step);
