@@ -39,7 +39,7 @@ public:
     void SetJOBSIZEInCondition(int inCondition) override { m_JOBSIZEInCondition = inCondition; }
     double GetQuantity() override { return m_Quantity; }
     void SetQuantityInCalculations(int met) override { m_QuantityInCalculations = met; }
-    // 0 until a derived set says otherwise, and so is HasDatabase.
+    // 0 until SetReportFcnDomainErrors; HasDatabase likewise.
     int GetReportFcnDomainErrors() override { return m_ReportFcnDomainErrors; }
     CCalcErrorTracker& ErrorTracker() override;
     void SetStrError(CString text) override;
@@ -63,6 +63,10 @@ public:
     // that each is calculated again from the present values. Call it between two passes.
     void StartNewPass();
 
+    // Nonzero: a function or an operator that fails on its domain fails the calculation; zero, as
+    // at first: its value is 0.0. Nonzero: operands may load formulas and tables from this set.
+    void SetReportFcnDomainErrors(int report);
+    void SetHasDatabase(int has);
     void SetDuration(double duration);
     void SetJobSize(double jobSize);
     void SetQuantity(double quantity);
@@ -75,6 +79,11 @@ public:
     CString GetStrError() const { return m_StrError; }
 
 protected:
+    // For a derived set that leaves GetVarObj, GetFormulaObj and GetFormulaTableObj as they are:
+    // names are then looked up once, and again only after an entry has changed. Any other derived
+    // set is asked for each name in each call.
+    void UseStockLookup() { m_UsesStockLookup = true; }
+
     using VariableMap = CMap<CString, const CString&, VariableImpl*, VariableImpl*>;
     using FormulaMap = CMap<CString, const CString&, FormulaImpl*, FormulaImpl*>;
     using FormulaTableMap = CMap<CString, const CString&, FormulaTableImpl*, FormulaTableImpl*>;
@@ -97,6 +106,8 @@ protected:
 
 private:
     friend struct tovo::detail::OwnObjects;
+
+    bool m_UsesStockLookup = false;
 };
 
 #endif

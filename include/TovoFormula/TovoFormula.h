@@ -8,6 +8,7 @@
 #include <TovoFormula/CalcSetImpl.h>
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/CalculationOperand.h>
+#include <TovoFormula/CalculationPass.h>
 #include <TovoFormula/ExprToken.h>
 #include <TovoFormula/ExprTree.h>
 #include <TovoFormula/ExpressionNames.h>

@@ -149,6 +149,17 @@ void CalcSetImpl::StartNewPass()
     });
 }
 
+void CalcSetImpl::SetReportFcnDomainErrors(int report)
+{
+    Pass::NoteChange();
+    m_ReportFcnDomainErrors = report;
+}
+
+void CalcSetImpl::SetHasDatabase(int has)
+{
+    m_HasDatabase = has;
+}
+
 void CalcSetImpl::SetDuration(double duration)
 {
     Pass::NoteChange();

@@ -58,6 +58,14 @@ public:
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
 
+    // The same without an object of this class.
+    static void Enter()
+    {
+        if (state.depth++ == 0)
+            Begin();
+    }
+    static void Leave() { --state.depth; }
+
     // Never equal to an earlier stamp outside a pass, or while remembering is turned off.
     static Stamp Now()
     {
