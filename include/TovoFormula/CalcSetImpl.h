@@ -11,7 +11,7 @@ class FormulaTableImpl;
 class VariableImpl;
 
 namespace tovo::detail {
-struct OwnObjects;
+struct StockObjects;
 }
 
 // The stock calculation set, complete in itself and made to be derived from.
@@ -105,7 +105,7 @@ protected:
     std::shared_ptr<FormulaTableMap> m_FormulaTables;
 
 private:
-    friend struct tovo::detail::OwnObjects;
+    friend struct tovo::detail::StockObjects;
 
     bool m_UsesStockLookup = false;
 };

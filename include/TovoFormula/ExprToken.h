@@ -9,9 +9,9 @@
 
 class CScannedVariables;
 struct ICalculationSet;
+struct IVarObj;
 
 namespace tovo::detail {
-class Sequence;
 struct MathResult;
 } // namespace tovo::detail
 
@@ -111,8 +111,6 @@ protected:
     ICalculationSet& CalcSet() const { return m_CalcSet; }
 
 private:
-    friend class tovo::detail::Sequence;
-
     static int Settle(int& kind, int wanted)
     {
         if (kind == RT_ANY)
@@ -120,9 +118,9 @@ private:
         return kind == wanted ? 1 : 0;
     }
     int ReadFromOutside(int nested, CScannedVariables* list);
-    int ReadVariable(CScannedVariables* list);
+    bool Reach(IVarObj& variable, const CString& name, CScannedVariables* list);
     template <typename Object>
-    int ReadNested(Object* object, CScannedVariables* list);
+    bool Reach(Object& object, const CString& name, CScannedVariables* list);
 
     // The ways in which a calculation ends.
     int Conclude(const tovo::detail::MathResult& result);

@@ -10,7 +10,7 @@ class CScannedVariables;
 struct ICalculationSet;
 
 namespace tovo::detail {
-class Sequence;
+class BoundWork;
 }
 
 // An expression as a checked tree: built from tokens one by one, with nothing looked ahead, and
@@ -86,20 +86,9 @@ protected:
     ICalculationSet& CalcSet() const { return m_CalcSet; }
 
 private:
-    // An expression whose text has not changed has its tree calculated anew, not built anew.
-    friend class CFmlaExpression;
+    // Builds trees anew that are known to be good, without calculating anything.
+    friend class tovo::detail::BoundWork;
 
-    void Record();
-    bool IsRecorded() const;
-    tovo::detail::Sequence& StartAgain(int nested);
-    void ConcludeAgain();
-    std::unique_ptr<CETree> TakeOut();
-    void EndReenacting();
-    bool IsReenacted() const;
-
-    int CompleteCurrentNode();
-    int WalkRecorded();
-    int CalculateToken(double* args, int numArgs, CScannedVariables* list);
     int Raise(unsigned int message, CObject* object);
     int RefuseToken(CExprToken& token);
     CExprToken* Current() const { return m_Current->GetData(); }
@@ -130,7 +119,7 @@ protected:
     static constinit thread_local int m_InIfConditionCount;
 
 private:
-    std::unique_ptr<tovo::detail::Sequence> m_Sequence; // null if the building was not recorded
+    bool m_IsShapeOnly = false; // tokens count as calculated while the tree is built
 };
 
 #endif

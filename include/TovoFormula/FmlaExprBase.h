@@ -1,6 +1,8 @@
 #ifndef TOVOFORMULA_FMLAEXPRBASE_H
 #define TOVOFORMULA_FMLAEXPRBASE_H
 
+#include <cstdint>
+#include <memory>
 #include <vector>
 
 #include <TovoFormula/ExpressionNames.h>
@@ -25,6 +27,7 @@ inline constexpr int kDefaultTextLimit = 1470; // in characters
 inline constexpr int kMaxReferences = 15;      // in one text
 
 namespace tovo::detail {
+class BoundWork;
 class Spelling;
 class TokenScanner;
 struct Reference;
@@ -186,10 +189,13 @@ protected:
     int DeliverToken(tovo::detail::TokenScanner& scanner, CString& token, int& tokenCode,
                      int& tokenPos);
     static tovo::detail::Spelling SpellingOf(TEXT_LANGUAGE language);
+    // The user's names as they are now. They stay alive for whoever holds them.
+    static const std::shared_ptr<const CExpressionNames>& PresentNames();
     // The encoded string with references renamed; null renames none.
     CString EncodeRenamed(const tovo::detail::Renaming* renaming);
 
 private:
+    static void LoadNames();
     int IsSingleOfKind(int kind) const;
     tovo::detail::Reference EntryAt(int index) const;
     tovo::detail::Reference NextVar();
@@ -216,6 +222,9 @@ protected:
     int m_ExprTextLimit = kDefaultTextLimit;
 
 private:
+    friend class tovo::detail::BoundWork;
+
+    std::uint64_t m_TextVersion = 1; // grows with every change of text or table
     // How many references the scan has passed when it stood at a position, so that a scan token by
     // token does not look through the whole table each time.
     int m_PassedVars = 0;

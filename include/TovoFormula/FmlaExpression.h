@@ -1,7 +1,7 @@
 #ifndef TOVOFORMULA_FMLAEXPRESSION_H
 #define TOVOFORMULA_FMLAEXPRESSION_H
 
-#include <cstdint>
+#include <memory>
 
 #include <TovoFormula/ExprTree.h>
 #include <TovoFormula/FmlaExprBase.h>
@@ -10,8 +10,8 @@ struct IFormulaObj;
 struct IFormulaTableObj;
 
 namespace tovo::detail {
-struct OwnObjects;
-struct SequenceCut;
+class BoundWork;
+struct ExpressionState;
 } // namespace tovo::detail
 
 // An expression bound to a calculation set: its text can be checked and calculated.
@@ -19,9 +19,13 @@ struct SequenceCut;
 // Text and tree are not kept in step: SetExpr and the other changes of the text leave the tree as
 // it was until the next IsValid or LoadExpressionTree, which build it anew.
 //
+// The library may keep a compiled program in place of the tree, which is then built anew when it is
+// needed. In a class derived from this one, m_Tree always holds it.
+//
 // Owns: its tree. Does not own: the set, which must outlive it. Belongs to the thread of its set.
 // While it is being checked, calculated or scanned, whatever it calls must not change or destroy
-// it; checking or calculating it again from there is refused with 6608.
+// it; checking or calculating it again from there is refused with 6608. If an object that a check
+// calls throws, the exception passes through and the expression is left without a tree.
 class TOVO_API CFmlaExpression : public CFmlaExprBase {
 public:
     explicit CFmlaExpression(ICalculationSet& calcSet);
@@ -57,11 +61,11 @@ public:
     // Calculates the tree that was built last, without building it. The list may be null.
     int Calculate(CScannedVariables* list);
     // These speak of the tree, and give 0 without one.
-    double GetValue() const { return m_Tree.GetValue(); }
-    int IsLoaded() const { return m_Tree.IsLoaded(); }
-    int IsCalculated() const { return m_Tree.IsCalculated(); }
-    int IsNumeric() const { return m_Tree.IsNumeric(); }
-    int IsBoolean() const { return m_Tree.IsBoolean(); }
+    double GetValue() const;
+    int IsLoaded() const;
+    int IsCalculated() const;
+    int IsNumeric() const;
+    int IsBoolean() const;
     // Adds what the built tree refers to: with all nonzero every reference of the text, calculating
     // nothing; with all zero what a calculation reaches. Clear nonzero tells the set that a new
     // scan begins. A failed calculation leaves its message in GetMessageNum.
@@ -93,42 +97,9 @@ protected:
     static thread_local CStringList m_NestedFmlaNames;
 
 private:
-    friend class FormulaImpl;
-    friend struct tovo::detail::OwnObjects;
-    std::uint64_t m_TreeState = 0; // another number whenever the tree may have other values
-    int m_UnderWay = 0;            // how often it is being checked or calculated at present
+    friend class tovo::detail::BoundWork;
 
-private:
-    // What the tree was built from, all of it void if names is 0.
-    struct Source {
-        CString text;
-        CWordArray references;
-        std::uint64_t names = 0; // the state of the token names
-    };
-
-    bool IsBuiltFromPresent() const;
-    int BuildTree(int nested);
-    int CalculateAgain(int nested);
-    bool RunAgain(tovo::detail::Sequence& sequence, tovo::detail::SequenceCut& cut);
-    int Reenact(int nested, const tovo::detail::SequenceCut& cut);
-    bool PassesCheck(int code, const CString& token);
-    int Fail(unsigned int message);
-    int InsertScanned(int code, const CString& token, int pos, int nested);
-    int CloseTree(int lastPos, int endPos);
-    int Validate(unsigned int& message, const CString& name, int nested);
-    int LoadNamed(const CString& name, int nested);
-    int CheckNestedReference(int code, const CString& text);
-    int CheckNested(IFormulaObj* formula, const CString& name);
-    int CheckNested(IFormulaTableObj* table, const CString& name);
-    template <typename Object>
-    int CheckFound(Object& object);
-    int FailMissing(unsigned int message, const CString& missing);
-    void ScanStatically(CScannedVariables& list, int all);
-    bool IsFormulaAt(int index, const CString& name) const;
-    bool HasFormula(const CString& name) const;
-    void DeleteUpToNeighbour(int index);
-
-    Source m_Source; // of a tree that was built with nested checks
+    std::unique_ptr<tovo::detail::ExpressionState> m_State; // null until it is needed
 };
 
 #endif

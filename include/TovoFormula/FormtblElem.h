@@ -68,11 +68,6 @@ public:
 protected:
     ICalculationSet& CalcSet() const { return *m_CalcSet; }
 
-private:
-    template <typename Object>
-    int CheckNested(Object* object, unsigned int notFound, const WCHAR* label,
-                    unsigned int& message);
-
 protected:
     int m_Valid = 0; // 1 once the element was given content
     WCHAR m_Type = 0;

@@ -1,15 +1,12 @@
 #ifndef TOVOFORMULA_FORMULAIMPL_H
 #define TOVOFORMULA_FORMULAIMPL_H
 
-#include <memory>
-
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/FmlaExpression.h>
 
 namespace tovo::detail {
-class FormulaMemory;
-struct OwnObjects;
-} // namespace tovo::detail
+struct StockObjects;
+}
 
 // The stock formula: a name, a unit text and an expression. The host makes, names, fills and owns
 // it, and adds it to a set, which finds it under the name that it had then.
@@ -66,11 +63,7 @@ protected:
     CFmlaExpression m_Expression;
 
 private:
-    friend struct tovo::detail::OwnObjects;
-
-    int Validate(unsigned int& message, int nested);
-
-    std::unique_ptr<tovo::detail::FormulaMemory> m_Memory;
+    friend struct tovo::detail::StockObjects;
 };
 
 #endif

@@ -79,9 +79,6 @@ public:
     int ValidateElement(CFormtblElem& element, unsigned int& message, int nested);
 
 private:
-    template <typename Object>
-    int ValidateReference(Object* object, unsigned int notFound, const CString& missing,
-                          unsigned int& message, int nested);
     int ValidateLimits(unsigned int& message);
     int ValidateSelector(CFormtblElem& selector, const WCHAR* text, unsigned int& message,
                          int nested);

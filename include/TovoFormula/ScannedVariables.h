@@ -1,9 +1,14 @@
 #ifndef TOVOFORMULA_SCANNEDVARIABLES_H
 #define TOVOFORMULA_SCANNEDVARIABLES_H
 
+#include <cstdint>
 #include <memory>
 
 #include <TovoPlatform/Collections.h>
+
+namespace tovo::detail {
+class BoundWork;
+}
 
 // The record of one scan: the names of the variables met, in the order met and each once, and
 // whether each job value was met. Made anew for each scan.
@@ -41,6 +46,10 @@ protected:
     int m_DURATIONScanned = 0;
     int m_JOBSIZEScanned = 0;
     int m_OwnsList;
+
+private:
+    friend class tovo::detail::BoundWork;
+    std::uint64_t m_Id; // that no other record of the thread has
 };
 
 #endif

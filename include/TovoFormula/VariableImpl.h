@@ -5,7 +5,7 @@
 #include <TovoPlatform/Object.h>
 
 namespace tovo::detail {
-struct OwnObjects;
+struct StockObjects;
 }
 
 // The stock variable: a name, a value and a unit text. The host makes, names and owns it, and adds
@@ -39,7 +39,7 @@ protected:
     VALUETYPE m_ValueType = VALUE_NONE;
 
 private:
-    friend struct tovo::detail::OwnObjects;
+    friend struct tovo::detail::StockObjects;
 };
 
 #endif

@@ -267,7 +267,12 @@ namespace tovo {
 
 double ParseDouble(const CString& text, WCHAR decimalSeparator)
 {
-    const WideView number = WithoutBlanksInFront(text.View());
+    return ParseDouble(text.View(), decimalSeparator);
+}
+
+double ParseDouble(WideView text, WCHAR decimalSeparator)
+{
+    const WideView number = WithoutBlanksInFront(text);
     // Zero has no sign: a person who reads or writes numbers makes no difference there.
     const double value =
         DoubleOf(ReadDecimal(number.substr(EndOfSign(number, 0)), decimalSeparator));

@@ -6,12 +6,12 @@ using tovo::detail::Pass;
 
 CalculationPass::CalculationPass()
 {
-    Pass::Enter();
+    Pass::Hold();
 }
 
 CalculationPass::~CalculationPass()
 {
-    Pass::Leave();
+    Pass::Release();
 }
 
 void CalculationPass::NoteHostChange()

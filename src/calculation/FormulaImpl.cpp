@@ -1,12 +1,10 @@
 #include <TovoFormula/FormulaImpl.h>
 
-#include <optional>
-
 #include <TovoPlatform/ArgumentValidator.h>
 
-#include "../expression_core/FormulaMemory.h"
 #include "../expression_core/Names.h"
-#include "NamesInPass.h"
+#include "../expression_core/Pass.h"
+#include "BoundWork.h"
 
 using namespace tovo::detail;
 
@@ -24,8 +22,7 @@ ICalculationSet* Checked(ICalculationSet* calcSet)
 
 FormulaImpl::FormulaImpl(ICalculationSet* calcSet)
     : m_CalcSet(Checked(calcSet)),
-      m_Expression(*m_CalcSet),
-      m_Memory(std::make_unique<FormulaMemory>())
+      m_Expression(*m_CalcSet)
 {}
 
 FormulaImpl::~FormulaImpl() = default;
@@ -33,28 +30,7 @@ FormulaImpl::~FormulaImpl() = default;
 int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
 {
     const Pass pass;
-    const bool isFree = m_Expression.m_UnderWay == 0;
-    if (isFree && m_Memory->IsCalculated(m_Expression.m_TreeState, list)) {
-        StrError::Give(*m_CalcSet, m_Memory->LeftStrError());
-        return 1;
-    }
-    // A host's formula counts as a change also in a branch that only the validation goes into.
-    const Stamp before = Pass::Now();
-    if (!Validate(message, 1))
-        return 0;
-    // Building the tree has calculated it already.
-    if (isFree && m_Memory->IsCalculated(m_Expression.m_TreeState, list)) {
-        StrError::Give(*m_CalcSet, m_Memory->LeftStrError());
-        return 1;
-    }
-    const Stamp readsBefore = Pass::ForeignReads();
-    if (!m_Expression.Calculate(list)) {
-        message = static_cast<unsigned int>(m_Expression.GetMessageNum());
-        return 0;
-    }
-    if (Pass::Now() == before && Pass::ForeignReads() == readsBefore)
-        m_Memory->NoteCalculated(m_Expression.m_TreeState, list);
-    return 1;
+    return BoundWork(m_Expression, m_Name).CheckAndCalculate(message, m_Name, list);
 }
 
 void FormulaImpl::GetVariables(CScannedVariables& list, int all, int clear)
@@ -65,7 +41,7 @@ void FormulaImpl::GetVariables(CScannedVariables& list, int all, int clear)
 int FormulaImpl::IsValid(unsigned int& message, int nested)
 {
     const Pass pass;
-    return Validate(message, nested);
+    return BoundWork(m_Expression, m_Name).Validate(message, m_Name, nested);
 }
 
 void FormulaImpl::SetName(CString& name)
@@ -88,35 +64,4 @@ void FormulaImpl::SetExpression(const CString& text, const CString& references)
 void FormulaImpl::SetFromEncodedString(const CString& encoded)
 {
     m_Expression.SetFromEncodedString(encoded);
-}
-
-// An expression under way is not asked for what it did before: it must say that it was come back
-// to.
-int FormulaImpl::Validate(unsigned int& message, int nested)
-{
-    const bool isFree = m_Expression.m_UnderWay == 0;
-    if (nested && isFree && m_Memory->IsValidated(m_Expression.m_TreeState)) {
-        StrError::Give(*m_CalcSet, m_Memory->LeftStrError());
-        return 1;
-    }
-    const bool isShared =
-        nested && Pass::IsRemembering() &&
-        NamesInPass::IsShared(m_Name, *this, m_Memory->FormulasWith(*m_CalcSet, m_Name, this));
-    const Stamp before = Pass::Now();
-    const Stamp readsBefore = Pass::ForeignReads();
-    {
-        std::optional<NarrowerPass> narrower;
-        if (isShared)
-            narrower.emplace();
-        if (!m_Expression.Validate(message, m_Name, nested))
-            return 0;
-    }
-    if (!nested || Pass::Now() != before)
-        return 1;
-    // All of the tree was calculated while it was built.
-    if (Pass::ForeignReads() == readsBefore)
-        m_Memory->NoteCalculated(m_Expression.m_TreeState, nullptr);
-    else
-        m_Memory->NoteValidated(m_Expression.m_TreeState);
-    return 1;
 }

@@ -1,7 +1,5 @@
 #include <TovoFormula/ScannedVariables.h>
 
-#include "../expression_core/Pass.h"
-
 namespace {
 
 CString Trimmed(CString name)
@@ -10,19 +8,24 @@ CString Trimmed(CString name)
     return name;
 }
 
+std::uint64_t NextId()
+{
+    static thread_local std::uint64_t last = 0;
+    return ++last;
+}
+
 } // namespace
 
-CScannedVariables::CScannedVariables(CStringList& list) : m_VariableList(&list), m_OwnsList(0)
+CScannedVariables::CScannedVariables(CStringList& list)
+    : m_VariableList(&list), m_OwnsList(0), m_Id(NextId())
 {}
 
 CScannedVariables::CScannedVariables()
-    : m_VariableList(std::make_unique<CStringList>().release()), m_OwnsList(1)
+    : m_VariableList(std::make_unique<CStringList>().release()), m_OwnsList(1), m_Id(NextId())
 {}
 
 CScannedVariables::~CScannedVariables()
 {
-    // What was scanned into this list is remembered by its address, which the next list may have.
-    tovo::detail::Pass::NoteChange();
     if (m_OwnsList)
         delete m_VariableList;
 }

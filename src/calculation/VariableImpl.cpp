@@ -1,5 +1,8 @@
 #include <TovoFormula/VariableImpl.h>
 
+#include <bit>
+#include <cstdint>
+
 #include <TovoPlatform/ArgumentValidator.h>
 
 #include "../expression_core/Names.h"
@@ -15,13 +18,15 @@ VariableImpl::~VariableImpl() = default;
 
 void VariableImpl::SetName(CString& name)
 {
-    tovo::detail::Pass::NoteChange();
     m_Name = name;
     m_ValueType = tovo::detail::ValueTypeOfName(m_Name.View());
 }
 
 void VariableImpl::SetValue(double value)
 {
+    // A host may set all its variables again, most to the value that they have.
+    if (std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(m_Value))
+        return;
     tovo::detail::Pass::NoteChange();
     m_Value = value;
 }

@@ -1,40 +1,13 @@
 #include "Computation.h"
 
-#include <cmath>
-
 #include <TovoFormula/TokenCodes.h>
-#include <TovoPlatform/Maths.h>
 
 namespace tovo::detail {
 namespace {
 
-MathResult YesNo(bool yes)
-{
-    return {yes ? 1.0 : 0.0};
-}
-
-// The logical operators see the whole part of a value, so 0.5 is a no to them.
-bool IsYes(double value)
-{
-    return NarrowToInt(value) != 0;
-}
-
-// Only an exact zero is a no to an IF; without a third argument a no gives 0.0.
-MathResult Choose(std::span<const double> args)
-{
-    if (args[0] != 0.0)
-        return {args[1]};
-    return {args.size() > 2 ? args[2] : 0.0};
-}
-
 MathResult Subtract(std::span<const double> args)
 {
     return {args.size() == 1 ? -args[0] : args[0] - args[1]};
-}
-
-int Order(std::span<const double> args)
-{
-    return TvCompareDoubles(args[0], args[1]);
 }
 
 } // namespace
@@ -52,32 +25,32 @@ MathResult Compute(int code, std::span<const double> args)
         return Divide(args[0], args[1]);
     case TOK_EQ_SIGN:
     case TOK_EQ:
-        return YesNo(Order(args) == 0);
+        return {YesNo(Order(args[0], args[1]) == 0)};
     case TOK_NE_SIGN:
     case TOK_NE:
-        return YesNo(Order(args) != 0);
+        return {YesNo(Order(args[0], args[1]) != 0)};
     case TOK_GT_SIGN:
     case TOK_GT:
-        return YesNo(Order(args) > 0);
+        return {YesNo(Order(args[0], args[1]) > 0)};
     case TOK_GE_SIGN:
     case TOK_GE:
-        return YesNo(Order(args) >= 0);
+        return {YesNo(Order(args[0], args[1]) >= 0)};
     case TOK_LT_SIGN:
     case TOK_LT:
-        return YesNo(Order(args) < 0);
+        return {YesNo(Order(args[0], args[1]) < 0)};
     case TOK_LE_SIGN:
     case TOK_LE:
-        return YesNo(Order(args) <= 0);
+        return {YesNo(Order(args[0], args[1]) <= 0)};
     case TOK_AND:
-        return YesNo(IsYes(args[0]) && IsYes(args[1]));
+        return {YesNo(IsYes(args[0]) && IsYes(args[1]))};
     case TOK_OR:
-        return YesNo(IsYes(args[0]) || IsYes(args[1]));
+        return {YesNo(IsYes(args[0]) || IsYes(args[1]))};
     case TOK_NOT:
-        return YesNo(!IsYes(args[0]));
+        return {YesNo(!IsYes(args[0]))};
     case TOK_GROUP:
         return {args[0]};
     case TOK_IF:
-        return Choose(args);
+        return {Choose(args)};
     case TOK_ABS:
         return {args[0] < 0.0 ? -args[0] : args[0]};
     case TOK_ACOS:

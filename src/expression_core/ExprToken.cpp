@@ -13,44 +13,16 @@ using tovo::detail::CatalogueRow;
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kYes = 1.0;
-
-// What a unary minus binds with: as tightly as NOT.
-constexpr int kUnaryPrecedence = 6;
-
 double InitialValue(int code, const CString& text)
 {
-    switch (code) {
-    case TOK_NUMBER:
-        return tovo::ParseDouble(text, tovo::detail::LocalDecimalSeparator());
-    case TOK_PI:
-        return kPi;
-    case TOK_YES:
-        return kYes;
-    default:
-        return 0.0;
-    }
+    return code == TOK_NUMBER ? tovo::ParseDouble(text, tovo::detail::LocalDecimalSeparator())
+                              : tovo::detail::ValueOfConstant(code);
 }
 
 // Constants, punctuation and what is illegal need nothing from anywhere.
 bool IsCompleteAtOnce(int type)
 {
     return type != TT_VARVALUE && type != TT_OPERATOR && type != TT_FUNCTION;
-}
-
-// The kind of a reference follows from its name alone; white space only has none.
-int KindOfReference(WideView text)
-{
-    switch (tovo::detail::ValueTypeOfName(tovo::TrimmedRight(text))) {
-    case VALUE_NONE:
-        return RT_ANY;
-    case VALUE_NUMERIC:
-        return RT_NUMERIC;
-    case VALUE_BOOLEAN:
-        return RT_BOOLEAN;
-    }
-    return RT_ANY;
 }
 
 } // namespace
@@ -108,7 +80,7 @@ CExprToken::CExprToken(ICalculationSet& calcSet, int code, CString text, int pos
     m_Loaded = m_Calculated = IsCompleteAtOnce(m_Type) ? 1 : 0;
     m_Value = InitialValue(m_Code, m_Text);
     if (m_Type == TT_VARVALUE && m_ReturnType == RT_ANY)
-        m_ReturnType = KindOfReference(m_Text.View());
+        m_ReturnType = tovo::detail::KindOfReference(m_Text.View());
 }
 
 CExprToken::~CExprToken() = default;
@@ -128,7 +100,7 @@ int CExprToken::SetNumArgs(int count)
     if (m_MinArgs != m_MaxArgs && count >= m_MinArgs && count <= m_MaxArgs) {
         m_MinArgs = m_MaxArgs = count;
         if (m_Code == TOK_MINUS && count == 1)
-            m_Precedence = kUnaryPrecedence;
+            m_Precedence = tovo::detail::kUnaryPrecedence;
     }
     return m_MinArgs == count ? 1 : 0;
 }

@@ -8,56 +8,17 @@
 #include <TovoPlatform/NumberText.h>
 
 #include "Computation.h"
-#include "Pass.h"
+#include "ErrorTexts.h"
+#include "JobValues.h"
+#include "ReferenceKinds.h"
 #include "ScanRecord.h"
 
 using namespace tovo::detail;
 
-namespace {
-
-// How one job value is read, and what a scan records of it.
-struct JobValue {
-    double (ICalculationSet::*get)();
-    void (ICalculationSet::*setInCondition)(int);
-    int (CScannedVariables::*isScanned)() const;
-    void (CScannedVariables::*setScanned)(int);
-};
-
-constexpr JobValue kDuration = {
-    &ICalculationSet::GetDuration, &ICalculationSet::SetDURATIONInCondition,
-    &CScannedVariables::DURATIONScanned, &CScannedVariables::SetDURATIONScanned};
-constexpr JobValue kJobSize = {
-    &ICalculationSet::GetJobSize, &ICalculationSet::SetJOBSIZEInCondition,
-    &CScannedVariables::JOBSIZEScanned, &CScannedVariables::SetJOBSIZEScanned};
-constexpr JobValue kQuantity = {
-    &ICalculationSet::GetQuantity, &ICalculationSet::SetQuantityInCondition,
-    &CScannedVariables::QuantityScanned, &CScannedVariables::SetQuantityScanned};
-
-double Read(const JobValue& job, ICalculationSet& calcSet, CScannedVariables* list)
-{
-    if (list) {
-        const bool isFirst = (list->*job.isScanned)() == 0;
-        if (isFirst)
-            (list->*job.setScanned)(1);
-        RecordMeeting(isFirst,
-                      [&](int inCondition) { (calcSet.*job.setInCondition)(inCondition); });
-    }
-    return (calcSet.*job.get)();
-}
-
-double ReadQuantity(ICalculationSet& calcSet, CScannedVariables* list)
-{
-    if (list)
-        calcSet.SetQuantityInCalculations(1);
-    return Read(kQuantity, calcSet, list);
-}
-
-} // namespace
-
 int CExprToken::Calculate(double* args, int numArgs, int nested, CScannedVariables* list)
 {
     m_CalcError = MSG_NONE;
-    StrError::Give(CalcSet(), CString());
+    ErrorTexts::Give(CalcSet(), 0);
     if (numArgs < m_MinArgs || numArgs > m_MaxArgs || (numArgs > 0 && !args))
         return HardFailure(MSG_GENERAL_FAILURE);
 
@@ -83,7 +44,7 @@ bool CExprToken::BadErrno()
     default:
         return false;
     }
-    StrError::Give(CalcSet(), tovo::RuntimeErrorText(errno));
+    ErrorTexts::Give(CalcSet(), errno);
     return true;
 }
 
@@ -122,46 +83,28 @@ int CExprToken::DomainFailure(unsigned int message)
 
 int CExprToken::ReadFromOutside(int nested, CScannedVariables* list)
 {
-    switch (m_Code) {
-    case TOK_VARIABLE:
-        return ReadVariable(list);
-    case TOK_FORMULA:
-        return nested ? ReadNested(CalcSet().GetFormulaObj(GetName()), list)
-                      : HardFailure(MSG_NONE);
-    case TOK_FORMTBL:
-        return nested ? ReadNested(CalcSet().GetFormulaTableObj(GetName()), list)
-                      : HardFailure(MSG_NONE);
-    case TOK_DURATION:
-        return Give(Read(kDuration, CalcSet(), list));
-    case TOK_JOBSIZE:
-        return Give(Read(kJobSize, CalcSet(), list));
-    default:
-        return Give(ReadQuantity(CalcSet(), list));
-    }
-}
-
-int CExprToken::ReadVariable(CScannedVariables* list)
-{
+    if (IsNestedKind(m_Code) && !nested)
+        return HardFailure(MSG_NONE);
+    if (!IsVariable() && !IsNestedKind(m_Code))
+        return Give(ReadJobValue(m_Code, CalcSet(), list));
     const CString name = GetName();
-    IVarObj* const variable = CalcSet().GetVarObj(name, 1, 0);
-    if (!variable)
-        return HardFailure(MSG_NONE);
-    if (list)
-        RecordVariable(*list, name, *variable);
-    return Give(Pass::ValueOf(*variable));
+    return WithObject(CalcSet(), m_Code, name, [&](auto* object) {
+        // The object writes its message straight into this token's, which is 0 if it writes none.
+        if (!object || !Reach(*object, name, list))
+            return HardFailure(m_CalcError);
+        return Give(object->GetValue());
+    });
 }
 
-// The object writes its message straight into this token's, which is 0 if it writes none.
-template <typename Object>
-int CExprToken::ReadNested(Object* object, CScannedVariables* list)
+bool CExprToken::Reach(IVarObj& variable, const CString& name, CScannedVariables* list)
 {
-    if (!object)
-        return HardFailure(MSG_NONE);
-    const NestedCall call(*object);
-    if (!object->Calculate(m_CalcError, list))
-        return HardFailure(m_CalcError);
-    return Give(object->GetValue());
+    if (list)
+        RecordVariable(*list, name, variable);
+    return true;
 }
 
-template int CExprToken::ReadNested(IFormulaObj*, CScannedVariables*);
-template int CExprToken::ReadNested(IFormulaTableObj*, CScannedVariables*);
+template <typename Object>
+bool CExprToken::Reach(Object& object, const CString&, CScannedVariables* list)
+{
+    return object.Calculate(m_CalcError, list) != 0;
+}

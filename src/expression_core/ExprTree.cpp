@@ -5,10 +5,6 @@
 #include <TovoFormula/ExprToken.h>
 #include <TovoFormula/MessageIds.h>
 
-#include "Sequence.h"
-
-using tovo::detail::Sequence;
-
 constinit thread_local int CExprTree::m_InIfConditionCount = 0;
 
 namespace {
@@ -70,55 +66,6 @@ void CExprTree::Clear()
     m_Root = nullptr;
     m_Current = nullptr;
     m_LastToken = nullptr;
-    m_Sequence.reset();
-}
-
-// What is built from now on is recorded, until the tree is cleared. Requires: an empty tree.
-void CExprTree::Record()
-{
-    m_Sequence = std::make_unique<Sequence>(CalcSet());
-}
-
-bool CExprTree::IsRecorded() const
-{
-    return m_Sequence && m_Sequence->IsFinished() && !m_Sequence->IsReenacted();
-}
-
-// Makes a recorded tree what it is while it is being built, to the eyes of whoever asks it.
-Sequence& CExprTree::StartAgain(int nested)
-{
-    m_Nested = nested;
-    m_Current = nullptr;
-    m_Root->GetData()->SetLoaded(0);
-    m_Root->GetData()->SetCalculated(0);
-    m_Sequence->Start();
-    return *m_Sequence;
-}
-
-void CExprTree::ConcludeAgain()
-{
-    m_Msg = MSG_NONE;
-    m_Nested = 0;
-    m_Current = m_Root;
-    m_Root->GetData()->SetLoaded(1);
-}
-
-// Makes way for building the tree anew, beside its sequence.
-std::unique_ptr<CETree> CExprTree::TakeOut()
-{
-    m_Current = nullptr;
-    m_LastToken = nullptr;
-    return std::unique_ptr<CETree>(std::exchange(m_Root, nullptr));
-}
-
-void CExprTree::EndReenacting()
-{
-    m_Sequence.reset();
-}
-
-bool CExprTree::IsReenacted() const
-{
-    return m_Sequence && m_Sequence->IsReenacted();
 }
 
 int CExprTree::IsLoaded() const

@@ -3,8 +3,6 @@
 #include <TovoFormula/ExprToken.h>
 #include <TovoFormula/MessageIds.h>
 
-#include "Sequence.h"
-
 namespace {
 
 // The kind of an operator's operands and of a function's arguments; an IF's condition has its own.
@@ -60,8 +58,6 @@ unsigned int RefusalMessage(const CExprToken& token)
 int CExprTree::InsertToken(int code, CString text, int pos, int nested)
 {
     m_Msg = MSG_NONE;
-    if (IsRecorded())
-        m_Sequence.reset();
     auto token = std::make_unique<CExprToken>(CalcSet(), code, std::move(text), pos);
     CExprToken* const taken = token.get();
     if (!PutGroupBefore(*taken, pos, nested))
@@ -88,14 +84,10 @@ int CExprTree::InsertToken(int code, CString text, int pos, int nested)
 int CExprTree::EndOfExpression()
 {
     m_Msg = MSG_NONE;
-    if (m_Sequence)
-        m_Sequence->NoteTextEnd();
     const bool isClosed = m_Current && CompleteUpToRoot();
     if (!isClosed && m_Msg == MSG_NONE)
         Raise(MSG_GENERAL_FAILURE, m_Current);
     m_Nested = 0;
-    if (isClosed && m_Sequence && !m_Sequence->IsFinished())
-        m_Sequence->Finish();
     return isClosed ? 1 : 0;
 }
 
@@ -148,7 +140,7 @@ int CExprTree::MoveUpToFunction(int closed)
 {
     for (bool passesOver = closed != 0; passesOver || !Current()->IsFunction();
          passesOver = false) {
-        if (!CompleteCurrentNode() || !m_Current->GetParent())
+        if (!CalcCurrentNode(nullptr) || !m_Current->GetParent())
             return 0;
         m_Current = m_Current->GetParent();
         if (!CheckCurrentChildren())
@@ -196,15 +188,6 @@ int CExprTree::RaiseWrongKind(int index)
                  &parent);
 }
 
-int CExprTree::CompleteCurrentNode()
-{
-    if (!CalcCurrentNode(nullptr))
-        return 0;
-    if (m_Sequence)
-        m_Sequence->NoteCompleted(m_Current);
-    return 1;
-}
-
 // Reports on the token, unless something more telling was raised already.
 int CExprTree::RefuseToken(CExprToken& token)
 {
@@ -234,7 +217,7 @@ void CExprTree::PlantRoot(std::unique_ptr<CExprToken> token, int nested)
 
 bool CExprTree::InsertOperator(std::unique_ptr<CExprToken>& token)
 {
-    if (!ClimbAbove(token->GetPrecedence()) || !CompleteCurrentNode() ||
+    if (!ClimbAbove(token->GetPrecedence()) || !CalcCurrentNode(nullptr) ||
         !InsertNewParentToken(token.get()))
         return false;
     (void)token.release();
@@ -248,7 +231,7 @@ bool CExprTree::ClimbAbove(int precedence)
     for (CETree* parent = m_Current->GetParent(); parent && parent->GetData()->IsOperator() &&
                                                   precedence <= parent->GetData()->GetPrecedence();
          parent = m_Current->GetParent()) {
-        if (!CompleteCurrentNode())
+        if (!CalcCurrentNode(nullptr))
             return false;
         m_Current = parent;
     }
@@ -270,12 +253,12 @@ bool CExprTree::InsertBelow(std::unique_ptr<CExprToken>& token)
         return false;
     if (taken.IsComma())
         return CheckCurrentChildren() != 0;
-    return taken.IsLeftParen() || CompleteCurrentNode();
+    return taken.IsLeftParen() || CalcCurrentNode(nullptr);
 }
 
 bool CExprTree::CompleteUpToRoot()
 {
-    while (CompleteCurrentNode()) {
+    while (CalcCurrentNode(nullptr)) {
         if (!m_Current->GetParent())
             return true;
         m_Current = m_Current->GetParent();

@@ -6,8 +6,6 @@
 #include <TovoFormula/MessageIds.h>
 
 #include "IfDepthGuard.h"
-#include "Pass.h"
-#include "Sequence.h"
 #include "TokenCatalogue.h"
 
 namespace {
@@ -60,8 +58,6 @@ int CExprTree::Calculate(CScannedVariables* list)
     if (!m_Root)
         return 0;
     const tovo::detail::IfDepthGuard depth(m_InIfConditionCount);
-    if (!list && IsRecorded() && tovo::detail::Pass::IsRemembering())
-        return WalkRecorded();
     m_Current = m_Root->FindFirstTwig();
     while (CalculateActiveNode(list)) {
         CETree* const parent = m_Current->GetParent();
@@ -72,19 +68,6 @@ int CExprTree::Calculate(CScannedVariables* list)
         CETree* const next = parent->GetNextActiveChild(m_Current, m_InIfConditionCount);
         m_Current = next ? next->FindFirstTwig() : parent;
     }
-    return 0;
-}
-
-// The same walk, in the order that was recorded.
-int CExprTree::WalkRecorded()
-{
-    if (m_Sequence->Walk(m_InIfConditionCount)) {
-        m_Current = nullptr;
-        return 1;
-    }
-    m_Current = m_Sequence->Node();
-    if (m_Msg == MSG_NONE || !IsReference(*Current()))
-        m_Msg = Current()->GetCalculationError();
     return 0;
 }
 
@@ -101,22 +84,15 @@ int CExprTree::CalcFromChildren(CScannedVariables* list)
     CExprToken& token = *Current();
     const int numArgs = NumArguments(*m_Current);
     std::array<double, tovo::detail::kMaxArguments> args;
-    if (CollectArguments(args.data(), numArgs) &&
-        !CalculateToken(numArgs > 0 ? args.data() : nullptr, numArgs, list)) {
+    if (m_IsShapeOnly) {
+        token.SetCalculated(1);
+    } else if (CollectArguments(args.data(), numArgs) &&
+               !token.Calculate(numArgs > 0 ? args.data() : nullptr, numArgs, 1, list)) {
         m_Msg = token.GetCalculationError();
         return 0;
     }
     token.SetLoaded(1);
     return 1;
-}
-
-// While a tree is built anew up to where its recorded steps have failed, what they gave stands.
-int CExprTree::CalculateToken(double* args, int numArgs, CScannedVariables* list)
-{
-    CExprToken& token = *Current();
-    if (IsReenacted())
-        return m_Sequence->Reenact(token);
-    return token.Calculate(args, numArgs, 1, list);
 }
 
 int CExprTree::CheckArgumentCount()

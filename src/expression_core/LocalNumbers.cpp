@@ -6,7 +6,6 @@ namespace tovo::detail {
 namespace {
 
 std::atomic<WCHAR> decimalSeparator{u'.'};
-std::atomic<std::uint64_t> namesState{1};
 
 } // namespace
 
@@ -18,12 +17,6 @@ WCHAR LocalDecimalSeparator()
 void SetLocalDecimalSeparator(WCHAR separator)
 {
     decimalSeparator.store(separator, std::memory_order_relaxed);
-    ++namesState;
-}
-
-std::uint64_t TokenNamesState()
-{
-    return namesState.load(std::memory_order_relaxed);
 }
 
 } // namespace tovo::detail

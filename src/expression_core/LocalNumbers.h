@@ -1,8 +1,6 @@
 #ifndef TOVOFORMULA_SRC_LOCALNUMBERS_H
 #define TOVOFORMULA_SRC_LOCALNUMBERS_H
 
-#include <cstdint>
-
 #include <TovoPlatform/Types.h>
 
 namespace tovo::detail {
@@ -12,9 +10,6 @@ namespace tovo::detail {
 // thread.
 WCHAR LocalDecimalSeparator();
 void SetLocalDecimalSeparator(WCHAR separator);
-// Another number, never 0, whenever token names were loaded: what was scanned before may read
-// otherwise.
-std::uint64_t TokenNamesState();
 
 } // namespace tovo::detail
 

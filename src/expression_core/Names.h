@@ -2,6 +2,7 @@
 #define TOVOFORMULA_SRC_NAMES_H
 
 #include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/TokenCodes.h>
 
 namespace tovo::detail {
 
@@ -18,6 +19,15 @@ inline VALUETYPE ValueTypeOfName(WideView name)
     if (name.empty())
         return VALUE_NONE;
     return IsYesNoName(name) ? VALUE_BOOLEAN : VALUE_NUMERIC;
+}
+
+// The kind of value of a reference follows from its text alone; white space only has none.
+inline RESULT_KIND KindOfReference(WideView text)
+{
+    const WideView name = tovo::TrimmedRight(text);
+    if (name.empty())
+        return RT_ANY;
+    return IsYesNoName(name) ? RT_BOOLEAN : RT_NUMERIC;
 }
 
 // The name in a reference's stretch: less one blank at its start and one at its end. A name with

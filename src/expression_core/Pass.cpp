@@ -4,12 +4,10 @@
 
 namespace tovo::detail {
 
-thread_local CString StrError::last;
-
-Stamp Pass::NextBlock()
+PassNumber Pass::NextBlock()
 {
-    static std::atomic<Stamp> blocks = 0;
-    return ++blocks * kStampsInBlock;
+    static std::atomic<PassNumber> blocks = 0;
+    return ++blocks * kNumbersInBlock;
 }
 
 } // namespace tovo::detail

@@ -5,6 +5,8 @@
 #include <TovoFormula/ExprTree.h>
 #include <TovoFormula/ScannedVariables.h>
 
+#include "Pass.h"
+
 namespace tovo::detail {
 
 // Whoever is read in a scan records it by one rule: the first meeting writes the in-condition flag
@@ -27,9 +29,15 @@ inline bool AddOnce(CScannedVariables& list, const CString& name)
     return true;
 }
 
+// One variable may be met under two names, and the first meeting under the second takes back what a
+// meeting under the first has raised. Then no scan counts as done, so that it is raised again.
 inline void RecordVariable(CScannedVariables& list, const CString& name, IVarObj& variable)
 {
-    RecordMeeting(AddOnce(list, name), [&](int inCondition) { variable.SetInCond(inCondition); });
+    RecordMeeting(AddOnce(list, name), [&](int inCondition) {
+        if (!inCondition && variable.InCond())
+            Pass::NoteFlagLowered();
+        variable.SetInCond(inCondition);
+    });
 }
 
 } // namespace tovo::detail

@@ -24,6 +24,17 @@ struct CatalogueRow {
     RESULT_KIND takes;
 };
 
+// What a minus binds with where it has one operand: as tightly as NOT.
+inline constexpr int kUnaryPrecedence = 6;
+
+// The value that PI, YES and NO stand for; 0.0 for any other code.
+constexpr double ValueOfConstant(int code)
+{
+    constexpr double kPi = 3.141592653589793;
+    constexpr double kYes = 1.0;
+    return code == TOK_PI ? kPi : code == TOK_YES ? kYes : 0.0;
+}
+
 // The row of a code; a code outside 0 to 54 has that of TOK_ILLEGAL.
 const CatalogueRow& CatalogueOf(int code);
 

@@ -139,6 +139,7 @@ Reference CFmlaExprBase::EntryAt(int index) const
 void CFmlaExprBase::NoteTextChange()
 {
     Pass::NoteChange();
+    ++m_TextVersion;
     m_PassedVars = 0;
     m_PassedAt = 0;
 }

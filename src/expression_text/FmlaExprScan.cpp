@@ -14,6 +14,7 @@ int CFmlaExprBase::m_ExpressionNamesInitialized = 0;
 namespace {
 
 std::mutex namesMutex;
+std::shared_ptr<const CExpressionNames> presentNames;
 
 // Every expression asks on its construction, so asking takes no lock.
 std::atomic_ref<int> IsLoaded(int& flag)
@@ -30,7 +31,7 @@ void CFmlaExprBase::InitExprNames()
     const std::lock_guard lock(namesMutex);
     if (m_ExpressionNamesInitialized)
         return;
-    m_ExprNames.Init();
+    LoadNames();
     IsLoaded(m_ExpressionNamesInitialized).store(1, std::memory_order_release);
 }
 
@@ -38,8 +39,19 @@ void CFmlaExprBase::ReInitExprNames()
 {
     const std::lock_guard lock(namesMutex);
     Pass::NoteChange();
-    m_ExprNames.Init();
+    LoadNames();
     IsLoaded(m_ExpressionNamesInitialized).store(1, std::memory_order_release);
+}
+
+void CFmlaExprBase::LoadNames()
+{
+    m_ExprNames.Init();
+    presentNames = std::make_shared<const CExpressionNames>(m_ExprNames);
+}
+
+const std::shared_ptr<const CExpressionNames>& CFmlaExprBase::PresentNames()
+{
+    return presentNames;
 }
 
 int CFmlaExprBase::GetTokenString(int code, CString& text)

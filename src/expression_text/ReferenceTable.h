@@ -5,36 +5,11 @@
 #include <span>
 #include <vector>
 
-#include <TovoFormula/TokenCodes.h>
 #include <TovoPlatform/Collections.h>
 
+#include "../expression_core/ReferenceKinds.h"
+
 namespace tovo::detail {
-
-// What the three kinds of reference differ in. Letters and kind words are in stored texts: never
-// renumber.
-struct ReferenceKind {
-    TOKEN_CODE code;
-    WCHAR letter;
-};
-
-inline constexpr ReferenceKind kReferenceKinds[] = {
-    // indexed by the kind word
-    {TOK_VARIABLE, u'V'},
-    {TOK_FORMULA, u'F'},
-    {TOK_FORMTBL, u'T'},
-};
-inline constexpr int kReferenceKindCount = static_cast<int>(std::size(kReferenceKinds));
-
-inline constexpr int kNoKind = -1;
-
-// The kind word that a letter of a stored text stands for.
-constexpr int KindOfLetter(WCHAR letter)
-{
-    for (int kind = 0; kind < kReferenceKindCount; ++kind)
-        if (kReferenceKinds[kind].letter == letter)
-            return kind;
-    return kNoKind;
-}
 
 inline constexpr int kWordsPerReference = 3;
 inline constexpr int kMaxWord = std::numeric_limits<WORD>::max();

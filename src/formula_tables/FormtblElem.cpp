@@ -32,29 +32,6 @@ double ValueOf(Object* object)
     return object ? object->GetValue() : 0.0;
 }
 
-double ValueOfVariable(IVarObj* variable)
-{
-    return variable ? Pass::ValueOf(*variable) : 0.0;
-}
-
-template <typename Object>
-int CalculateNested(Object* object, unsigned int& message, CScannedVariables* list)
-{
-    if (!object)
-        return 0;
-    const NestedCall call(*object);
-    return object->Calculate(message, list);
-}
-
-template <typename Object>
-void ScanNested(Object* object, CScannedVariables& list, int all, int clear)
-{
-    if (!object)
-        return;
-    const NestedCall call(*object);
-    object->GetVariables(list, all, clear);
-}
-
 } // namespace
 
 CFormtblElem::CFormtblElem(ICalculationSet& calcSet) : m_CalcSet(&calcSet)
@@ -184,79 +161,56 @@ int CFormtblElem::isYesNo() const
 
 double CFormtblElem::value() const
 {
-    switch (m_Type) {
-    case kConstant:
+    if (m_Type == kConstant)
         return tovo::ParseDouble(m_Name) / kThousandths;
-    case kVariable:
-        return ValueOfVariable(CalcSet().GetVarObj(m_Name, 1, 0));
-    case kFormula:
-        return ValueOf(CalcSet().GetFormulaObj(m_Name));
-    case kFormtbl:
-        return ValueOf(CalcSet().GetFormulaTableObj(m_Name));
-    default:
+    const int kind = KindOfLetter(m_Type);
+    if (kind == kNoKind)
         return 0.0;
-    }
+    return WithObject(CalcSet(), kind, m_Name, [](auto* object) { return ValueOf(object); });
 }
 
 int CFormtblElem::Calculate(unsigned int& message, CScannedVariables* list)
 {
-    switch (m_Type) {
-    case kVariable: {
-        IVarObj* const variable = CalcSet().GetVarObj(m_Name, 1, 0);
-        if (variable && list)
-            RecordVariable(*list, m_Name, *variable);
-        return variable ? 1 : 0;
-    }
-    case kFormula:
-        return CalculateNested(CalcSet().GetFormulaObj(m_Name), message, list);
-    case kFormtbl:
-        return CalculateNested(CalcSet().GetFormulaTableObj(m_Name), message, list);
-    default:
+    const int kind = KindOfLetter(m_Type);
+    if (kind == kNoKind)
         return 1;
-    }
+    if (IsNestedKind(kind))
+        return WithNested(CalcSet(), kind, m_Name, [&](auto* object) {
+            return object ? object->Calculate(message, list) : 0;
+        });
+    IVarObj* const variable = CalcSet().GetVarObj(m_Name, 1, 0);
+    if (variable && list)
+        RecordVariable(*list, m_Name, *variable);
+    return variable ? 1 : 0;
 }
 
 int CFormtblElem::CheckNestedFormulas(unsigned int& message)
 {
-    switch (m_Type) {
-    case kFormula:
-        return CheckNested(CalcSet().GetFormulaObj(m_Name), MSG_FORMULA_NOT_FOUND, u"Formula: ",
-                           message);
-    case kFormtbl:
-        return CheckNested(CalcSet().GetFormulaTableObj(m_Name), MSG_FORMTBL_NOT_FOUND,
-                           u"Formula table: ", message);
-    default:
+    const int kind = KindOfLetter(m_Type);
+    if (!IsNestedKind(kind))
         return 1;
-    }
-}
-
-template <typename Object>
-int CFormtblElem::CheckNested(Object* object, unsigned int notFound, const WCHAR* label,
-                              unsigned int& message)
-{
-    if (!object) {
-        message = notFound;
-        CalcSet().ErrorTracker().SetError(notFound, this, label + m_Name);
+    return WithNested(CalcSet(), kind, m_Name, [&](auto* object) {
+        const ReferenceKind& row = kReferenceKinds[kind];
+        if (!object) {
+            message = row.notFound;
+            CalcSet().ErrorTracker().SetError(row.notFound, this, row.label + m_Name);
+            return 0;
+        }
+        if (object->IsValid(message, 1))
+            return 1;
+        CalcSet().ErrorTracker().AddObj(this);
         return 0;
-    }
-    const NestedCall call(*object);
-    if (object->IsValid(message, 1))
-        return 1;
-    CalcSet().ErrorTracker().AddObj(this);
-    return 0;
+    });
 }
 
 void CFormtblElem::GetVariables(CScannedVariables& list, int all, int clear)
 {
-    switch (m_Type) {
-    case kVariable:
+    const int kind = KindOfLetter(m_Type);
+    if (kind == TOK_VARIABLE)
         AddOnce(list, m_Name);
-        break;
-    case kFormula:
-        return ScanNested(CalcSet().GetFormulaObj(m_Name), list, all, clear);
-    case kFormtbl:
-        return ScanNested(CalcSet().GetFormulaTableObj(m_Name), list, all, clear);
-    default:
-        break;
-    }
+    else if (IsNestedKind(kind))
+        WithNested(CalcSet(), kind, m_Name, [&](auto* object) {
+            if (object)
+                object->GetVariables(list, all, clear);
+        });
 }

@@ -1,5 +1,7 @@
 #include <TovoFormula/FormulaTableImpl.h>
 
+#include <bit>
+#include <cstdint>
 #include <limits>
 
 #include <TovoFormula/CalcErrorTracker.h>
@@ -105,9 +107,12 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
         return FailOnMissingCell(index, message);
     if (!cell->Calculate(message, list))
         return 0;
-    m_Value = cell->value();
+    const double value = cell->value();
+    // Formulas may have been calculated from the former value in this pass.
+    if (m_Calculated && std::bit_cast<std::uint64_t>(value) != std::bit_cast<std::uint64_t>(m_Value))
+        Pass::NoteChange();
+    m_Value = value;
     m_Calculated = 1;
-    StrError::NoteTable();
     if (list) {
         m_Scanned = 1;
         if (CExprTree::InIfCondition())

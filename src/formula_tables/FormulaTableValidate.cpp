@@ -5,6 +5,7 @@
 
 #include "../calculation/UnderWay.h"
 #include "../expression_core/Pass.h"
+#include "../expression_core/ReferenceKinds.h"
 
 using namespace tovo::detail;
 
@@ -45,29 +46,20 @@ int FormulaTableImpl::IsValid(unsigned int& message, int nested)
 
 int FormulaTableImpl::ValidateElement(CFormtblElem& element, unsigned int& message, int nested)
 {
+    const int kind = KindOfLetter(element.GetType());
+    if (kind == kNoKind)
+        return 1;
     const CString name = element.GetName();
-    if (element.isVariable())
+    if (!IsNestedKind(kind))
         return m_CalcSet->GetVarObj(name, 1, 0) ? 1 : 0;
-    if (element.isFormula())
-        return ValidateReference(m_CalcSet->GetFormulaObj(name), MSG_FORMULA_NOT_FOUND,
-                                 u"Formula: " + name, message, nested);
-    if (element.isFormtbl())
-        return ValidateReference(m_CalcSet->GetFormulaTableObj(name), MSG_FORMTBL_NOT_FOUND,
-                                 u"Formula table: " + name, message, nested);
-    return 1;
-}
-
-template <typename Object>
-int FormulaTableImpl::ValidateReference(Object* object, unsigned int notFound,
-                                        const CString& missing, unsigned int& message, int nested)
-{
-    if (object) {
-        const NestedCall call(*object);
-        return object->IsValid(message, nested) ? 1 : 0;
-    }
-    message = notFound;
-    m_CalcSet->ErrorTracker().SetError(notFound, this, missing);
-    return 0;
+    return WithNested(*m_CalcSet, kind, name, [&](auto* object) {
+        if (object)
+            return object->IsValid(message, nested) ? 1 : 0;
+        const ReferenceKind& row = kReferenceKinds[kind];
+        message = row.notFound;
+        m_CalcSet->ErrorTracker().SetError(row.notFound, this, row.label + name);
+        return 0;
+    });
 }
 
 // A lookup never reads the last limits. That of the rows must rise all the same, that of the

@@ -7,6 +7,7 @@
 
 #include "../expression_core/Names.h"
 #include "../expression_text/ReferenceTable.h"
+#include "OperandKinds.h"
 
 using namespace tovo::detail;
 
@@ -17,17 +18,6 @@ constexpr short kShownDecimals = 3;
 constexpr int kDisplayFontSize = 14;
 // A constant in a prefixed string is multiplied by this.
 constexpr double kThousandths = 1000.0;
-
-// The three kinds of reference follow one another as their kind words do.
-constexpr OPERAND_KIND OperandKindOf(int referenceKind)
-{
-    return static_cast<OPERAND_KIND>(OP_VARIABLE + referenceKind);
-}
-
-constexpr int ReferenceKindOf(int operandKind)
-{
-    return operandKind - OP_VARIABLE;
-}
 
 } // namespace
 

@@ -5,7 +5,11 @@
 #include <TovoPlatform/InvalidArgument.h>
 
 #include "../expression_core/Pass.h"
+#include "../expression_core/ReferenceKinds.h"
 #include "../expression_core/ScanRecord.h"
+#include "OperandKinds.h"
+
+using namespace tovo::detail;
 
 namespace {
 
@@ -178,7 +182,7 @@ int CalculationOperand::GetInvalidPos()
 
 bool CalculationOperand::IsValid(bool nested)
 {
-    const tovo::detail::Pass pass;
+    const Pass pass;
     if (IsExpression())
         return GetFmlaExpression().IsValid(m_MsgId, CString(), nested) != 0;
     if (IsFormula() || IsFormulaTable())
@@ -188,7 +192,7 @@ bool CalculationOperand::IsValid(bool nested)
 
 bool CalculationOperand::Calculate()
 {
-    const tovo::detail::Pass pass;
+    const Pass pass;
     if (IsConstant() || IsVariable())
         return true;
     if (!IsValid(true))
@@ -200,11 +204,11 @@ bool CalculationOperand::Calculate()
 
 bool CalculationOperand::GetVariables(CScannedVariables& list, bool all, bool clear)
 {
-    const tovo::detail::Pass pass;
+    const Pass pass;
     if (IsVariable()) {
         IVarObj* const variable = CalcSet().GetVarObj(m_RefName, 1, 0);
         if (variable)
-            tovo::detail::RecordVariable(list, variable->GetName(), *variable);
+            RecordVariable(list, variable->GetName(), *variable);
         return variable != nullptr;
     }
     if (IsExpression()) {
@@ -261,27 +265,18 @@ bool CalculationOperand::TakeMessageOfExpression()
 template <typename Answer, typename Visit>
 Answer CalculationOperand::AskObject(Answer missing, Visit visit)
 {
-    const auto ask = [&](auto* object) { return object ? visit(*object) : missing; };
-    if (IsVariable())
-        return ask(CalcSet().GetVarObj(m_RefName, 1, 0));
-    if (IsFormula())
-        return ask(CalcSet().GetFormulaObj(m_RefName));
-    return ask(CalcSet().GetFormulaTableObj(m_RefName));
+    return WithObject(CalcSet(), ReferenceKindOf(m_OperandKind), m_RefName,
+                      [&](auto* object) { return object ? visit(*object) : missing; });
 }
 
 // The same for a formula or a table, which is a failure if it has left the set.
 template <typename Visit>
 bool CalculationOperand::OnNested(Visit visit)
 {
-    const auto ask = [&](auto* object, unsigned int notFound) {
-        if (!object) {
-            m_MsgId = notFound;
-            return false;
-        }
-        const tovo::detail::NestedCall call(*object);
-        return visit(*object);
-    };
-    if (IsFormula())
-        return ask(CalcSet().GetFormulaObj(m_RefName), MSG_OPERAND_FORMULA_NOT_FOUND);
-    return ask(CalcSet().GetFormulaTableObj(m_RefName), MSG_OPERAND_FORMTBL_NOT_FOUND);
+    const int kind = ReferenceKindOf(m_OperandKind);
+    return WithNested(CalcSet(), kind, m_RefName, [&](auto* object) {
+        if (!object)
+            m_MsgId = kReferenceKinds[kind].notFoundByOperand;
+        return object && visit(*object);
+    });
 }

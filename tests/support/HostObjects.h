@@ -64,7 +64,7 @@ public:
         m_LastList = list;
         if (m_OnCalculate)
             m_OnCalculate(list);
-        return Verdict(message);
+        return m_Calculates ? Verdict(message) : Fail(message);
     }
     void GetVariables(CScannedVariables& list, int all, int clear) override
     {
@@ -84,6 +84,7 @@ public:
     CString m_Name;
     double m_Value;
     bool m_Succeeds = true;
+    bool m_Calculates = true; // false: passes its check and fails then
     unsigned int m_Message = 0; // written by a failure unless it is 0
     int m_Scanned = 0;
     std::function<void(CScannedVariables*)> m_OnCalculate;
@@ -97,9 +98,13 @@ public:
 private:
     int Verdict(unsigned int& message) const
     {
-        if (!m_Succeeds && m_Message != 0)
+        return m_Succeeds ? 1 : Fail(message);
+    }
+    int Fail(unsigned int& message) const
+    {
+        if (m_Message != 0)
             message = m_Message;
-        return m_Succeeds ? 1 : 0;
+        return 0;
     }
 };
 

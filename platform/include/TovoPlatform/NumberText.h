@@ -12,6 +12,7 @@ namespace tovo {
 // The number that the text begins with, 0.0 if it begins with none: white space, a sign, digits
 // with one decimal separator, an exponent; the rest is passed over. The separator given counts as
 // well as ".". Correctly rounded; too large gives an infinity, too small 0.0.
+TOVO_API double ParseDouble(WideView text, WCHAR decimalSeparator = u'.');
 TOVO_API double ParseDouble(const CString& text, WCHAR decimalSeparator = u'.');
 
 // The whole number that the text begins with, 0 if it begins with none; saturates.

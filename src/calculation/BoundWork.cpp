@@ -1,0 +1,528 @@
+#include "BoundWork.h"
+
+#include <cassert>
+#include <optional>
+#include <typeinfo>
+#include <utility>
+
+#include <TovoFormula/CalcErrorTracker.h>
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/MessageIds.h>
+#include <TovoFormula/ScannedVariables.h>
+#include <TovoPlatform/NumberText.h>
+
+#include "../expression_core/IfDepthGuard.h"
+#include "../expression_core/Names.h"
+#include "../expression_core/ProgramBuilder.h"
+#include "../expression_text/TokenScanner.h"
+#include "Namesakes.h"
+#include "UnderWay.h"
+
+namespace tovo::detail {
+namespace {
+
+// The last thing that a single reference does is to call an object. Once more, it may leave another
+// text than the first time.
+bool IsReferenceToObject(const CExprToken* root)
+{
+    return root && (root->IsFormula() || root->IsFormtbl());
+}
+
+} // namespace
+
+// Leaves an expression without a tree if an object throws while it is being checked.
+class BoundWork::Throwing {
+public:
+    explicit Throwing(BoundWork& work) : m_Work(work) {}
+    ~Throwing()
+    {
+        if (m_HasEnded)
+            return;
+        m_Work.Forget();
+        m_Work.m_Expression.m_Tree.Clear();
+        m_Work.m_Expression.m_MessageNum = MSG_NONE;
+        m_Work.m_Expression.m_InvalidPos = 0;
+    }
+
+    Throwing(const Throwing&) = delete;
+    Throwing& operator=(const Throwing&) = delete;
+
+    void End() { m_HasEnded = true; }
+
+private:
+    BoundWork& m_Work;
+    bool m_HasEnded = false;
+};
+
+BoundWork::BoundWork(CFmlaExpression& expression, const CString& formulaName)
+    : m_Expression(expression)
+{
+    State().formulaName = &formulaName;
+}
+
+ExpressionState& BoundWork::State()
+{
+    if (!m_Expression.m_State)
+        m_Expression.m_State =
+            std::make_unique<ExpressionState>(m_Expression, m_Expression.CalcSet());
+    return *m_Expression.m_State;
+}
+
+// A host that derives may look at the tree, or keep what the library does not know of.
+bool BoundWork::MayUsePrograms() const
+{
+    return typeid(m_Expression) == typeid(CFmlaExpression);
+}
+
+int BoundWork::Fail(unsigned int message)
+{
+    m_Expression.m_MessageNum = static_cast<int>(message);
+    m_Expression.CalcSet().ErrorTracker().SetError(message, &m_Expression);
+    return 0;
+}
+
+void BoundWork::Forget()
+{
+    if (!m_Expression.m_State)
+        return;
+    ExpressionState& state = *m_Expression.m_State;
+    state.isLoadedByProgram = false;
+    state.checkedIn = state.calculatedIn = state.scannedIn = kNeverInPass;
+}
+
+int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
+{
+    if (!nested)
+        return ValidateAfresh(message, name, nested);
+    ExpressionState& state = State();
+    if (IsChecked(name)) {
+        NoteLoaded();
+        LeaveTexts();
+        return 1;
+    }
+    std::optional<PassApart> apart;
+    if (Namesakes::MayExist() && Namesakes::AreThere(state, name))
+        apart.emplace();
+    std::optional<NestedNameGuard> entry;
+    if (!name.IsEmpty()) {
+        entry.emplace(CFmlaExpression::m_NestedFmlaNames, name);
+        if (!entry->HasEntered()) {
+            message = MSG_FORMULA_INSIDE_ITSELF;
+            return Fail(message);
+        }
+    }
+    Throwing throwing(*this);
+    const PassNumber began = Pass::Present();
+    const std::uint64_t turn = ErrorTexts::Turn();
+    const bool isDone = CheckByProgram(name);
+    if (isDone)
+        GiveTextOfProgram();
+    if (isDone || LoadNamed(name, nested)) {
+        throwing.End();
+        if (!apart)
+            NoteChecked(name, began, turn);
+        return 1;
+    }
+    throwing.End();
+    message = static_cast<unsigned int>(m_Expression.m_MessageNum);
+    return 0;
+}
+
+int BoundWork::ValidateAfresh(unsigned int& message, const CString& name, int nested)
+{
+    if (LoadNamed(name, nested))
+        return 1;
+    message = static_cast<unsigned int>(m_Expression.m_MessageNum);
+    return 0;
+}
+
+int BoundWork::LoadNamed(const CString& name, int nested)
+{
+    const int isLoaded = Load(nested);
+    if (name.IsEmpty())
+        return isLoaded;
+    if (!isLoaded) {
+        m_Expression.CalcSet().ErrorTracker().AddObj(&m_Expression, u"Formula: " + name);
+        return 0;
+    }
+    const bool isYesNo = m_Expression.m_Tree.IsBoolean() != 0;
+    return isYesNo == IsYesNoName(name.View()) ? 1 : Fail(MSG_WRONG_RESULT_TYPE);
+}
+
+int BoundWork::Load(int nested)
+{
+    // A tree that is being built or walked further up must not be torn down.
+    const UnderWay underWay(State().marks);
+    if (!underWay.IsFirst())
+        return Fail(MSG_FORMULA_INSIDE_ITSELF);
+    if (underWay.IsTooDeep())
+        return Fail(MSG_GENERAL_FAILURE);
+
+    Forget();
+    Throwing throwing(*this);
+    m_Expression.m_Tree.Clear();
+    m_Expression.m_MessageNum = MSG_NONE;
+    m_Expression.m_InvalidPos = 0;
+    const int isBuilt = BuildTree(nested);
+    throwing.End();
+    return isBuilt;
+}
+
+// Requires: an empty tree.
+int BoundWork::BuildTree(int nested)
+{
+    CFmlaExpression& expression = m_Expression;
+    expression.m_ScanPos = 0;
+    const std::vector<Reference> references = ReferencesOf(expression.m_VarPtrs);
+    TokenScanner scanner(expression.m_ExprText, references, CFmlaExpression::SpellingOf(TL_LOCAL),
+                         expression.m_ScanPos);
+    CString token;
+    int code = TOK_ILLEGAL;
+    int pos = 0;
+    if (!expression.DeliverToken(scanner, token, code, pos))
+        return expression.m_MessageNum ? 0 : Fail(MSG_FORMULA_TEXT_REQUIRED);
+
+    int lastPos = pos;
+    do {
+        lastPos = pos;
+        if (!InsertScanned(code, token, pos, nested))
+            return 0;
+    } while (expression.DeliverToken(scanner, token, code, pos));
+    return CloseTree(lastPos, pos);
+}
+
+// Takes one token of the text into the tree, a reference after its check. The position at fault is
+// that of the token, until it is taken.
+int BoundWork::InsertScanned(int code, const CString& token, int pos, int nested)
+{
+    m_Expression.m_InvalidPos = pos;
+    if (code == TOK_ILLEGAL)
+        return Fail(MSG_INVALID_ELEMENT);
+    if (nested && !CheckNestedReference(code, token))
+        return 0;
+    if (!m_Expression.m_Tree.InsertToken(code, token, pos, nested)) {
+        m_Expression.m_MessageNum = static_cast<int>(m_Expression.m_Tree.GetMsg());
+        return 0;
+    }
+    m_Expression.m_MessageNum = MSG_NONE;
+    m_Expression.m_InvalidPos = 0;
+    return 1;
+}
+
+// What is left to do when the scanner delivers no more: endPos is where it stopped, lastPos where
+// the last token stands.
+int BoundWork::CloseTree(int lastPos, int endPos)
+{
+    if (m_Expression.m_MessageNum) {
+        m_Expression.m_InvalidPos = endPos;
+        return 0;
+    }
+    if (m_Expression.m_Tree.EndOfExpression())
+        return 1;
+    m_Expression.m_MessageNum = static_cast<int>(m_Expression.m_Tree.GetMsg());
+    m_Expression.m_InvalidPos = lastPos;
+    return 0;
+}
+
+// Builds the tree that the program stands for, from the text and the names that it was compiled
+// from, for whoever has to walk it.
+void BoundWork::BuildTreeOfProgram()
+{
+    const Program& program = *State().program;
+    CExprTree& tree = m_Expression.m_Tree;
+    std::vector<Reference> references;
+    for (const ReferencePlace& place : program.Places())
+        references.push_back({place.position, place.length, place.kind});
+    const Spelling spelling(program.Names());
+    TokenScanner scanner(program.Text(), references, spelling, 0);
+    tree.Clear();
+    tree.m_IsShapeOnly = true;
+    while (scanner.Next() == TokenScanner::Outcome::Token) {
+        tree.InsertToken(scanner.TokenCode(), scanner.TokenString(), scanner.TokenPos(), 1);
+        if (scanner.TokenCode() == TOK_NUMBER)
+            tree.m_LastToken->SetValue(
+                tovo::ParseDouble(scanner.TokenText(), spelling.DecimalSeparator()));
+    }
+    tree.EndOfExpression();
+    tree.m_IsShapeOnly = false;
+    tree.m_Root->GetData()->SetValue(State().value);
+    State().isLoadedByProgram = false;
+}
+
+// The road of the program, from the mark on the expression to the value.
+bool BoundWork::CheckByProgram(const CString& name)
+{
+    ExpressionState& state = State();
+    if (state.marks > 0 || state.gaveUpIn == Pass::Present() || !HasProgramFor(name))
+        return false;
+    const UnderWay underWay(state.marks);
+    if (underWay.IsTooDeep())
+        return false;
+    // Whoever asks meanwhile finds an expression that is not loaded.
+    state.isLoadedByProgram = false;
+    m_Expression.m_Tree.Clear();
+    if (!state.program->Run(state, Program::Purpose::Check, nullptr)) {
+        state.gaveUpIn = Pass::Present();
+        return false;
+    }
+    state.isLoadedByProgram = true;
+    m_Expression.m_Tree.m_Msg = MSG_NONE;
+    NoteLoaded();
+    return true;
+}
+
+bool BoundWork::CalculateByProgram(const CString& name)
+{
+    ExpressionState& state = State();
+    if (state.leftElsewhere || !state.formulaName || *state.formulaName != name)
+        return false;
+    if (state.calculatedIn == Pass::Present() && state.marks == 0)
+        return true;
+    if (Namesakes::AreKnown())
+        return false;
+    std::optional<NestedNameGuard> entry;
+    if (!name.IsEmpty()) {
+        entry.emplace(CFmlaExpression::m_NestedFmlaNames, name);
+        if (!entry->HasEntered())
+            return false;
+    }
+    Throwing throwing(*this);
+    const PassNumber began = Pass::Present();
+    const std::uint64_t turn = ErrorTexts::Turn();
+    const bool isChecked = CheckByProgram(name);
+    throwing.End();
+    if (!isChecked)
+        return false;
+    NoteChecked(name, began, turn);
+    entry.reset();
+    // The check has calculated all there is, unless something has changed meanwhile.
+    return state.calculatedIn == Pass::Present() || WalkByProgram(nullptr);
+}
+
+// Whether there is a program for the present text, whose kind is what the name says.
+bool BoundWork::HasProgramFor(const CString& name)
+{
+    ExpressionState& state = State();
+    const bool isCurrent = state.program && state.textOfProgram == m_Expression.m_TextVersion &&
+                           &state.program->Names() == CFmlaExprBase::PresentNames().get();
+    if (!isCurrent) {
+        if (!Pass::IsRemembering() || state.textWithoutProgram == m_Expression.m_TextVersion ||
+            !MayUsePrograms())
+            return false;
+        std::unique_ptr<Program> program = Compile();
+        if (!program) {
+            state.textWithoutProgram = m_Expression.m_TextVersion;
+            return false;
+        }
+        if (state.isLoadedByProgram)
+            BuildTreeOfProgram();
+        state.program = std::move(program);
+        state.textOfProgram = m_Expression.m_TextVersion;
+    }
+    return Pass::IsRemembering() &&
+           (name.IsEmpty() || state.program->IsBoolean() == IsYesNoName(name.View()));
+}
+
+std::unique_ptr<Program> BoundWork::Compile()
+{
+    const std::vector<Reference> references = ReferencesOf(m_Expression.m_VarPtrs);
+    TokenScanner scanner(m_Expression.m_ExprText, references,
+                         CFmlaExpression::SpellingOf(TL_LOCAL), 0);
+    ProgramBuilder builder(m_Expression.CalcSet());
+    TokenScanner::Outcome outcome;
+    while ((outcome = scanner.Next()) == TokenScanner::Outcome::Token) {
+        const int code = scanner.TokenCode();
+        const WideView text = scanner.TokenText();
+        const bool isTaken =
+            code < kReferenceKindCount
+                ? builder.TakeReference({scanner.TokenPos(),
+                                         static_cast<std::uint16_t>(text.size()),
+                                         static_cast<std::uint16_t>(code)},
+                                        text)
+                : builder.Take(code, text);
+        if (!isTaken)
+            return nullptr;
+    }
+    if (outcome == TokenScanner::Outcome::Fault)
+        return nullptr;
+    return builder.Finish(m_Expression.m_ExprText, CFmlaExprBase::PresentNames());
+}
+
+int BoundWork::CheckAndCalculate(unsigned int& message, const CString& name,
+                                 CScannedVariables* list)
+{
+    if (IsChecked(name) && IsCalculated(list)) {
+        NoteLoaded();
+        LeaveTexts();
+        return 1;
+    }
+    if (!Validate(message, name, 1))
+        return 0;
+    // Building the tree has calculated it already.
+    if (IsCalculated(list) || Walk(list))
+        return 1;
+    message = static_cast<unsigned int>(m_Expression.m_MessageNum);
+    return 0;
+}
+
+int BoundWork::Calculate(CScannedVariables* list)
+{
+    if (State().marks > 0)
+        return Fail(MSG_FORMULA_INSIDE_ITSELF);
+    if (IsCalculated(list)) {
+        LeaveTexts();
+        return 1;
+    }
+    return Walk(list);
+}
+
+int BoundWork::Walk(CScannedVariables* list)
+{
+    ExpressionState& state = State();
+    const UnderWay underWay(state.marks);
+    if (!underWay.IsFirst())
+        return Fail(MSG_FORMULA_INSIDE_ITSELF);
+    const PassNumber began = Pass::Present();
+    const std::uint64_t turn = ErrorTexts::Turn();
+    if (state.isLoadedByProgram && RunAsWalk(list)) {
+        GiveTextOfProgram();
+    } else {
+        if (state.isLoadedByProgram)
+            BuildTreeOfProgram();
+        if (!m_Expression.m_Tree.Calculate(list)) {
+            m_Expression.m_MessageNum = static_cast<int>(m_Expression.m_Tree.GetMsg());
+            return 0;
+        }
+    }
+    NoteCalculated(list, began, turn);
+    return 1;
+}
+
+bool BoundWork::WalkByProgram(CScannedVariables* list)
+{
+    const UnderWay underWay(State().marks);
+    const PassNumber began = Pass::Present();
+    const std::uint64_t turn = ErrorTexts::Turn();
+    if (!RunAsWalk(list))
+        return false;
+    NoteCalculated(list, began, turn);
+    return true;
+}
+
+bool BoundWork::RunAsWalk(CScannedVariables* list)
+{
+    const IfDepthGuard depth(CExprTree::m_InIfConditionCount);
+    const auto purpose = list ? Program::Purpose::Scan : Program::Purpose::Calculate;
+    return State().program->Run(State(), purpose, list);
+}
+
+bool BoundWork::IsChecked(const CString& name) const
+{
+    const ExpressionState* const state = m_Expression.m_State.get();
+    return state && state->checkedIn == Pass::Present() && state->marks == 0 &&
+           state->checkedName == name;
+}
+
+// With a list, only if another walk could not change an in-condition flag: a first meeting writes
+// them, a later one raises them if it is inside a condition.
+bool BoundWork::IsCalculated(CScannedVariables* list) const
+{
+    const ExpressionState* const state = m_Expression.m_State.get();
+    if (!state || state->marks > 0)
+        return false;
+    if (!list)
+        return state->calculatedIn == Pass::Present();
+    return IsScanOf(*state, *list) && (state->isScannedInCondition || !CExprTree::InIfCondition());
+}
+
+// What a check that has succeeded leaves in the expression.
+void BoundWork::NoteLoaded()
+{
+    m_Expression.m_MessageNum = MSG_NONE;
+    m_Expression.m_InvalidPos = 0;
+    m_Expression.m_ScanPos = m_Expression.m_ExprText.GetLength();
+}
+
+void BoundWork::NoteChecked(const CString& name, PassNumber began, std::uint64_t turn)
+{
+    KeepTexts(turn);
+    if (Pass::Present() != began || !Pass::IsRemembering())
+        return;
+    ExpressionState& state = State();
+    state.checkedIn = began;
+    state.checkedName = name;
+    if (!EndsWithObject())
+        state.calculatedIn = began;
+}
+
+void BoundWork::NoteCalculated(CScannedVariables* list, PassNumber began, std::uint64_t turn)
+{
+    KeepTexts(turn);
+    if (Pass::Present() != began || !Pass::IsRemembering())
+        return;
+    ExpressionState& state = State();
+    state.calculatedIn = began;
+    if (!list)
+        return;
+    const bool wasInCondition = state.isScannedInCondition && IsScanOf(state, *list);
+    state.isScannedInCondition = wasInCondition || CExprTree::InIfCondition();
+    state.scannedIn = began;
+    state.scan = Pass::Scan();
+    state.scannedList = list->m_Id;
+}
+
+bool BoundWork::IsScanOf(const ExpressionState& state, const CScannedVariables& list)
+{
+    return state.scannedIn == Pass::Present() && state.scan == Pass::Scan() &&
+           state.scannedList == list.m_Id;
+}
+
+bool BoundWork::EndsWithObject() const
+{
+    const ExpressionState& state = *m_Expression.m_State;
+    return state.isLoadedByProgram ? state.program->EndsWithObject()
+                                   : IsReferenceToObject(m_Expression.m_Tree.RootToken());
+}
+
+// A table that has its value leaves no text.
+bool BoundWork::EndsWithTable() const
+{
+    const ExpressionState& state = *m_Expression.m_State;
+    if (state.isLoadedByProgram)
+        return state.program->EndsWithTable();
+    const CExprToken* const root = m_Expression.m_Tree.RootToken();
+    return root && root->IsFormtbl();
+}
+
+// Where an object was called last, it has seen to the text.
+void BoundWork::GiveTextOfProgram()
+{
+    if (!EndsWithObject())
+        ErrorTexts::Give(State().calcSet, State().program->LeftText());
+}
+
+// Takes down what the same, done again, would leave as texts.
+void BoundWork::KeepTexts(std::uint64_t turn)
+{
+    ExpressionState& state = State();
+    if (state.isLoadedByProgram && !state.program->EndsWithObject())
+        state.leftText = state.program->LeftText();
+    else
+        state.leftText = EndsWithTable() ? 0 : ErrorTexts::LastOf(state.calcSet);
+    std::vector<LeftText> elsewhere = ErrorTexts::GivenElsewhere(state.calcSet, turn);
+    if (elsewhere.empty())
+        state.leftElsewhere.reset();
+    else
+        state.leftElsewhere = std::make_unique<std::vector<LeftText>>(std::move(elsewhere));
+}
+
+void BoundWork::LeaveTexts()
+{
+    const ExpressionState& state = State();
+    ErrorTexts::Give(state.calcSet, state.leftText);
+    if (state.leftElsewhere)
+        for (const LeftText& text : *state.leftElsewhere)
+            ErrorTexts::Give(*text.calcSet, text.error);
+}
+
+} // namespace tovo::detail

@@ -1,0 +1,88 @@
+#ifndef TOVOFORMULA_SRC_BOUNDWORK_H
+#define TOVOFORMULA_SRC_BOUNDWORK_H
+
+#include <TovoFormula/FmlaExpression.h>
+#include <TovoFormula/TokenCodes.h>
+
+#include "../expression_core/Program.h"
+
+namespace tovo::detail {
+
+// What stands behind the operations of a bound expression.
+//
+// A check with nested references goes one of two roads. The short one runs the program that was
+// compiled from the present text; it knows successes only. Where it gives up, and for whatever is
+// asked rarely, the long one builds the tree and calculates it, and is the only one that makes
+// messages, positions and chains. What succeeds on either is remembered for the pass.
+//
+// A view on an expression, made where it is needed.
+class BoundWork {
+public:
+    explicit BoundWork(CFmlaExpression& expression) : m_Expression(expression) {}
+    // The name is that of the formula, whose member the expression is.
+    BoundWork(CFmlaExpression& expression, const CString& formulaName);
+
+    // These are CFmlaExpression::IsValid, LoadExpressionTree and Calculate within a pass.
+    int Validate(unsigned int& message, const CString& name, int nested);
+    int Load(int nested);
+    int Calculate(CScannedVariables* list);
+    // Checks and calculates, as a named formula does.
+    int CheckAndCalculate(unsigned int& message, const CString& name, CScannedVariables* list);
+    // The short road alone, for a formula of that name that a program refers to. False if it ends
+    // nowhere, with nothing done that shows.
+    bool CalculateByProgram(const CString& name);
+
+    int CheckNestedReference(int code, const CString& text);
+    int NestedFormulasOK();
+    void ScanStatically(CScannedVariables& list, int all);
+    // The tree is no longer what was loaded last, or it is gone.
+    void Forget();
+
+    int Fail(unsigned int message);
+    ExpressionState& State();
+
+private:
+    class Throwing;
+
+    bool MayUsePrograms() const;
+    int ValidateAfresh(unsigned int& message, const CString& name, int nested);
+    int LoadNamed(const CString& name, int nested);
+    int BuildTree(int nested);
+    int InsertScanned(int code, const CString& token, int pos, int nested);
+    int CloseTree(int lastPos, int endPos);
+    void BuildTreeOfProgram();
+
+    bool CheckByProgram(const CString& name);
+    bool HasProgramFor(const CString& name);
+    std::unique_ptr<Program> Compile();
+    bool WalkByProgram(CScannedVariables* list);
+    bool RunAsWalk(CScannedVariables* list);
+    void GiveTextOfProgram();
+    int Walk(CScannedVariables* list);
+
+    bool IsChecked(const CString& name) const;
+    bool IsCalculated(CScannedVariables* list) const;
+    void NoteLoaded();
+    void NoteChecked(const CString& name, PassNumber began, std::uint64_t turn);
+    void NoteCalculated(CScannedVariables* list, PassNumber began, std::uint64_t turn);
+    void KeepTexts(std::uint64_t turn);
+    void LeaveTexts();
+    bool EndsWithObject() const;
+    bool EndsWithTable() const;
+    static bool IsScanOf(const ExpressionState& state, const CScannedVariables& list);
+
+    struct NamedReference {
+        int kind;
+        CString name;
+    };
+    std::vector<NamedReference> References() const;
+    int CheckNested(int kind, const CString& name);
+    template <typename Object>
+    int CheckFound(Object* object, int kind, const CString& name);
+
+    CFmlaExpression& m_Expression;
+};
+
+} // namespace tovo::detail
+
+#endif

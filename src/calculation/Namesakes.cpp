@@ -1,0 +1,76 @@
+#include "Namesakes.h"
+
+#include <unordered_map>
+
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/FormulaImpl.h>
+
+#include "../expression_core/Program.h"
+#include "ObjectsOfSet.h"
+
+namespace tovo::detail {
+namespace {
+
+// The strays of one pass, by name: null where a name has several.
+struct Strays {
+    PassNumber pass = kNeverInPass;
+    // The set that the pass began with, and what tells its names from those of other sets.
+    ICalculationSet* calcSet = nullptr;
+    const void* names = nullptr;
+    std::unordered_map<CString, const ExpressionState*> byName;
+};
+
+Strays& StraysOfPass()
+{
+    static thread_local Strays strays;
+    if (strays.pass != Pass::First()) {
+        strays.pass = Pass::First();
+        strays.calcSet = nullptr;
+        strays.byName.clear();
+    }
+    return strays;
+}
+
+bool IsUnderOwnName(const ExpressionState& state, const CString& name)
+{
+    return state.ownNameIn == Pass::Present() ||
+           StateOfStockFormula(state.calcSet.GetFormulaObj(name)) == &state;
+}
+
+// A host's own formula may be the one whose expression this is.
+bool HasAnotherFormula(ICalculationSet& calcSet, const ExpressionState& state, const CString& name)
+{
+    const ExpressionState* const found = StateOfStockFormula(calcSet.GetFormulaObj(name));
+    return found && found != &state;
+}
+
+} // namespace
+
+bool Namesakes::AreKnown()
+{
+    return Pass::HasHistory() && !StraysOfPass().byName.empty();
+}
+
+bool Namesakes::AreThere(const ExpressionState& state, const CString& name)
+{
+    if (name.IsEmpty())
+        return false;
+    Strays& strays = StraysOfPass();
+    if (!strays.calcSet) {
+        strays.calcSet = &state.calcSet;
+        strays.names = NamesOfFormulas(state.calcSet);
+    }
+    if (strays.names == NamesOfFormulas(state.calcSet) && IsUnderOwnName(state, name)) {
+        const auto found = strays.byName.find(name);
+        if (found != strays.byName.end() && found->second != &state)
+            found->second = nullptr;
+        return found != strays.byName.end() && !found->second;
+    }
+    const auto [stray, isNew] = strays.byName.emplace(name, &state);
+    if (stray->second != &state ||
+        (isNew && HasAnotherFormula(*strays.calcSet, state, name)))
+        stray->second = nullptr;
+    return !stray->second;
+}
+
+} // namespace tovo::detail

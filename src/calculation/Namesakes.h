@@ -1,0 +1,32 @@
+#ifndef TOVOFORMULA_SRC_NAMESAKES_H
+#define TOVOFORMULA_SRC_NAMESAKES_H
+
+#include "../expression_core/Pass.h"
+
+class CString;
+
+namespace tovo::detail {
+
+struct ExpressionState;
+
+// Detects two expressions that are checked under one name within a pass.
+//
+// What is in progress is known by name. So of two formulas of one name, as a host makes them that
+// renames one without adding it anew, each fails while the other is in progress, and a success that
+// was remembered says nothing there: they are checked in a pass apart, and not remembered.
+//
+// A formula that its set has under its own name is no namesake of another such one. All other
+// expressions that are checked under a name are strays, and are taken down. Kept for each thread.
+class Namesakes {
+public:
+    // In the outermost call nothing has been remembered yet that a namesake could be hidden by.
+    static bool MayExist() { return Pass::HasHistory(); }
+    // Whether strays have been taken down in this pass.
+    static bool AreKnown();
+    // Whether another expression bears the name under which this one is going to be checked.
+    static bool AreThere(const ExpressionState& state, const CString& name);
+};
+
+} // namespace tovo::detail
+
+#endif

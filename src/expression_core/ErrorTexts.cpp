@@ -1,0 +1,71 @@
+#include "ErrorTexts.h"
+
+#include <algorithm>
+
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoPlatform/NumberText.h>
+
+#include "ObjectCalls.h"
+
+namespace tovo::detail {
+
+void ErrorTexts::Give(ICalculationSet& calcSet, RuntimeError error)
+{
+    Note(calcSet, error);
+    // Nearly every token clears the text, and nearly always it is clear.
+    if (error == 0 && ObjectCalls::IsStrErrorClear(calcSet))
+        return;
+    calcSet.SetStrError(error == 0 ? CString() : tovo::RuntimeErrorText(error));
+}
+
+RuntimeError ErrorTexts::LastOf(const ICalculationSet& calcSet)
+{
+    if (last.calcSet == &calcSet)
+        return last.error;
+    if (hasOthers)
+        for (const LeftText& text : Others())
+            if (text.calcSet == &calcSet)
+                return text.error;
+    return 0;
+}
+
+std::vector<LeftText> ErrorTexts::GivenElsewhere(const ICalculationSet& calcSet,
+                                                 std::uint64_t since)
+{
+    std::vector<LeftText> given;
+    if (!hasOthers)
+        return given;
+    std::ranges::copy_if(Others(), std::back_inserter(given), [&](const LeftText& text) {
+        return text.turn > since && text.calcSet != &calcSet;
+    });
+    if (last.turn > since && last.calcSet && last.calcSet != &calcSet)
+        given.push_back(last);
+    return given;
+}
+
+void ErrorTexts::Note(ICalculationSet& calcSet, RuntimeError error)
+{
+    const std::uint64_t turn = last.turn + 1;
+    if (last.calcSet && last.calcSet != &calcSet) {
+        std::erase_if(Others(), [&](const LeftText& text) {
+            return text.calcSet == &calcSet || text.calcSet == last.calcSet;
+        });
+        Others().push_back(last);
+        hasOthers = true;
+    }
+    last = {&calcSet, error, turn};
+}
+
+void ErrorTexts::ForgetOthers()
+{
+    Others().clear();
+    hasOthers = false;
+}
+
+std::vector<LeftText>& ErrorTexts::Others()
+{
+    static thread_local std::vector<LeftText> others;
+    return others;
+}
+
+} // namespace tovo::detail

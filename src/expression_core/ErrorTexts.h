@@ -1,0 +1,53 @@
+#ifndef TOVOFORMULA_SRC_ERRORTEXTS_H
+#define TOVOFORMULA_SRC_ERRORTEXTS_H
+
+#include <cstdint>
+#include <vector>
+
+struct ICalculationSet;
+
+namespace tovo::detail {
+
+// The number of a run-time error, 0 for none. It stands for the text that a set is given of it.
+using RuntimeError = int;
+
+// What a calculation has left in a set as the text of the last mathematical error.
+struct LeftText {
+    ICalculationSet* calcSet; // not owned; compared, and followed only within its pass
+    RuntimeError error;
+    std::uint64_t turn; // grows with each text that is given
+};
+
+// Gives sets the texts of mathematical errors, and knows what it gave last within a pass: whoever is
+// answered from memory leaves the texts that its calculation would have left. A token gives its own
+// set a text, so with formulas of several sets there are several. Kept for each thread.
+class ErrorTexts {
+public:
+    static void Give(ICalculationSet& calcSet, RuntimeError error);
+    // What the set was given last in this pass, 0 for none.
+    static RuntimeError LastOf(const ICalculationSet& calcSet);
+    // What other sets than this one were given since the turn, in that order.
+    static std::vector<LeftText> GivenElsewhere(const ICalculationSet& calcSet,
+                                                std::uint64_t since);
+    static std::uint64_t Turn() { return last.turn; }
+
+    // Forgets what was given, for the sets may be gone.
+    static void BeginPass()
+    {
+        last.calcSet = nullptr;
+        if (hasOthers)
+            ForgetOthers();
+    }
+
+private:
+    static void Note(ICalculationSet& calcSet, RuntimeError error);
+    static void ForgetOthers();
+    static std::vector<LeftText>& Others();
+
+    static inline constinit thread_local LeftText last = {};
+    static inline constinit thread_local bool hasOthers = false;
+};
+
+} // namespace tovo::detail
+
+#endif

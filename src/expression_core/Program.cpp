@@ -1,0 +1,316 @@
+#include "Program.h"
+
+#include <array>
+#include <cassert>
+#include <span>
+
+#include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/ExprTree.h>
+
+#include "Computation.h"
+#include "JobValues.h"
+#include "Names.h"
+#include "Operations.h"
+#include "ReferenceKinds.h"
+#include "ScanRecord.h"
+
+namespace tovo::detail {
+CString Program::NameAt(const ReferencePlace& place) const
+{
+    return CString(BareName(m_Text.View().substr(static_cast<std::size_t>(place.position),
+                                                 static_cast<std::size_t>(place.length))));
+}
+
+bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* list)
+{
+    assert(state.marks > 0 || m_CallsNothing || m_Bindings.empty() || m_StockLookup);
+    assert((purpose == Purpose::Scan) == (list != nullptr));
+    if (!m_Bindings.empty() && !Bind(state, purpose))
+        return false;
+    m_LeftText = 0;
+    switch (purpose) {
+    case Purpose::Check:
+        return Execute<Purpose::Check>(state, list);
+    case Purpose::Calculate:
+        return Execute<Purpose::Calculate>(state, list);
+    case Purpose::Scan:
+        return Execute<Purpose::Scan>(state, list);
+    }
+    return false;
+}
+
+// A set that finds names elsewhere than in its entries is asked for each name in each run.
+bool Program::Bind(ExpressionState& state, Purpose purpose)
+{
+    const bool isBound = m_IsBound && m_StockLookup && IsBoundStill();
+    if (!isBound && !BindAll(state))
+        return false;
+    if (!m_HasHostVariables)
+        return true;
+    // Only those that a calculation reaches are to be read.
+    if (purpose != Purpose::Check && m_HasBranches)
+        return false;
+    const PassNumber began = Pass::Present();
+    for (Binding& binding : m_Bindings)
+        if (binding.kind == TOK_VARIABLE && binding.isHost)
+            binding.value = binding.variable->GetValue();
+    return Pass::Present() == began;
+}
+
+bool Program::IsBoundStill() const
+{
+    return !m_StockLookup || ObjectCalls::LookupStateOf(*m_StockLookup) == m_BoundIn;
+}
+
+bool Program::BindAll(ExpressionState& state)
+{
+    m_HasHostVariables = false;
+    m_EndsWithHostFormula = false;
+    bool isWhole = true;
+    bool hasMoved = !m_IsBound;
+    m_IsBound = false;
+    for (Binding& binding : m_Bindings) {
+        if (binding.name.IsEmpty())
+            binding.name = NameAt(m_Places[binding.place]);
+        isWhole = WithObject(state.calcSet, binding.kind, binding.name, [&](auto* object) {
+            return object && BindTo(binding, object, hasMoved);
+        });
+        if (!isWhole)
+            return false;
+    }
+    if (hasMoved)
+        TakeAddresses();
+    m_CallsNothing = m_StockLookup && !m_HasNested && !m_HasHostVariables &&
+                     (!m_HasJobValues || ObjectCalls::IsStock(state.calcSet));
+    if (m_StockLookup)
+        m_BoundIn = ObjectCalls::LookupStateOf(*m_StockLookup);
+    m_IsBound = true;
+    return true;
+}
+
+bool Program::BindTo(Binding& binding, IVarObj* variable, bool& hasMoved)
+{
+    const double* const value = ObjectCalls::ValueOf(*variable);
+    hasMoved = hasMoved || binding.variable != variable || binding.isHost != !value;
+    binding.variable = variable;
+    binding.isHost = !value;
+    m_HasHostVariables = m_HasHostVariables || binding.isHost;
+    return true;
+}
+
+bool Program::BindTo(Binding& binding, IFormulaObj* formula, bool&)
+{
+    binding.formula = formula;
+    binding.state = ObjectCalls::StateOf(*formula, binding.isHost);
+    if (m_LastCode == TOK_FORMULA && binding.isHost)
+        m_EndsWithHostFormula = true;
+    return true;
+}
+
+bool Program::BindTo(Binding& binding, IFormulaTableObj* table, bool&)
+{
+    binding.table = table;
+    return true;
+}
+
+// Where the values of variables stand.
+void Program::TakeAddresses()
+{
+    for (Instruction& instruction : m_Code) {
+        if (!ReadsVariable(instruction.operation))
+            continue;
+        const Binding& binding = m_Bindings[instruction.index];
+        instruction.address =
+            binding.isHost ? &binding.value : ObjectCalls::ValueOf(*binding.variable);
+    }
+}
+
+// The number on top of the stack is kept apart from the others.
+template <Program::Purpose kPurpose>
+bool Program::Execute(ExpressionState& state, CScannedVariables* list)
+{
+    std::array<double, kStackAtHand + kSpareOfStack> atHand;
+    double* stack = m_DeepStack ? m_DeepStack.get() : atHand.data();
+    double top = 0.0;
+    const Instruction* at = m_Code.data();
+    const Instruction* const end = at + m_Code.size();
+    for (; at != end; ++at) {
+        if constexpr (kPurpose == Purpose::Scan)
+            if (ReadsVariable(at->operation)) {
+                const Binding& binding = m_Bindings[at->index];
+                RecordVariable(*list, binding.name, *binding.variable);
+            }
+        switch (at->operation) {
+        case Operation::Number:
+            *stack++ = top;
+            top = at->number;
+            break;
+        case Operation::Variable:
+            *stack++ = top;
+            top = *at->address;
+            break;
+        case Operation::JobValue:
+            *stack++ = top;
+            top = ReadJobValue(static_cast<int>(at->index), state.calcSet, list);
+            break;
+        case Operation::Formula: {
+            const Binding& binding = m_Bindings[at->index];
+            *stack++ = top;
+            if (kPurpose != Purpose::Scan && !binding.isHost && !binding.state->marks &&
+                binding.state->calculatedIn == Pass::Present() && !binding.state->leftElsewhere)
+                top = binding.state->value;
+            else if (!CallFormula(state, binding, kPurpose, list, top))
+                return false;
+            if (at + 1 == end && m_LastCode == TOK_FORMULA && !binding.isHost)
+                m_LeftText = binding.state->leftText;
+            break;
+        }
+        case Operation::Table:
+            *stack++ = top;
+            if (!CallObject(state, *m_Bindings[at->index].table, kPurpose, list, top))
+                return false;
+            break;
+        case Operation::Add:
+            top = *--stack + top;
+            break;
+        case Operation::AddNumber:
+            top += at->number;
+            break;
+        case Operation::AddVariable:
+            top += *at->address;
+            break;
+        case Operation::Subtract:
+            top = *--stack - top;
+            break;
+        case Operation::SubtractNumber:
+            top -= at->number;
+            break;
+        case Operation::SubtractVariable:
+            top -= *at->address;
+            break;
+        case Operation::Multiply:
+            top = *--stack * top;
+            break;
+        case Operation::MultiplyNumber:
+            top *= at->number;
+            break;
+        case Operation::MultiplyVariable:
+            top *= *at->address;
+            break;
+        case Operation::Negate:
+            top = -top;
+            break;
+        case Operation::Divide:
+            --stack;
+            if (top != 0.0)
+                top = *stack / top;
+            else if (!Compute(state.calcSet, *at, {stack, 1}, top))
+                return false;
+            break;
+        case Operation::Equal:
+            top = YesNo(Order(*--stack, top) == 0);
+            break;
+        case Operation::NotEqual:
+            top = YesNo(Order(*--stack, top) != 0);
+            break;
+        case Operation::Greater:
+            top = YesNo(Order(*--stack, top) > 0);
+            break;
+        case Operation::GreaterOrEqual:
+            top = YesNo(Order(*--stack, top) >= 0);
+            break;
+        case Operation::Less:
+            top = YesNo(Order(*--stack, top) < 0);
+            break;
+        case Operation::LessOrEqual:
+            top = YesNo(Order(*--stack, top) <= 0);
+            break;
+        case Operation::Function:
+            stack -= at->count - 1;
+            if (!Compute(state.calcSet, *at, {stack, at->count - std::size_t(1)}, top))
+                return false;
+            break;
+        case Operation::IfBegins:
+            if constexpr (kPurpose != Purpose::Check)
+                CExprTree::StartIfCondition();
+            break;
+        case Operation::IfCondition:
+            if constexpr (kPurpose != Purpose::Check) {
+                CExprTree::EndIfCondition();
+                if (top == 0.0) {
+                    *stack++ = top;
+                    at = m_Code.data() + at->index;
+                }
+            }
+            break;
+        case Operation::IfBranchEnds:
+            if constexpr (kPurpose != Purpose::Check) {
+                *stack++ = top;
+                at = m_Code.data() + at->index;
+            }
+            break;
+        case Operation::IfEnds:
+            *stack = top;
+            stack -= at->count - 1;
+            top = Choose({stack, at->count});
+            break;
+        }
+    }
+    state.value = top;
+    return true;
+}
+
+// The other arguments stand on the stack, the last one is the value.
+bool Program::Compute(ICalculationSet& calcSet, const Instruction& instruction,
+                      std::span<double> others, double& value)
+{
+    double* const first = others.data();
+    first[others.size()] = value;
+    const int code = static_cast<int>(instruction.index);
+    const MathResult result = detail::Compute(code, {first, others.size() + 1});
+    value = result.value;
+    if (result.message == MSG_NONE && result.errorNumber == 0)
+        return true;
+    if (calcSet.GetReportFcnDomainErrors())
+        return false;
+    value = 0.0;
+    // Any token that follows clears the text again.
+    if (&instruction == &m_Code.back() && code == m_LastCode)
+        m_LeftText = result.errorNumber;
+    return true;
+}
+
+bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
+                          CScannedVariables* list, double& value)
+{
+    if (!binding.isHost && &binding.state->calcSet != &state.calcSet)
+        return false;
+    if (!binding.isHost && purpose != Purpose::Scan) {
+        if (!ObjectCalls::CalculateByProgram(*binding.state, binding.name))
+            return false;
+        value = binding.state->value;
+        return IsBoundStill();
+    }
+    if (binding.state)
+        ObjectCalls::NoteFound(*binding.state, binding.name);
+    return CallObject(state, *binding.formula, purpose, list, value);
+}
+
+// Asks as the tree does. An object that fails reports that, and once more when the tree asks.
+template <typename Object>
+bool Program::CallObject(ExpressionState& state, Object& object, Purpose purpose,
+                         CScannedVariables* list, double& value)
+{
+    unsigned int message = MSG_NONE;
+    if (purpose == Purpose::Check && !object.IsValid(message, 1))
+        return false;
+    // What the object leaves as a text may be the last one.
+    if (EndsWithObject())
+        ErrorTexts::Give(state.calcSet, 0);
+    if (!object.Calculate(message, list))
+        return false;
+    value = object.GetValue();
+    return IsBoundStill();
+}
+
+} // namespace tovo::detail

@@ -1,0 +1,177 @@
+#ifndef TOVOFORMULA_SRC_PROGRAM_H
+#define TOVOFORMULA_SRC_PROGRAM_H
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include <TovoFormula/ExpressionNames.h>
+#include <TovoFormula/TokenCodes.h>
+#include <TovoPlatform/WideString.h>
+
+#include "ErrorTexts.h"
+#include "ObjectCalls.h"
+#include "Operations.h"
+#include "Pass.h"
+
+class CFmlaExpression;
+class CScannedVariables;
+struct IFormulaObj;
+struct IFormulaTableObj;
+
+namespace tovo::detail {
+
+class Program;
+
+// What an expression keeps beside its text and its tree.
+struct ExpressionState {
+    explicit ExpressionState(CFmlaExpression& owner, ICalculationSet& set)
+        : expression(owner), calcSet(set)
+    {}
+
+    CFmlaExpression& expression;
+    ICalculationSet& calcSet;
+    int marks = 0; // how often it is being checked, calculated or scanned at present
+    // Null until a text was compiled.
+    std::unique_ptr<Program> program;
+    std::uint64_t textOfProgram = 0;
+    // No program was to be had from this text.
+    std::uint64_t textWithoutProgram = 0;
+    // Whether the program, and not the tree, is what was loaded last.
+    bool isLoadedByProgram = false;
+    bool isScannedInCondition = false;
+    double value = 0.0; // of the program's last run
+
+    // What it has succeeded in: each is a number of a pass.
+    PassNumber checkedIn = kNeverInPass;
+    PassNumber calculatedIn = kNeverInPass;
+    PassNumber scannedIn = kNeverInPass;
+    PassNumber gaveUpIn = kNeverInPass; // the program did
+    PassNumber ownNameIn = kNeverInPass; // found in its set under its own name
+    CString checkedName; // under which it was checked
+    const CString* formulaName = nullptr; // of the formula that it belongs to; null for none
+    std::uint64_t scan = 0;
+    std::uint64_t scannedList = 0;
+    RuntimeError leftText = 0;
+    std::unique_ptr<std::vector<LeftText>> leftElsewhere; // null for none
+};
+
+// A place of a reference in the text that was compiled.
+struct ReferencePlace {
+    std::int32_t position;
+    std::uint16_t length;
+    std::uint16_t kind;
+};
+
+// Most expressions keep no more numbers at a time, and need no memory for them.
+inline constexpr std::size_t kStackAtHand = 10;
+// One place for what is on top and kept apart, one for handing it to a function with the others.
+inline constexpr std::size_t kSpareOfStack = 2;
+
+// A checked expression as a row of instructions over a stack of numbers.
+//
+// It comes to the same value as checking and calculating the tree of the same text, or gives up: it
+// meets something that the tree must report, or cannot be sure. Up to there nothing has been done
+// that anyone can see, so that the tree can start afresh.
+//
+// Bound to the objects of one set, and asks for them again when the set may have others.
+class Program {
+public:
+    enum class Purpose {
+        Check,     // all of it, as building the tree calculates it
+        Calculate, // without the branches that conditions rule out
+        Scan,      // the same; what is reached records itself in a list
+    };
+
+    // Runs the program on the state that owns it. On success the state has the value. Requires: the
+    // state is marked as in progress.
+    bool Run(ExpressionState& state, Purpose purpose, CScannedVariables* list);
+
+    bool IsBoolean() const { return m_Kind == RT_BOOLEAN; }
+    // What the last run left as the text of an error. Nothing is known if a host's object was the
+    // last to be called.
+    bool EndsWithObject() const { return m_LastCode == TOK_FORMTBL || m_EndsWithHostFormula; }
+    bool EndsWithTable() const { return m_LastCode == TOK_FORMTBL; }
+    RuntimeError LeftText() const { return m_LeftText; }
+    // Whether a run calls no object but stock variables, so that nothing can come back from it.
+    bool CallsNothing() const { return m_CallsNothing; }
+
+    // What it was compiled from.
+    const CString& Text() const { return m_Text; }
+    const CExpressionNames& Names() const { return *m_Names; }
+    const std::vector<ReferencePlace>& Places() const { return m_Places; }
+    CString NameAt(const ReferencePlace& place) const;
+
+private:
+    friend class ProgramBuilder;
+
+    struct Instruction {
+        Operation operation;
+        std::uint16_t count; // of arguments
+        // Of a reference, its binding; of a function, its code; of a branch, the instruction to go
+        // on with.
+        std::uint32_t index;
+        union {
+            double number;
+            const double* address;
+        };
+    };
+
+    // A name, and what the set has under it. Several references of one kind and name share it.
+    struct Binding {
+        CString name;
+        union {
+            IVarObj* variable = nullptr;
+            IFormulaObj* formula;
+            IFormulaTableObj* table;
+        };
+        union {
+            double value = 0.0;     // of a host's variable, as it was read for this run
+            ExpressionState* state; // of a formula that is a stock one or derives from it, or null
+        };
+        std::uint32_t place; // the first one
+        std::uint16_t kind;
+        bool isHost = false;
+    };
+
+    bool Bind(ExpressionState& state, Purpose purpose);
+    bool BindAll(ExpressionState& state);
+    bool BindTo(Binding& binding, IVarObj* variable, bool& hasMoved);
+    bool BindTo(Binding& binding, IFormulaObj* formula, bool&);
+    bool BindTo(Binding& binding, IFormulaTableObj* table, bool&);
+    bool IsBoundStill() const;
+    void TakeAddresses();
+    template <Purpose kPurpose>
+    bool Execute(ExpressionState& state, CScannedVariables* list);
+    bool Compute(ICalculationSet& calcSet, const Instruction& instruction,
+                 std::span<double> others, double& value);
+    bool CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
+                     CScannedVariables* list, double& value);
+    template <typename Object>
+    bool CallObject(ExpressionState& state, Object& object, Purpose purpose,
+                    CScannedVariables* list, double& value);
+
+    std::vector<Instruction> m_Code;
+    std::vector<Binding> m_Bindings;
+    std::vector<ReferencePlace> m_Places;
+    CString m_Text;
+    std::shared_ptr<const CExpressionNames> m_Names;
+    const CalcSetImpl* m_StockLookup = nullptr; // the set, where its entries tell all
+    LookupState m_BoundIn;
+    std::unique_ptr<double[]> m_DeepStack; // for a program that needs more than is at hand
+    RuntimeError m_LeftText = 0;
+    std::uint8_t m_Kind = RT_NUMERIC;
+    std::uint8_t m_LastCode = TOK_ILLEGAL; // of the root
+    bool m_IsBound = false;
+    bool m_HasBranches = false;
+    bool m_HasHostVariables = false;
+    bool m_HasNested = false;
+    bool m_HasJobValues = false;
+    bool m_CallsNothing = false;
+    bool m_EndsWithHostFormula = false;
+};
+
+} // namespace tovo::detail
+
+#endif
