@@ -1,340 +1,167 @@
-#include <array>
 #include <cstdlib>
-#include <memory>
-#include <random>
 #include <sstream>
-#include <stdexcept>
-#include <type_traits>
 
-#include <calculation/Job.h>
-
-#include "../../src/expression_core/Pass.h"
+#include <TovoFormula/CalculationPass.h>
+#include <calculation/NetObjects.h>
+#include <calculation/RandomNet.h>
 
 namespace tovo::test {
 namespace {
-
-using detail::Pass;
 
 CString Wide(const std::string& text)
 {
     return CString(std::string_view(text));
 }
 
-int NetCount()
+unsigned int NetCount()
 {
     const char* const wanted = std::getenv("TOVO_NETS");
-    return wanted ? std::atoi(wanted) : 400;
+    return wanted ? static_cast<unsigned int>(std::atoi(wanted)) : 300u;
 }
 
-// Without remembering, what formulas share is worked on at each place that names it.
-constexpr int kHostCalls = 6;
-
-// Picks by one seed, the same on every platform.
-class Dice {
-public:
-    explicit Dice(unsigned int seed) : m_Random(seed) {}
-
-    int Below(int count) { return static_cast<int>(m_Random() % static_cast<unsigned int>(count)); }
-    bool OneIn(int count) { return Below(count) == 0; }
-    const char* Of(std::initializer_list<const char*> texts)
-    {
-        return texts.begin()[Below(static_cast<int>(texts.size()))];
-    }
-
-private:
-    std::mt19937 m_Random;
+constexpr NetKind kNetKinds[] = {
+    {"Stock", 0},
+    {"Derived", NET_DERIVED},
+    {"Hosts", NET_HOSTS | NET_DERIVED},
+    {"StockLookup", NET_LOOKUP | NET_DERIVED},
+    {"DomainFaults", NET_FAULTS},
+    {"Held", NET_HELD},
+    {"HeldHosts", NET_HELD | NET_HOSTS | NET_DERIVED},
+    {"HeldLookup", NET_HELD | NET_LOOKUP | NET_DERIVED},
+    {"ChangesFromInside", NET_HOSTS | NET_CHANGES},
+    {"HeldChanges", NET_HELD | NET_HOSTS | NET_DERIVED | NET_CHANGES},
+    {"Names", NET_NAMES},
+    {"NamesOfHosts", NET_NAMES | NET_HOSTS | NET_DERIVED | NET_HELD},
+    {"Scans", NET_SCANS},
+    {"HeldScans", NET_SCANS | NET_HELD | NET_HOSTS},
+    {"Copies", NET_COPIES | NET_FAULTS},
+    {"CopiesOfHosts", NET_COPIES | NET_FAULTS | NET_HOSTS | NET_HELD},
+    {"Tables", NET_TABLES | NET_SCANS},
+    {"TablesOfHosts", NET_TABLES | NET_HOSTS | NET_DERIVED | NET_HELD},
+    {"BareExpressions", NET_BARE},
+    {"Operands", NET_OPERANDS | NET_HOSTS | NET_HELD},
+    {"Throws", NET_THROWS | NET_HOSTS | NET_DERIVED},
+    {"HeldThrows", NET_THROWS | NET_HOSTS | NET_DERIVED | NET_HELD | NET_BARE},
+    {"Everything", NET_ALL},
 };
 
-// A job of formulas, tables, variables and host's objects that refer to one another at random, and
-// all that a host can see of what it then does with them.
-template <typename Set>
-class Net {
-public:
-    explicit Net(unsigned int seed) : m_Dice(seed)
+// The first line that differs, with the action before it and the texts of the net.
+std::string FirstDifference(const std::string& remembered, const std::string& literal)
+{
+    std::istringstream linesOn(remembered), linesOff(literal);
+    std::string on, off, action, texts;
+    while (std::getline(linesOn, on) && std::getline(linesOff, off) && on == off) {
+        if (on.starts_with("> "))
+            action = on;
+        else if (on.find(" := ") != std::string::npos)
+            texts += on + '\n';
+    }
+    return texts + action + "\nremembering: " + on + "\nliteral:     " + off;
+}
+
+class RandomNets : public ::testing::TestWithParam<NetKind> {};
+
+TEST_P(RandomNets, RememberingShowsInNothingButTime)
+{
+    for (unsigned int seed = 0; seed < NetCount(); ++seed) {
+        const std::string remembered = LiveOfNet(GetParam().flags, seed, true);
+        const std::string literal = LiveOfNet(GetParam().flags, seed, false);
+        ASSERT_TRUE(remembered == literal) << GetParam().name << ", seed " << seed << '\n'
+                                           << FirstDifference(remembered, literal);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, RandomNets, ::testing::ValuesIn(kNetKinds),
+                         [](const auto& kind) { return kind.param.name; });
+
+// Counts how often the bottom of a net is read, and ends what would take forever.
+struct Reads {
+    void operator()()
     {
-        const int formulas = 2 + m_Dice.Below(4);
-        for (int index = 0; index < 4; ++index)
-            AddVariable(index);
-        for (int index = 0; index < formulas; ++index)
-            AddFormula(index);
-        for (int index = 0; index < 2; ++index)
-            AddTable(index);
-        AddHostObjects();
+        if (++count >= kMost)
+            throw HostTrouble();
     }
 
-    std::string Live(int actions)
-    {
-        for (int count = 0; count < actions; ++count)
-            Act();
-        return m_Seen.str();
-    }
-
-private:
-    std::string Variable() { return m_Dice.Of({"V(x)", "V(y)", "V(z)", "V(made up)", "V(own)"}); }
-    std::string Nested()
-    {
-        if (m_Dice.OneIn(40))
-            return m_Dice.Of({"F(none)", "T(none)", "F(q?)", "F()"});
-        if (m_Dice.OneIn(6))
-            return m_Dice.Of({"T(t0)", "T(t1)", "F(host)"});
-        return "F(f" + std::to_string(m_Dice.Below(static_cast<int>(m_Formulas.size()) + 1)) + ")";
-    }
-    std::string Number(int depth)
-    {
-        const int kind = depth == 0 ? m_Dice.Below(4) : m_Dice.Below(14);
-        switch (kind) {
-        case 0:
-            return m_Dice.Of({"0", "1", "2.5", "-1", "PI", "QUANTITY", "DURATION", "JOBSIZE"});
-        case 1:
-        case 2:
-            return Variable();
-        case 3:
-        case 4:
-            return Nested();
-        case 5:
-            return "IF(" + Condition(depth - 1) + "," + Number(depth - 1) + "," +
-                   Number(depth - 1) + ")";
-        case 6:
-            return m_Dice.Of({"SQRT(", "ABS(", "ASIN(", "COSH("}) + Number(depth - 1) + ")";
-        case 7:
-            return m_Dice.Of({"SUM(", "MAX("}) + Number(depth - 1) + "," + Number(depth - 1) + ")";
-        case 8:
-            return m_Dice.OneIn(8) ? m_Dice.Of({"1+", "(2", "3 4", "1.2.3", "MOD(1)", "YES"})
-                                   : "-(" + Number(depth - 1) + ")";
-        default:
-            return Number(depth - 1) + m_Dice.Of({"+", "-", "*", "/"}) + Number(depth - 1);
-        }
-    }
-    std::string Condition(int depth)
-    {
-        if (m_Dice.OneIn(5))
-            return m_Dice.Of({"V(b?)", "NOT V(b?)", "YES", "F(f1?)", "V(b?) AND NO"});
-        return Number(depth > 0 ? depth - 1 : 0) + m_Dice.Of({">", "=", " LE "}) + Variable();
-    }
-    std::string Element()
-    {
-        if (m_Dice.OneIn(3))
-            return m_Dice.Of({"1000", "2500", "", "Vx", "Vb?", "Fnone"});
-        const std::string name = Nested();
-        return name.substr(0, 1) + name.substr(2, name.size() - 3);
-    }
-
-    void AddVariable(int index)
-    {
-        auto& variable = *m_Variables.emplace_back(std::make_unique<VariableImpl>(&m_Set));
-        CString name = Wide(std::array{"x", "y", "z", "b?"}[std::size_t(index)]);
-        variable.SetName(name);
-        variable.SetValue(m_Dice.Below(4) - 1);
-        m_Set.AddVariable(&variable);
-    }
-    void AddFormula(int index)
-    {
-        auto& formula = *m_Formulas.emplace_back(std::make_unique<FormulaImpl>(&m_Set));
-        CString name = Wide("f" + std::to_string(index) + (m_Dice.OneIn(5) ? "?" : ""));
-        formula.SetName(name);
-        formula.SetFromEncodedString(Wide(Text(name)));
-        m_Set.AddFormula(&formula);
-    }
-    void AddTable(int index)
-    {
-        auto& table = *m_Tables.emplace_back(
-            std::make_unique<FormulaTableImpl>(&m_Set, 2, 1 + m_Dice.Below(2)));
-        CString name = Wide("t" + std::to_string(index));
-        table.SetName(name);
-        table.GetRowSelector().init(Wide(Element()));
-        table.GetColumnSelector().init(Wide(Element()));
-        for (int row = 0; row < 2; ++row)
-            table.SetRowLimit(row, row);
-        for (int cell = 0; cell < 2 * table.GetColumnCount(); ++cell)
-            table.SetCell(cell % 2, cell / 2, new CFormtblElem(Wide(Element()), m_Set));
-        m_Set.AddFormulaTable(&table);
-    }
-    // A formula that changes what others read and calculates one of them, and a variable of the
-    // host's; a set that is exactly the stock one has no place for them.
-    void AddHostObjects()
-    {
-        if constexpr (std::is_same_v<Set, JobSet>) {
-            m_Set.m_HostFormulas[u"host"] = &m_HostFormula;
-            m_HostFormula.m_OnCalculate = [this](CScannedVariables* list) {
-                ThrowIf(2);
-                m_Variables[0]->SetValue(m_Variables[0]->GetValue() + 1.0);
-                m_HostVariable.m_Value = -m_HostVariable.m_Value;
-                m_HostFormula.m_Value = 0.0;
-                if (++m_HostCalls > kHostCalls)
-                    return;
-                FormulaImpl& inner = *m_Formulas[0];
-                unsigned int message = 0;
-                if (inner.Calculate(message, list))
-                    m_HostFormula.m_Value = inner.GetValue();
-            };
-            m_Set.m_HostVariables[u"own"] = &m_HostVariable;
-            m_HostVariable.m_OnRead = [this] { ThrowIf(1); };
-            if (m_Dice.OneIn(2))
-                m_Set.ReportDomainErrors();
-        }
-    }
-
-    void ThrowIf(int thrower) const
-    {
-        if (m_Thrower == thrower)
-            throw std::runtime_error("a host's object");
-    }
-
-    std::string Text(const CString& name)
-    {
-        const bool isYesNo = name[name.GetLength() - 1] == u'?';
-        return isYesNo ? Condition(2) : Number(1 + m_Dice.Below(2));
-    }
-    template <typename Objects>
-    auto& One(Objects& objects)
-    {
-        return *objects[static_cast<std::size_t>(m_Dice.Below(static_cast<int>(objects.size())))];
-    }
-
-    void Act()
-    {
-        CScannedVariables list;
-        unsigned int message = 77;
-        int result = -1;
-        const int action = m_Dice.Below(19);
-        m_Thrower = m_Dice.OneIn(6) ? 1 + m_Dice.Below(2) : 0;
-        // Who is thrown through while it is come back to may keep the message of that.
-        m_HostCalls = m_Thrower ? kHostCalls : 0;
-        try {
-            Do(action, list, message, result);
-        } catch (const std::runtime_error&) {
-            result = -2;
-        }
-        m_Thrower = 0;
-        m_Seen << '\n'
-               << action << ' ' << result << ' ' << message << ' ' << Names(list)
-               << list.DURATIONScanned() << list.JOBSIZEScanned() << list.QuantityScanned();
-        Look();
-    }
-    void Do(int action, CScannedVariables& list, unsigned int& message, int& result)
-    {
-        FormulaImpl& formula = One(m_Formulas);
-        FormulaTableImpl& table = One(m_Tables);
-        switch (action) {
-        case 0:
-            One(m_Variables).SetValue(m_Dice.Below(4) - 1);
-            break;
-        case 1:
-            formula.SetFromEncodedString(Wide(Text(formula.GetName())));
-            break;
-        case 2:
-            result = formula.IsValid(message, 0);
-            break;
-        case 3:
-            result = formula.IsValid(message, 1);
-            break;
-        case 4:
-            result = formula.Calculate(message, &list);
-            break;
-        case 5:
-            formula.GetVariables(list, 0, 1);
-            break;
-        case 6:
-            formula.GetVariables(list, 1, 1);
-            break;
-        case 7:
-            result = formula.GetExpression().Calculate(nullptr);
-            break;
-        case 8:
-            result = formula.GetExpression().NestedFormulasOK();
-            break;
-        case 9:
-            result = formula.GetExpression().IsValid(message, u"f0", 1);
-            break;
-        case 10:
-            table.SetValidated(0);
-            result = table.IsValid(message, m_Dice.Below(2));
-            break;
-        case 11:
-            m_Set.StartNewPass();
-            result = table.Calculate(message, &list);
-            break;
-        case 12:
-            table.GetVariables(list, m_Dice.Below(2), 1);
-            break;
-        case 13:
-            formula.GetExpression().InsertString(m_Dice.Of({"1", "+1", " ", "("}), 0);
-            break;
-        case 14:
-            if (m_Dice.OneIn(8)) { // the entry in the set stays
-                CString name = One(m_Formulas).GetName();
-                formula.SetName(name);
-            }
-            break;
-        default:
-            m_Set.StartNewPass();
-            result = formula.Calculate(message, nullptr);
-        }
-    }
-    void Look()
-    {
-        for (const auto& formula : m_Formulas) {
-            CFmlaExpression& expression = formula->GetExpression();
-            m_Seen << " | " << formula->GetValue() << ' ' << expression.GetMessageNum() << '@'
-                   << expression.GetInvalidPos() << expression.IsLoaded()
-                   << expression.IsCalculated() << expression.IsBoolean() << expression.IsNumeric();
-        }
-        for (const auto& table : m_Tables)
-            m_Seen << " T " << table->GetValue() << table->GetCalculated() << table->GetScanned()
-                   << table->GetScannedInCondition();
-        for (const auto& variable : m_Variables)
-            m_Seen << " V " << variable->GetValue() << variable->InCond();
-        m_Seen << ' ' << Dump(m_Set.ErrorTracker()) << m_Set.GetStrError().ToUtf8()
-               << m_Set.GetDURATIONInCondition() << m_Set.GetJOBSIZEInCondition()
-               << m_Set.GetQuantityInCondition() << m_Set.GetQuantityInCalculations()
-               << CExprTree::InIfCondition() << Names(NestedNames::m_NestedFmlaNames);
-    }
-
-    Dice m_Dice;
-    Set m_Set;
-    std::vector<std::unique_ptr<VariableImpl>> m_Variables;
-    std::vector<std::unique_ptr<FormulaImpl>> m_Formulas;
-    std::vector<std::unique_ptr<FormulaTableImpl>> m_Tables;
-    HostFormula m_HostFormula{u"host", 0.0};
-    HostVariable m_HostVariable{u"own", 2.0};
-    int m_HostCalls = 0; // in the present action
-    int m_Thrower = 0;   // of the present action: 1 the variable, 2 the formula, 0 none
-    std::ostringstream m_Seen;
+    static constexpr int kMost = 1000;
+    int count = 0;
 };
-
-template <typename Set>
-std::string Seen(unsigned int seed, bool isRemembering)
-{
-    Pass::SetRemembering(isRemembering);
-    std::string seen = Net<Set>(seed).Live(60);
-    Pass::SetRemembering(true);
-    return seen;
-}
-
-TEST(Pass, RememberingShowsInNothingButTime)
-{
-    for (int net = 0; net < NetCount(); ++net) {
-        const auto seed = static_cast<unsigned int>(net);
-        ASSERT_EQ(Seen<JobSet>(seed, true), Seen<JobSet>(seed, false)) << seed;
-        ASSERT_EQ(Seen<CalcSetImpl>(seed, true), Seen<CalcSetImpl>(seed, false)) << seed;
-    }
-}
 
 class PassJob : public Job {
 protected:
-    // Formulas 0 to count, each built from the one before it.
-    FormulaImpl& Chain(int count, const std::string& text)
+    PassJob()
     {
-        FormulaImpl* last = &Formula(u"0", "1");
-        for (int index = 1; index <= count; ++index) {
-            std::string encoded = text;
-            const std::string below = "F(" + std::to_string(index - 1) + ")";
-            for (std::size_t place; (place = encoded.find('@')) != std::string::npos;)
-                encoded.replace(place, 1, below);
-            last = &Formula(Wide(std::to_string(index)), Wide(encoded));
-        }
+        m_Own.m_OnRead = std::ref(m_Reads);
+        m_Derived.m_OnRead = std::ref(m_Reads);
+        CString name = u"derived";
+        m_Derived.SetName(name);
+        m_Derived.SetValue(1.0);
+        m_Set.m_HostVariables[u"own"] = &m_Own;
+        m_Stock.AddVariable(&m_Derived);
+        m_Set.AddVariable(&m_Derived);
+    }
+
+    // Formulas 0 to count, each built from the one before it.
+    FormulaImpl& Chain(int count, const std::string& text, const std::string& bottom = "1")
+    {
+        FormulaImpl* last = &Formula(u"0", Wide(bottom));
+        for (int index = 1; index <= count; ++index)
+            last = &Formula(Wide(std::to_string(index)), Wide(Above(index, text)));
         return *last;
     }
+    // The text with the formula below in place of each @.
+    static std::string Above(int index, std::string text)
+    {
+        const std::string below = "F(" + std::to_string(index - 1) + ")";
+        for (std::size_t place; (place = text.find('@')) != std::string::npos;)
+            text.replace(place, 1, below);
+        return text;
+    }
+    // The value of the last of 40 formulas, each of which names the one below twice.
+    template <typename Class>
+    double ChainOf(CalcSetImpl& set, const std::string& bottom)
+    {
+        std::vector<std::unique_ptr<Class>> chain;
+        for (int index = 0; index <= kChain; ++index) {
+            CString name = Wide(std::to_string(index));
+            auto& formula = *chain.emplace_back(New<Class>(set, name));
+            const std::string text = index == 0 ? bottom : Above(index, "(@+@)/2");
+            ExpressionOf(formula).SetFromEncodedString(Wide(text));
+        }
+        unsigned int message = 0;
+        EXPECT_NO_THROW(EXPECT_EQ(chain.back()->Calculate(message, nullptr), 1));
+        EXPECT_LT(m_Reads.count, Reads::kMost);
+        m_Reads.count = 0;
+        const double value = chain.back()->GetValue();
+        CScannedVariables list;
+        EXPECT_NO_THROW(EXPECT_EQ(chain.back()->Calculate(message, &list), 1));
+        EXPECT_LT(m_Reads.count, Reads::kMost);
+        EXPECT_EQ(Names(list), bottom.substr(2, bottom.size() - 3));
+        return value;
+    }
+
+    static constexpr int kChain = 40;
+    CalcSetImpl m_Stock;
+    HostVariable m_Own{u"own", 1.0};
+    ReadVariable m_Derived{&m_Stock};
+    Reads m_Reads;
+
+private:
+    template <typename Class>
+    std::unique_ptr<Class> New(CalcSetImpl& set, CString& name)
+    {
+        if constexpr (std::is_same_v<Class, OwnFormula>) {
+            auto formula = std::make_unique<Class>(name, set);
+            m_Set.m_HostFormulas[name] = formula.get();
+            return formula;
+        } else {
+            auto formula = std::make_unique<Class>(&set);
+            formula->SetName(name);
+            set.AddFormula(formula.get());
+            return formula;
+        }
+    }
+    static CFmlaExpression& ExpressionOf(FormulaImpl& formula) { return formula.GetExpression(); }
+    static CFmlaExpression& ExpressionOf(OwnFormula& formula) { return formula.m_Expression; }
 };
 
 TEST_F(PassJob, AThousandFormulasDeep)
@@ -367,6 +194,114 @@ TEST_F(PassJob, TwoFormulasOfOneNameMultiplyNoWork)
     unsigned int message = 0;
     EXPECT_EQ(both.Calculate(message, nullptr), 1);
     EXPECT_EQ(both.GetValue(), 33554434.0);
+}
+
+TEST_F(PassJob, ObjectsOfAHostMultiplyNoWork)
+{
+    EXPECT_EQ(ChainOf<FormulaImpl>(m_Stock, "V(derived)"), 1.0);
+    EXPECT_EQ(ChainOf<PlainFormula>(m_Stock, "V(derived)"), 1.0);
+    EXPECT_EQ(ChainOf<PassingFormula>(m_Stock, "V(derived)"), 1.0);
+    EXPECT_EQ(ChainOf<FormulaImpl>(m_Set, "V(own)"), 1.0);
+    EXPECT_EQ(ChainOf<PassingFormula>(m_Set, "V(own)"), 1.0);
+    EXPECT_EQ(ChainOf<OwnFormula>(m_Set, "V(own)"), 1.0);
+}
+
+// Inside the condition the scan passes through the table again, which then has another value.
+TEST_F(PassJob, TableThatIsScannedAgainIsNoticed)
+{
+    VariableImpl& variable = Var(u"v", 1.0);
+    FormulaTableImpl& table = Table(u"t", "1000", {"Vv", "Vv"});
+    Formula(u"k", "T(t)");
+    FormulaImpl& top = Formula(u"f", "F(k)+IF(T(t)>0,F(k),0)");
+    CScannedVariables first, second;
+    EXPECT_EQ(MessageOfCalculation(table, &first), 0u);
+    variable.SetValue(5.0);
+    EXPECT_EQ(MessageOfCalculation(top, &second), 0u);
+    EXPECT_EQ(top.GetValue(), 6.0);
+    EXPECT_EQ(table.GetValue(), 5.0);
+}
+
+// Under x it is met outside a condition, and so the flag taken back that y has raised.
+TEST_F(PassJob, VariableOfTwoNamesIsFlaggedByBoth)
+{
+    VariableImpl& variable = Var(u"x", 1.0);
+    CString other = u"y";
+    variable.SetName(other);
+    m_Set.AddVariable(&variable);
+    Formula(u"g", "IF(V(y)>0,1,2)");
+    FormulaImpl& top = Formula(u"f", "F(g)+V(x)*F(g)");
+    CScannedVariables list;
+    EXPECT_EQ(MessageOfCalculation(top, &list), 0u);
+    EXPECT_EQ(Names(list), "y x");
+    EXPECT_EQ(variable.InCond(), 1);
+}
+
+TEST_F(PassJob, EachSetKeepsTheErrorTextOfItsOwnTokens)
+{
+    CalcSetImpl copy(m_Stock);
+    const auto add = [](CalcSetImpl& set, CString name, const char* encoded) {
+        auto formula = std::make_unique<FormulaImpl>(&set);
+        formula->SetName(name);
+        formula->SetFromEncodedString(encoded);
+        set.AddFormula(formula.get());
+        return formula;
+    };
+    const auto inner = add(m_Stock, u"inner", "COSH(1000)");
+    const auto plain = add(m_Stock, u"plain", "1");
+    const auto outer = add(copy, u"outer", "F(inner)");
+    EXPECT_EQ(MessageOfCalculation(*inner), 0u);
+    const std::string text = m_Stock.GetStrError().ToUtf8();
+    EXPECT_NE(text, "");
+    const auto calculate = [&](FormulaImpl& formula, const std::string& expected) {
+        EXPECT_EQ(MessageOfCalculation(formula), 0u);
+        EXPECT_EQ(m_Stock.GetStrError().ToUtf8(), expected);
+        EXPECT_EQ(copy.GetStrError().ToUtf8(), "");
+    };
+    calculate(*plain, "");
+    calculate(*outer, text);
+    const CalculationPass pass;
+    for (int count = 0; count < 3; ++count) {
+        calculate(*outer, text);
+        calculate(*outer, text);
+        calculate(*plain, "");
+    }
+}
+
+// Three layers of five formulas, each over the whole layer below; the lowest reads own and x.
+TEST_F(PassJob, HeldPassCalculatesEachFormulaOnce)
+{
+    constexpr int width = 5;
+    VariableImpl& x = Var(u"x", 0.0);
+    std::vector<FormulaImpl*> last;
+    for (int layer = 0; layer < 3; ++layer) {
+        std::string text = layer == 0 ? "V(own)+V(x)" : "0";
+        for (int below = 0; layer > 0 && below < width; ++below)
+            text += "+F(" + std::to_string((layer - 1) * width + below) + ")";
+        last.clear();
+        for (int index = layer * width; index < (layer + 1) * width; ++index)
+            last.push_back(&Formula(Wide(std::to_string(index)), Wide(text)));
+    }
+    CalculationPass pass;
+    const auto askAll = [&](double expected, int mostReads) {
+        m_Reads.count = 0;
+        for (FormulaImpl* const formula : last) {
+            EXPECT_EQ(MessageOfCalculation(*formula), 0u);
+            EXPECT_EQ(formula->GetValue(), expected);
+        }
+        EXPECT_LE(m_Reads.count, mostReads);
+    };
+    askAll(25.0, width);
+    askAll(25.0, 0);
+    x.SetValue(1.0);
+    askAll(50.0, width);
+    m_Own.m_Value = 2.0;
+    pass.NoteHostChange();
+    askAll(75.0, width);
+    {
+        const CalculationPass nested;
+        askAll(75.0, 0);
+    }
+    askAll(75.0, 0);
 }
 
 } // namespace
