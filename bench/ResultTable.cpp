@@ -5,45 +5,60 @@
 #include <iomanip>
 #include <iterator>
 #include <ostream>
+#include <span>
 #include <sstream>
 
 namespace bench {
 namespace {
 
-constexpr const char* kEngineNames[] = {"ours", "muParser", "Lua", "C++"};
+constexpr const char* kEngineNames[] = {"ours", "stock", "muParser", "Lua", "C++"};
 static_assert(std::size(kEngineNames) == kEngineCount);
 
 constexpr int kNameWidth = 29;
 constexpr int kColumnWidth = 9;
-constexpr int kRatioWidth = 15;
+constexpr int kRatioWidth = 13;
 
 // Fewer are better looked at one by one.
 constexpr std::size_t kRowsWorthAMean = 4;
 
-enum class Judged { Nothing, EachRow, Mean };
+constexpr Engine kAll[] = {Engine::Ours, Engine::MuParser, Engine::Lua, Engine::ByHand};
+constexpr Engine kEngines[] = {Engine::Ours, Engine::MuParser, Engine::Lua};
+constexpr Engine kOursAndByHand[] = {Engine::Ours, Engine::ByHand};
+constexpr Engine kOurs[] = {Engine::Ours};
 
-// How a section is shown, how many times as long as the other engine we may take there, and how
-// many times as long the second row may take as the first, 0 where that says nothing.
+enum class Judged { Nothing, EachRow, LastRow, Mean };
+
+// The highest value that we may take: times that of another engine, or in the unit of the section
+// if there is none.
+struct Bar {
+    Judged judged;
+    std::optional<Engine> against;
+    double limit;
+};
+constexpr Bar kNoBar = {Judged::Nothing, std::nullopt, 0};
+
+// How a section is shown, and what is aimed at. Figures that its rows lack come from the rows of
+// the same names in the base, where ours is what the stock objects take.
 struct Section {
     const char* name;
     const char* unit;
     double size; // of the unit, in what is measured
-    Judged judged;
-    Engine against;
-    double limit;
-    double growthLimit;
+    std::span<const Engine> columns;
+    Bar bar;
+    double growthLimit; // how many times the first row our second may take; 0 for no such bar
+    const char* base;   // null for none
 };
 
 // clang-format off
 constexpr Section kSections[] = {
-    // name        unit     size  judged            against           limit    growth
-    {kTextToValue, "µs",    1e3,  Judged::EachRow,  Engine::Lua,      1.0,     0},
-    {kAgain,       "ns",    1,    Judged::Mean,     Engine::MuParser, 3.0,     0},
-    {kNet,         "µs",    1e3,  Judged::EachRow,  Engine::MuParser, 5.0,     1.5},
-    {kLookup,      "ns",    1,    Judged::Nothing,  Engine::ByHand,   0,       0},
-    {kLoading,     "µs",    1e3,  Judged::EachRow,  Engine::MuParser, 1.0 / 3, 0},
-    {kMemory,      "bytes", 1,    Judged::Nothing,  Engine::MuParser, 0,       0},
-    {kLongSum,     "ns",    1,    Judged::Nothing,  Engine::MuParser, 0,       1.5},
+    // name        unit     size  columns         bar                                         growth  base
+    {kTextToValue, "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},        0,      nullptr},
+    {kAgain,       "ns",    1,    kAll,           {Judged::Mean, Engine::MuParser, 2.0},      0,      nullptr},
+    {kNet,         "µs",    1e3,  kAll,           {Judged::EachRow, Engine::MuParser, 2.0},   1.5,    nullptr},
+    {kLookup,      "ns",    1,    kOursAndByHand, kNoBar,                                     0,      nullptr},
+    {kLoading,     "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},        0,      nullptr},
+    {kMemory,      "bytes", 1,    kEngines,       kNoBar,                                     0,      nullptr},
+    {kLongSum,     "ns",    1,    kOurs,          kNoBar,                                     1.5,    nullptr},
 };
 // clang-format on
 
@@ -80,31 +95,64 @@ std::string Shown(Value value)
     return text.str();
 }
 
-std::string Verdict(Value ratio, double limit)
+// The engines that our figures are divided by, column by column.
+std::vector<Engine> ComparedIn(const Section& section)
 {
-    if (!ratio)
-        return "";
-    return "<= " + Shown(limit) + (*ratio <= limit ? "  met" : "  missed");
+    std::vector<Engine> engines;
+    std::copy_if(section.columns.begin(), section.columns.end(), std::back_inserter(engines),
+                 [](Engine engine) { return engine != Engine::Ours && engine != Engine::ByHand; });
+    return engines;
 }
 
-void PrintLine(std::ostream& out, const std::string& name, const std::array<std::string, 4>& values,
-               const std::string& toMuParser, const std::string& toLua, const std::string& target)
+std::string Verdict(Value value, double limit)
+{
+    if (!value)
+        return "";
+    return "<= " + Shown(limit) + (*value <= limit ? "  met" : "  missed");
+}
+
+std::string VerdictOnRow(const Section& section, const Results& results)
+{
+    const Bar& bar = section.bar;
+    return Verdict(bar.against ? RatioTo(results, *bar.against)
+                               : Ratio(At(results, Engine::Ours), section.size),
+                   bar.limit);
+}
+
+std::string BarHeading(const Bar& bar)
+{
+    if (bar.judged == Judged::Nothing)
+        return "";
+    return bar.against ? std::string("against ") + NameOf(*bar.against) : "limit";
+}
+
+using Texts = std::vector<std::string>;
+
+void PrintLine(std::ostream& out, const std::string& name, const Texts& values, const Texts& ratios,
+               const std::string& verdict)
 {
     out << std::left << std::setw(kNameWidth) << name << std::right;
     for (const std::string& value : values)
         out << std::setw(kColumnWidth) << value;
-    out << std::setw(kRatioWidth) << toMuParser << std::setw(kRatioWidth) << toLua;
-    if (!target.empty())
-        out << "  " << target;
+    for (const std::string& ratio : ratios)
+        out << std::setw(kRatioWidth) << ratio;
+    if (!verdict.empty())
+        out << "  " << verdict;
     out << '\n';
 }
 
-std::array<std::string, 4> ShownIn(const Results& results, double unit)
+template <typename Text>
+Texts ForEach(std::span<const Engine> engines, Text text)
 {
-    std::array<std::string, 4> texts;
-    for (std::size_t engine = 0; engine < kEngineCount; ++engine)
-        texts[engine] = Shown(Ratio(results[engine], unit));
+    Texts texts;
+    std::transform(engines.begin(), engines.end(), std::back_inserter(texts), text);
     return texts;
+}
+
+Texts ShownIn(const Section& section, const Results& results, double unit)
+{
+    return ForEach(section.columns,
+                   [&](Engine engine) { return Shown(Ratio(At(results, engine), unit)); });
 }
 
 // The rows that were not left out by a filter.
@@ -130,47 +178,72 @@ Value MeanRatio(const Rows& rows, Engine engine)
     return std::exp(logarithms / static_cast<double>(rows.size()));
 }
 
+void PrintHeading(std::ostream& out, const Section& section)
+{
+    out << section.name << ", in " << section.unit << '\n';
+    PrintLine(out, "", ForEach(section.columns, NameOf),
+              ForEach(ComparedIn(section),
+                      [](Engine engine) { return std::string("to ") + NameOf(engine); }),
+              BarHeading(section.bar));
+}
+
+void PrintRow(std::ostream& out, const Section& section, const Row& row, bool isJudged)
+{
+    PrintLine(out, "  " + row.name, ShownIn(section, row.results, section.size),
+              ForEach(ComparedIn(section),
+                      [&](Engine engine) { return Shown(RatioTo(row.results, engine)); }),
+              isJudged ? VerdictOnRow(section, row.results) : "");
+}
+
 void PrintMean(std::ostream& out, const Section& section, const Rows& rows)
 {
-    const Value ratio = MeanRatio(rows, section.against);
-    const std::string verdict =
-        section.judged == Judged::Mean ? Verdict(ratio, section.limit) : std::string();
-    PrintLine(out, "  geometric mean", {}, Shown(MeanRatio(rows, Engine::MuParser)),
-              Shown(MeanRatio(rows, Engine::Lua)), verdict);
+    const Bar& bar = section.bar;
+    PrintLine(
+        out, "  geometric mean", Texts(section.columns.size()),
+        ForEach(ComparedIn(section), [&](Engine engine) { return Shown(MeanRatio(rows, engine)); }),
+        bar.judged == Judged::Mean ? Verdict(MeanRatio(rows, *bar.against), bar.limit) : "");
 }
 
 void PrintGrowth(std::ostream& out, const Section& section, const Rows& rows)
 {
-    if (section.growthLimit == 0 || rows.size() < 2)
-        return;
     Results ratios;
     for (std::size_t engine = 0; engine < kEngineCount; ++engine)
         ratios[engine] = Ratio(rows[1].results[engine], rows[0].results[engine]);
-    PrintLine(out, "  the second to the first", ShownIn(ratios, 1), "", "",
+    PrintLine(out, "  the second to the first", ShownIn(section, ratios, 1),
+              Texts(ComparedIn(section).size()),
               Verdict(At(ratios, Engine::Ours), section.growthLimit));
-}
-
-void PrintRow(std::ostream& out, const Section& section, const Row& row)
-{
-    const bool isJudged = section.judged == Judged::EachRow;
-    PrintLine(
-        out, "  " + row.name, ShownIn(row.results, section.size),
-        Shown(RatioTo(row.results, Engine::MuParser)), Shown(RatioTo(row.results, Engine::Lua)),
-        isJudged ? Verdict(RatioTo(row.results, section.against), section.limit) : std::string());
 }
 
 void PrintSection(std::ostream& out, const Section& section, const Rows& rows)
 {
-    const bool isJudged = section.judged != Judged::Nothing;
-    out << section.name << ", in " << section.unit << '\n';
-    PrintLine(out, "", {"ours", "muParser", "Lua", "C++"}, "ours/muParser", "ours/Lua",
-              isJudged ? std::string("against ") + NameOf(section.against) : std::string());
-    for (const Row& row : rows)
-        PrintRow(out, section, row);
+    PrintHeading(out, section);
+    for (const Row& row : rows) {
+        const bool isLast = &row == &rows.back();
+        const Judged judged = section.bar.judged;
+        PrintRow(out, section, row,
+                 judged == Judged::EachRow || (judged == Judged::LastRow && isLast));
+    }
     if (rows.size() >= kRowsWorthAMean)
         PrintMean(out, section, rows);
-    PrintGrowth(out, section, rows);
+    if (section.growthLimit != 0 && rows.size() > 1)
+        PrintGrowth(out, section, rows);
     out << '\n';
+}
+
+// Completes the rows of a section with what the base has in its rows of the same names.
+void TakeOver(Rows& rows, const Rows& base)
+{
+    for (Row& row : rows) {
+        const auto found = std::find_if(base.begin(), base.end(), [&](const Row& candidate) {
+            return candidate.name == row.name;
+        });
+        if (found == base.end())
+            continue;
+        Results completed = found->results;
+        At(completed, Engine::Stock) = At(found->results, Engine::Ours);
+        for (std::size_t engine = 0; engine < kEngineCount; ++engine)
+            row.results[engine] = row.results[engine] ? row.results[engine] : completed[engine];
+    }
 }
 
 } // namespace
@@ -195,10 +268,12 @@ void ResultTable::Note(const std::string& section, const std::string& row, Engin
 void ResultTable::Print(std::ostream& out) const
 {
     for (const Section& section : kSections) {
-        const auto found = m_Sections.find(section.name);
-        const Rows rows = found == m_Sections.end() ? Rows() : Measured(found->second);
-        if (!rows.empty())
-            PrintSection(out, section, rows);
+        Rows rows = RowsOf(section.name);
+        if (rows.empty())
+            continue;
+        if (section.base)
+            TakeOver(rows, RowsOf(section.base));
+        PrintSection(out, section, rows);
     }
 }
 
@@ -211,6 +286,12 @@ Row& ResultTable::RowOf(const std::string& section, const std::string& name)
         return *found;
     rows.push_back({name, {}});
     return rows.back();
+}
+
+Rows ResultTable::RowsOf(const char* section) const
+{
+    const auto found = m_Sections.find(section);
+    return found == m_Sections.end() ? Rows() : Measured(found->second);
 }
 
 } // namespace bench
