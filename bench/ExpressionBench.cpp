@@ -1,7 +1,6 @@
 #include "Measure.h"
 
-#include <memory>
-
+#include "Alternating.h"
 #include "ExpressionCases.h"
 
 // Single expressions: from a text to its value, again after a variable changed, and how the cost
@@ -34,179 +33,158 @@ int TokensOf(CFmlaExpression& expression)
     return count;
 }
 
-// What a host does for each value: a formula checks everything before it calculates.
-double ValueOf(FormulaImpl& formula)
+Alternating<double> Lengths()
 {
-    unsigned int message = 0;
-    if (!formula.Calculate(message, nullptr))
-        Require(false, "message " + std::to_string(message));
-    return formula.GetValue();
+    return {kLengths[0], kLengths[1]};
 }
 
-// A text and the same with a blank behind it in turn, so that no engine is given the text that it
-// has already.
+// A text, and the same with a blank after it.
 template <typename Text>
-class Alternating {
+Alternating<Text> TwoTexts(const Text& text)
+{
+    return {text, text + Text(1, ' ')};
+}
+
+// A case in each engine. A step changes the length and calculates again, or takes a new text and
+// calculates it.
+
+class OurCase {
 public:
-    void Set(const Text& text)
+    explicit OurCase(const ExpressionCase& expressionCase)
+        : m_Job(StartingInputs()),
+          m_Kept(m_Job.MakeFormula("Kept", expressionCase.ours)),
+          m_Typed(m_Job.MakeFormula("Typed", expressionCase.ours)),
+          m_Text(TwoTexts(WideText(m_Kept->GetExpression().GetTextStr().View()))),
+          m_References(ReferencesOf(m_Kept->GetExpression()))
+    {}
+
+    double Again()
     {
-        m_Texts = {text, text};
-        m_Texts[1] += ' ';
+        m_Job.SetValue(LENGTH, m_Lengths.Next());
+        return ValueOf(*m_Kept);
     }
-    const Text& Next()
+    double FromTyped()
     {
-        m_IsSecond = !m_IsSecond;
-        return m_Texts[m_IsSecond ? 1 : 0];
+        m_Typed->GetExpression().SetExpr(CString(WideView{m_Text.Next()}), m_References);
+        return ValueOf(*m_Typed);
     }
 
 private:
-    std::array<Text, 2> m_Texts;
-    bool m_IsSecond = false;
+    OurJob m_Job;
+    std::unique_ptr<FormulaImpl> m_Kept;
+    std::unique_ptr<FormulaImpl> m_Typed; // its text is set anew each time
+    Alternating<WideText> m_Text;
+    CWordArray m_References;
+    Alternating<double> m_Lengths = Lengths();
 };
 
-// A case with all that its measurements use, in every engine.
-class Fixture {
+class MuParserCase {
 public:
-    explicit Fixture(const ExpressionCase& expressionCase)
-        : m_Case(expressionCase),
-          m_Ours(StartingInputs()),
-          m_MuParser(StartingInputs()),
-          m_Lua(StartingInputs()),
-          m_Typed(&m_Ours.Set()),
-          m_Kept(&m_Ours.Set()),
-          m_Parser(m_MuParser.MakeParser())
+    explicit MuParserCase(const ExpressionCase& expressionCase)
+        : m_Job(StartingInputs()),
+          m_Parser(m_Job.MakeParser()),
+          m_Text(TwoTexts(std::string(expressionCase.muParser)))
+    {
+        m_Parser.SetExpr(expressionCase.muParser);
+    }
+
+    double Again()
+    {
+        m_Job.SetValue(LENGTH, m_Lengths.Next());
+        return m_Parser.Eval();
+    }
+    double FromText()
+    {
+        m_Parser.SetExpr(m_Text.Next());
+        return m_Parser.Eval();
+    }
+
+private:
+    MuParserJob m_Job;
+    mu::Parser m_Parser;
+    Alternating<std::string> m_Text;
+    Alternating<double> m_Lengths = Lengths();
+};
+
+class LuaCase {
+public:
+    LuaCase(Engine engine, const ExpressionCase& expressionCase)
+        : m_Job(MakeLuaJob(engine, StartingInputs())),
+          m_Text(TwoTexts(std::string("return ") + expressionCase.lua)),
+          m_Function(m_Job->Keep(m_Text.Next()))
+    {}
+
+    double Again()
+    {
+        m_Job->SetValue(LENGTH, m_Lengths.Next());
+        return m_Job->Call(m_Function);
+    }
+    double FromText()
+    {
+        m_Job->Load(m_Text.Next());
+        return m_Job->CallLoaded();
+    }
+
+private:
+    std::unique_ptr<LuaJob> m_Job;
+    Alternating<std::string> m_Text;
+    int m_Function;
+    Alternating<double> m_Lengths = Lengths();
+};
+
+class CaseByHand {
+public:
+    explicit CaseByHand(const ExpressionCase& expressionCase) : m_Function(expressionCase.byHand)
     {
         for (std::size_t index = 0; index < kInputCount; ++index)
             m_Inputs[index] = StartingInputs()[index].value;
-        Add(m_Typed, u"Typed");
-        Add(m_Kept, u"Kept");
-        const CFmlaExpression& expression = m_Kept.GetExpression();
-        m_Text.Set(WideText(expression.GetTextStr().View()));
-        m_References = ReferencesOf(expression);
-        m_Parser.SetExpr(m_Case.muParser);
-        m_ForMuParser.Set(m_Case.muParser);
-        const std::string chunk = std::string("return ") + m_Case.lua;
-        m_Function = m_Lua.Keep(chunk);
-        m_ForLua.Set(chunk);
     }
 
-    std::string RowName()
+    double AtTheStart() const { return m_Function(m_Inputs); }
+    double Again()
     {
-        return std::to_string(TokensOf(m_Kept.GetExpression())) + " tokens, " + m_Case.what;
-    }
-
-    void TextToValueOurs(benchmark::State& state)
-    {
-        for (auto _ : state)
-            benchmark::DoNotOptimize(ValueOfTypedText());
-    }
-    void TextToValueMuParser(benchmark::State& state)
-    {
-        for (auto _ : state) {
-            m_Parser.SetExpr(m_ForMuParser.Next());
-            benchmark::DoNotOptimize(m_Parser.Eval());
-        }
-    }
-    void TextToValueLua(benchmark::State& state)
-    {
-        for (auto _ : state) {
-            luaL_loadstring(m_Lua.State(), m_ForLua.Next().c_str());
-            benchmark::DoNotOptimize(m_Lua.CallTop());
-        }
-    }
-
-    void AgainOurs(benchmark::State& state)
-    {
-        for (auto _ : state) {
-            m_Ours.SetValue(LENGTH, NextLength());
-            benchmark::DoNotOptimize(ValueOf(m_Kept));
-        }
-    }
-    void AgainMuParser(benchmark::State& state)
-    {
-        for (auto _ : state) {
-            m_MuParser.SetValue(LENGTH, NextLength());
-            benchmark::DoNotOptimize(m_Parser.Eval());
-        }
-    }
-    void AgainLua(benchmark::State& state)
-    {
-        for (auto _ : state) {
-            m_Lua.SetValue(LENGTH, NextLength());
-            benchmark::DoNotOptimize(m_Lua.Call(m_Function));
-        }
-    }
-    void AgainByHand(benchmark::State& state)
-    {
-        for (auto _ : state) {
-            m_Inputs[LENGTH] = NextLength();
-            benchmark::DoNotOptimize(m_Case.byHand(m_Inputs));
-        }
-    }
-
-    void RequireEqualValues()
-    {
-        for (const double length : kLengths) {
-            m_Ours.SetValue(LENGTH, length);
-            m_MuParser.SetValue(LENGTH, length);
-            m_Lua.SetValue(LENGTH, length);
-            m_Inputs[LENGTH] = length;
-            const double expected = m_Case.byHand(m_Inputs);
-            RequireEqual(ValueOfTypedText(), expected, m_Case.ours);
-            RequireEqual(ValueOf(m_Kept), expected, m_Case.ours);
-            RequireEqual(m_Parser.Eval(), expected, m_Case.muParser);
-            RequireEqual(m_Lua.Call(m_Function), expected, m_Case.lua);
-        }
+        m_Inputs[LENGTH] = m_Lengths.Next();
+        return m_Function(m_Inputs);
     }
 
 private:
-    void Add(FormulaImpl& formula, CString name)
-    {
-        formula.SetName(name);
-        formula.SetFromEncodedString(m_Case.ours);
-        m_Ours.Set().AddFormula(&formula);
-    }
-    double ValueOfTypedText()
-    {
-        m_Typed.GetExpression().SetExpr(CString(WideView{m_Text.Next()}), m_References);
-        return ValueOf(m_Typed);
-    }
-    double NextLength()
-    {
-        m_IsSecondLength = !m_IsSecondLength;
-        return kLengths[m_IsSecondLength ? 1 : 0];
-    }
-
-    const ExpressionCase& m_Case;
-    OurJob m_Ours;
-    MuParserJob m_MuParser;
-    LuaJob m_Lua;
+    double (*m_Function)(const Inputs&);
     Inputs m_Inputs{};
-    FormulaImpl m_Typed; // its text is set anew each time
-    FormulaImpl m_Kept;
-    CWordArray m_References;
-    Alternating<WideText> m_Text;
-    mu::Parser m_Parser;
-    Alternating<std::string> m_ForMuParser;
-    Alternating<std::string> m_ForLua;
-    int m_Function = 0;
-    bool m_IsSecondLength = false;
+    Alternating<double> m_Lengths = Lengths();
 };
 
-struct Measurement {
-    const char* section;
-    Engine engine;
-    void (Fixture::*run)(benchmark::State&);
-};
-constexpr Measurement kMeasurements[] = {
-    {kTextToValue, Engine::Ours, &Fixture::TextToValueOurs},
-    {kTextToValue, Engine::MuParser, &Fixture::TextToValueMuParser},
-    {kTextToValue, Engine::Lua, &Fixture::TextToValueLua},
-    {kAgain, Engine::Ours, &Fixture::AgainOurs},
-    {kAgain, Engine::MuParser, &Fixture::AgainMuParser},
-    {kAgain, Engine::Lua, &Fixture::AgainLua},
-    {kAgain, Engine::ByHand, &Fixture::AgainByHand},
-};
+std::string RowName(const ExpressionCase& expressionCase)
+{
+    OurJob job(StartingInputs());
+    const auto formula = job.MakeFormula("Formula", expressionCase.ours);
+    return std::to_string(TokensOf(formula->GetExpression())) + " tokens, " + expressionCase.what;
+}
+
+void RegisterCase(ResultTable& table, const ExpressionCase& expressionCase)
+{
+    const std::string row = RowName(expressionCase);
+    const auto ours = std::make_shared<OurCase>(expressionCase);
+    const auto muParser = std::make_shared<MuParserCase>(expressionCase);
+    const auto lua = std::make_shared<LuaCase>(Engine::Lua, expressionCase);
+    const auto luaJit = std::make_shared<LuaCase>(Engine::LuaJit, expressionCase);
+    const auto byHand = std::make_shared<CaseByHand>(expressionCase);
+
+    const double value = byHand->AtTheStart();
+    const std::array<double, 2> same = {value, value};
+    RegisterStep<&OurCase::FromTyped>(table, kTextToValue, row, Engine::Ours, ours, same);
+    RegisterStep<&MuParserCase::FromText>(table, kTextToValue, row, Engine::MuParser, muParser,
+                                          same);
+    RegisterStep<&LuaCase::FromText>(table, kTextToValue, row, Engine::Lua, lua, same);
+    RegisterStep<&LuaCase::FromText>(table, kTextToValue, row, Engine::LuaJit, luaJit, same);
+
+    const double second = byHand->Again();
+    const std::array<double, 2> changing = {second, byHand->Again()};
+    RegisterStep<&OurCase::Again>(table, kAgain, row, Engine::Ours, ours, changing);
+    RegisterStep<&MuParserCase::Again>(table, kAgain, row, Engine::MuParser, muParser, changing);
+    RegisterStep<&LuaCase::Again>(table, kAgain, row, Engine::Lua, lua, changing);
+    RegisterStep<&LuaCase::Again>(table, kAgain, row, Engine::LuaJit, luaJit, changing);
+    RegisterStep<&CaseByHand::Again>(table, kAgain, row, Engine::ByHand, byHand, changing);
+}
 
 WideText SumOf(int tokens)
 {
@@ -221,8 +199,7 @@ void RegisterLongSum(ResultTable& table, const char* row, int tokens)
     Register(table, kLongSum, row, Engine::Ours, [tokens](benchmark::State& state) {
         OurJob job({});
         FormulaImpl formula(&job.Set());
-        Alternating<WideText> text;
-        text.Set(SumOf(tokens));
+        Alternating<WideText> text = TwoTexts(SumOf(tokens));
         for (auto _ : state) {
             formula.GetExpression().SetExpr(CString(WideView{text.Next()}));
             benchmark::DoNotOptimize(ValueOf(formula));
@@ -235,15 +212,8 @@ void RegisterLongSum(ResultTable& table, const char* row, int tokens)
 
 void RegisterExpressions(ResultTable& table)
 {
-    for (const ExpressionCase& expressionCase : ExpressionCases()) {
-        const auto fixture = std::make_shared<Fixture>(expressionCase);
-        fixture->RequireEqualValues();
-        for (const Measurement& measurement : kMeasurements)
-            Register(table, measurement.section, fixture->RowName(), measurement.engine,
-                     [fixture, run = measurement.run](benchmark::State& state) {
-                         (fixture.get()->*run)(state);
-                     });
-    }
+    for (const ExpressionCase& expressionCase : ExpressionCases())
+        RegisterCase(table, expressionCase);
     RegisterLongSum(table, "1,000 tokens", 1000);
     RegisterLongSum(table, "100,000 tokens", 100000);
 }

@@ -2,7 +2,6 @@
 #define TOVOFORMULA_BENCH_JOBS_H
 
 #include <deque>
-#include <lua.hpp>
 #include <memory>
 #include <muParser.h>
 #include <string>
@@ -10,17 +9,13 @@
 
 #include <TovoFormula/TovoFormula.h>
 
+#include "LuaJob.h"
+#include "NamedValue.h"
+
 namespace bench {
 
-// The same named variables in each engine, so that the same formula can be calculated by all. Each
-// job owns its variables; an index is that of the list it was made from.
-struct NamedValue {
-    std::string name;
-    double value;
-};
-
-// What all engines take to round with; neither muParser nor Lua has it.
-double RoundedTo(double value, double places);
+// The same named variables in each engine, so that the same formula can be calculated by all; Lua's
+// are those of LuaJob. Each job owns its variables; an index is that of the list it was made from.
 
 class OurJob {
 public:
@@ -28,11 +23,16 @@ public:
 
     CalcSetImpl& Set() { return m_Set; }
     void SetValue(std::size_t index, double value) { m_Variables[index].SetValue(value); }
+    // A formula of that name in the set. The caller owns it.
+    std::unique_ptr<FormulaImpl> MakeFormula(const std::string& name, const std::string& encoded);
 
 private:
     CalcSetImpl m_Set;
     std::deque<VariableImpl> m_Variables;
 };
+
+// The value as a host asks for it: Calculate checks everything first. A failure ends the program.
+double ValueOf(FormulaImpl& formula);
 
 class MuParserJob {
 public:
@@ -49,23 +49,6 @@ private:
     std::vector<std::string> m_Names;
     std::vector<double> m_Values;
     mu::Parser m_Prototype;
-};
-
-class LuaJob {
-public:
-    explicit LuaJob(const std::vector<NamedValue>& variables);
-
-    lua_State* State() const { return m_State.get(); }
-    void SetValue(std::size_t index, double value);
-    // Compiles, and keeps the function under the number that it gives.
-    int Keep(const std::string& chunk);
-    // Calculates the function on top of the stack and takes it off.
-    double CallTop();
-    double Call(int kept);
-
-private:
-    std::vector<std::string> m_Names;
-    std::unique_ptr<lua_State, void (*)(lua_State*)> m_State;
 };
 
 } // namespace bench

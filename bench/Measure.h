@@ -3,6 +3,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <array>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -32,6 +34,20 @@ void NoteParts(benchmark::State& state, std::size_t parts);
 // for the last bits.
 void Require(bool holds, const std::string& words);
 void RequireEqual(double found, double expected, const std::string& words);
+
+// Registers a step that is repeated, after two of them have returned the values expected.
+template <auto step, typename Work>
+void RegisterStep(ResultTable& table, const std::string& section, const std::string& row,
+                  Engine engine, const std::shared_ptr<Work>& work,
+                  const std::array<double, 2>& expected)
+{
+    for (const double value : expected)
+        RequireEqual(((*work).*step)(), value, section + ", " + row + ", " + NameOf(engine));
+    Register(table, section, row, engine, [work](benchmark::State& state) {
+        for (auto _ : state)
+            benchmark::DoNotOptimize(((*work).*step)());
+    });
+}
 
 // Hands what was measured on to the table.
 class TableReporter : public benchmark::BenchmarkReporter {

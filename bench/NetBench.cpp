@@ -151,31 +151,31 @@ private:
     mu::Parser m_Sum;
 };
 
+template <Engine engine>
 class LuaNet {
 public:
-    explicit LuaNet(const Shape& shape) : m_Job(NetInputs())
+    explicit LuaNet(const Shape& shape) : m_Job(MakeLuaJob(engine, NetInputs()))
     {
         const auto result = [](std::size_t number) {
             return "f[" + std::to_string(number + 1) + "]";
         };
-        lua_newtable(m_Job.State());
-        lua_setglobal(m_Job.State(), "f");
+        m_Job->Call(m_Job->Keep("f={}"));
         for (std::size_t number = 0; number < kFormulas; ++number)
-            m_Functions.push_back(m_Job.Keep(result(number) + "=" +
-                                             TextOf(PlaceOf(shape, number), result, InputName)));
-        m_Sum = m_Job.Keep("return " + SumOfLastLayer(shape, result));
+            m_Functions.push_back(m_Job->Keep(result(number) + "=" +
+                                              TextOf(PlaceOf(shape, number), result, InputName)));
+        m_Sum = m_Job->Keep("return " + SumOfLastLayer(shape, result));
     }
 
     double Calculate(double firstInput)
     {
-        m_Job.SetValue(0, firstInput);
+        m_Job->SetValue(0, firstInput);
         for (const int function : m_Functions)
-            m_Job.Call(function);
-        return m_Job.Call(m_Sum);
+            m_Job->Call(function);
+        return m_Job->Call(m_Sum);
     }
 
 private:
-    LuaJob m_Job;
+    std::unique_ptr<LuaJob> m_Job;
     std::vector<int> m_Functions;
     int m_Sum = 0;
 };
@@ -242,7 +242,8 @@ void RegisterNets(ResultTable& table)
     for (const Shape& shape : kShapes) {
         RegisterNet<OurNet>(table, shape, Engine::Ours);
         RegisterNet<MuParserNet>(table, shape, Engine::MuParser);
-        RegisterNet<LuaNet>(table, shape, Engine::Lua);
+        RegisterNet<LuaNet<Engine::Lua>>(table, shape, Engine::Lua);
+        RegisterNet<LuaNet<Engine::LuaJit>>(table, shape, Engine::LuaJit);
         RegisterNet<NetByHand>(table, shape, Engine::ByHand);
     }
 }
