@@ -50,8 +50,8 @@ Alternating<Text> TwoTexts(const Text& text)
 
 class OurCase {
 public:
-    explicit OurCase(const ExpressionCase& expressionCase)
-        : m_Job(StartingInputs()),
+    explicit OurCase(const ExpressionCase& expressionCase, const ObjectKinds& kinds = kStockObjects)
+        : m_Job(StartingInputs(), kinds),
           m_Kept(m_Job.MakeFormula("Kept", expressionCase.ours)),
           m_Typed(m_Job.MakeFormula("Typed", expressionCase.ours)),
           m_Text(TwoTexts(WideText(m_Kept->GetExpression().GetTextStr().View()))),
@@ -160,6 +160,17 @@ std::string RowName(const ExpressionCase& expressionCase)
     return std::to_string(TokensOf(formula->GetExpression())) + " tokens, " + expressionCase.what;
 }
 
+// What a host derives, and the section of calculating again with it.
+struct HostCase {
+    const char* section;
+    const ObjectKinds& kinds;
+};
+constexpr HostCase kHostCases[] = {
+    {kAgainStockLookup, kWithStockLookup},
+    {kAgainHostSet, kWithHostSet},
+    {kAgainHostVariables, kWithHostVariables},
+};
+
 void RegisterCase(ResultTable& table, const ExpressionCase& expressionCase)
 {
     const std::string row = RowName(expressionCase);
@@ -184,6 +195,10 @@ void RegisterCase(ResultTable& table, const ExpressionCase& expressionCase)
     RegisterStep<&LuaCase::Again>(table, kAgain, row, Engine::Lua, lua, changing);
     RegisterStep<&LuaCase::Again>(table, kAgain, row, Engine::LuaJit, luaJit, changing);
     RegisterStep<&CaseByHand::Again>(table, kAgain, row, Engine::ByHand, byHand, changing);
+    for (const auto& [section, kinds] : kHostCases) {
+        const auto host = std::make_shared<OurCase>(expressionCase, kinds);
+        RegisterStep<&OurCase::Again>(table, section, row, Engine::Ours, host, changing);
+    }
 }
 
 WideText SumOf(int tokens)

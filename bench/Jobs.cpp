@@ -4,25 +4,23 @@
 
 namespace bench {
 
-OurJob::OurJob(const std::vector<NamedValue>& variables)
+OurJob::OurJob(const std::vector<NamedValue>& variables, const ObjectKinds& kinds)
+    : m_Kinds(kinds), m_Set(kinds.makeSet())
 {
-    for (const auto& [text, value] : variables) {
-        VariableImpl& variable = m_Variables.emplace_back(&m_Set);
-        CString name(text);
-        variable.SetName(name);
-        variable.SetValue(value);
-        m_Set.AddVariable(&variable);
+    for (const auto& [name, value] : variables) {
+        m_Variables.push_back(m_Kinds.makeVariable(*m_Set, CString(name)));
+        m_Variables.back()->SetValue(value);
     }
 }
 
 std::unique_ptr<FormulaImpl> OurJob::MakeFormula(const std::string& name,
                                                  const std::string& encoded)
 {
-    auto formula = std::make_unique<FormulaImpl>(&m_Set);
+    std::unique_ptr<FormulaImpl> formula = m_Kinds.makeFormula(*m_Set);
     CString named(name);
     formula->SetName(named);
     formula->SetFromEncodedString(CString(encoded));
-    m_Set.AddFormula(formula.get());
+    m_Set->AddFormula(formula.get());
     return formula;
 }
 

@@ -1,7 +1,6 @@
 #ifndef TOVOFORMULA_BENCH_JOBS_H
 #define TOVOFORMULA_BENCH_JOBS_H
 
-#include <deque>
 #include <memory>
 #include <muParser.h>
 #include <string>
@@ -9,6 +8,7 @@
 
 #include <TovoFormula/TovoFormula.h>
 
+#include "HostObjects.h"
 #include "LuaJob.h"
 #include "NamedValue.h"
 
@@ -19,16 +19,18 @@ namespace bench {
 
 class OurJob {
 public:
-    explicit OurJob(const std::vector<NamedValue>& variables);
+    explicit OurJob(const std::vector<NamedValue>& variables,
+                    const ObjectKinds& kinds = kStockObjects);
 
-    CalcSetImpl& Set() { return m_Set; }
-    void SetValue(std::size_t index, double value) { m_Variables[index].SetValue(value); }
+    CalcSetImpl& Set() { return *m_Set; }
+    void SetValue(std::size_t index, double value) { m_Variables[index]->SetValue(value); }
     // A formula of that name in the set. The caller owns it.
     std::unique_ptr<FormulaImpl> MakeFormula(const std::string& name, const std::string& encoded);
 
 private:
-    CalcSetImpl m_Set;
-    std::deque<VariableImpl> m_Variables;
+    const ObjectKinds& m_Kinds;
+    std::unique_ptr<CalcSetImpl> m_Set;
+    std::vector<std::unique_ptr<VariableImpl>> m_Variables;
 };
 
 // The value as a host asks for it: Calculate checks everything first. A failure ends the program.

@@ -25,6 +25,7 @@ constexpr Engine kAll[] = {Engine::Ours, Engine::MuParser, Engine::Lua, Engine::
                            Engine::ByHand};
 constexpr Engine kEngines[] = {Engine::Ours, Engine::MuParser, Engine::Lua, Engine::LuaJit};
 constexpr Engine kOnTheHeap[] = {Engine::Ours, Engine::MuParser, Engine::Lua};
+constexpr Engine kToStock[] = {Engine::Ours, Engine::Stock};
 constexpr Engine kOursAndByHand[] = {Engine::Ours, Engine::ByHand};
 constexpr Engine kOurs[] = {Engine::Ours};
 
@@ -53,14 +54,17 @@ struct Section {
 
 // clang-format off
 constexpr Section kSections[] = {
-    // name        unit     size  columns         bar                                         growth  base
-    {kTextToValue, "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},        0,      nullptr},
-    {kAgain,       "ns",    1,    kAll,           {Judged::Mean, Engine::MuParser, 2.0},      0,      nullptr},
-    {kNet,         "µs",    1e3,  kAll,           {Judged::EachRow, Engine::MuParser, 2.0},   1.5,    nullptr},
-    {kLookup,      "ns",    1,    kOursAndByHand, kNoBar,                                     0,      nullptr},
-    {kLoading,     "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},        0,      nullptr},
-    {kMemory,      "bytes", 1,    kOnTheHeap,     kNoBar,                                     0,      nullptr},
-    {kLongSum,     "ns",    1,    kOurs,          kNoBar,                                     1.5,    nullptr},
+    // name               unit     size  columns         bar                                       growth  base
+    {kTextToValue,        "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      nullptr},
+    {kAgain,              "ns",    1,    kAll,           {Judged::Mean, Engine::MuParser, 2.0},    0,      nullptr},
+    {kAgainStockLookup,   "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 1.3},       0,      kAgain},
+    {kAgainHostSet,       "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 2.5},       0,      kAgain},
+    {kAgainHostVariables, "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 1.5},       0,      kAgain},
+    {kNet,                "µs",    1e3,  kAll,           {Judged::EachRow, Engine::MuParser, 2.0}, 1.5,    nullptr},
+    {kLookup,             "ns",    1,    kOursAndByHand, kNoBar,                                   0,      nullptr},
+    {kLoading,            "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      nullptr},
+    {kMemory,             "bytes", 1,    kOnTheHeap,     kNoBar,                                   0,      nullptr},
+    {kLongSum,            "ns",    1,    kOurs,          kNoBar,                                   1.5,    nullptr},
 };
 // clang-format on
 

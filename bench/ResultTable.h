@@ -19,6 +19,9 @@ const char* NameOf(Engine engine);
 // The sections of the table.
 inline constexpr const char* kTextToValue = "text to value";
 inline constexpr const char* kAgain = "again, after a variable changed";
+inline constexpr const char* kAgainStockLookup = "again, derived set with stock lookup";
+inline constexpr const char* kAgainHostSet = "again, derived set with names of its own";
+inline constexpr const char* kAgainHostVariables = "again, derived variables";
 inline constexpr const char* kNet = "net of 1,000 formulas";
 inline constexpr const char* kLookup = "lookup in a table";
 inline constexpr const char* kLoading = "loading 10,000 formulas, each";
