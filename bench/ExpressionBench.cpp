@@ -55,7 +55,9 @@ public:
           m_Kept(m_Job.MakeFormula("Kept", expressionCase.ours)),
           m_Typed(m_Job.MakeFormula("Typed", expressionCase.ours)),
           m_Text(TwoTexts(WideText(m_Kept->GetExpression().GetTextStr().View()))),
-          m_References(ReferencesOf(m_Kept->GetExpression()))
+          m_References(ReferencesOf(m_Kept->GetExpression())),
+          m_Stored(m_Job.MakeFormula("Stored", expressionCase.ours)),
+          m_Encoded(TwoTexts(std::string(expressionCase.ours)))
     {}
 
     double Again()
@@ -68,6 +70,11 @@ public:
         m_Typed->GetExpression().SetExpr(CString(WideView{m_Text.Next()}), m_References);
         return ValueOf(*m_Typed);
     }
+    double FromStored()
+    {
+        m_Stored->SetFromEncodedString(CString(m_Encoded.Next()));
+        return ValueOf(*m_Stored);
+    }
 
 private:
     OurJob m_Job;
@@ -75,6 +82,8 @@ private:
     std::unique_ptr<FormulaImpl> m_Typed; // its text is set anew each time
     Alternating<WideText> m_Text;
     CWordArray m_References;
+    std::unique_ptr<FormulaImpl> m_Stored; // likewise
+    Alternating<std::string> m_Encoded;
     Alternating<double> m_Lengths = Lengths();
 };
 
@@ -183,6 +192,7 @@ void RegisterCase(ResultTable& table, const ExpressionCase& expressionCase)
     const double value = byHand->AtTheStart();
     const std::array<double, 2> same = {value, value};
     RegisterStep<&OurCase::FromTyped>(table, kTextToValue, row, Engine::Ours, ours, same);
+    RegisterStep<&OurCase::FromStored>(table, kStoredToValue, row, Engine::Ours, ours, same);
     RegisterStep<&MuParserCase::FromText>(table, kTextToValue, row, Engine::MuParser, muParser,
                                           same);
     RegisterStep<&LuaCase::FromText>(table, kTextToValue, row, Engine::Lua, lua, same);

@@ -56,6 +56,7 @@ struct Section {
 constexpr Section kSections[] = {
     // name               unit     size  columns         bar                                       growth  base
     {kTextToValue,        "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      nullptr},
+    {kStoredToValue,      "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      kTextToValue},
     {kAgain,              "ns",    1,    kAll,           {Judged::Mean, Engine::MuParser, 2.0},    0,      nullptr},
     {kAgainStockLookup,   "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 1.3},       0,      kAgain},
     {kAgainHostSet,       "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 2.5},       0,      kAgain},

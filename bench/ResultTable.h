@@ -18,6 +18,7 @@ const char* NameOf(Engine engine);
 
 // The sections of the table.
 inline constexpr const char* kTextToValue = "text to value";
+inline constexpr const char* kStoredToValue = "text to value, from the stored form";
 inline constexpr const char* kAgain = "again, after a variable changed";
 inline constexpr const char* kAgainStockLookup = "again, derived set with stock lookup";
 inline constexpr const char* kAgainHostSet = "again, derived set with names of its own";
