@@ -1,13 +1,16 @@
 #include "Measure.h"
 
 #include <deque>
-#include <memory>
+#include <numeric>
+#include <span>
 
+#include "Alternating.h"
 #include "Jobs.h"
 
-// A thousand formulas in layers. Each names two or three of the layer below and an input, and a
-// last formula adds up the uppermost layer. The other engines have no formulas that name formulas:
-// theirs are calculated in an order that is given to them, each result into a variable.
+// A thousand formulas in layers. Each names two or three of the layer below and an input. After an
+// input has changed, a host asks for the value of the top formula, which adds up the last layer, or
+// for each formula of the last layer. The other engines have no formulas that name formulas: theirs
+// are calculated in an order that is given to them, each result into a variable.
 
 namespace bench {
 namespace {
@@ -22,8 +25,11 @@ struct Shape {
 };
 constexpr Shape kShapes[] = {{"10 deep, 100 wide", 10, 100}, {"100 deep, 10 wide", 100, 10}};
 
-// The two values that the first input changes between.
-constexpr double kFirstInput[] = {1.5, 2.75};
+// What the first input changes between.
+Alternating<double> FirstInputs()
+{
+    return {1.5, 2.75};
+}
 
 // What the formula at a place in the net reads.
 struct Place {
@@ -60,11 +66,16 @@ std::string TextOf(const Place& place, FormulaName formula, InputName input)
     return formula(a) + "*0.5+" + formula(b) + "*0.25+" + x;
 }
 
+std::size_t FirstOfLastLayer(const Shape& shape)
+{
+    return kFormulas - shape.width;
+}
+
 template <typename FormulaName>
 std::string SumOfLastLayer(const Shape& shape, FormulaName formula)
 {
     std::string sum;
-    for (std::size_t number = kFormulas - shape.width; number < kFormulas; ++number)
+    for (std::size_t number = FirstOfLastLayer(shape); number < kFormulas; ++number)
         sum += (sum.empty() ? "" : "+") + formula(number);
     return sum;
 }
@@ -78,45 +89,61 @@ std::vector<NamedValue> NetInputs()
 {
     std::vector<NamedValue> inputs;
     for (std::size_t input = 0; input < kInputs; ++input)
-        inputs.push_back({InputName(input), kFirstInput[0] + 0.25 * static_cast<double>(input)});
+        inputs.push_back({InputName(input), 1.5 + 0.25 * static_cast<double>(input)});
     return inputs;
 }
 
+// A net in each engine. A step changes the first input; it returns the value of the top formula, or
+// the sum of the values of the last layer.
+
 class OurNet {
 public:
-    explicit OurNet(const Shape& shape) : m_Job(NetInputs()), m_Sum(&m_Job.Set())
+    explicit OurNet(const Shape& shape, const ObjectKinds& kinds = kStockObjects)
+        : m_Job(NetInputs(), kinds)
     {
-        const auto encodedInput = [](std::size_t input) { return "V(" + InputName(input) + ")"; };
-        const auto encodedFormula = [](std::size_t number) { return "F(" + NameOf(number) + ")"; };
+        const auto input = [](std::size_t index) { return "V(" + InputName(index) + ")"; };
+        const auto formula = [](std::size_t number) { return "F(" + NameOf(number) + ")"; };
         for (std::size_t number = 0; number < kFormulas; ++number)
-            Add(m_Formulas.emplace_back(&m_Job.Set()), NameOf(number),
-                TextOf(PlaceOf(shape, number), encodedFormula, encodedInput));
-        Add(m_Sum, "Sum", SumOfLastLayer(shape, encodedFormula));
+            m_Formulas.push_back(
+                m_Job.MakeFormula(NameOf(number), TextOf(PlaceOf(shape, number), formula, input)));
+        m_Top = m_Job.MakeFormula("Top", SumOfLastLayer(shape, formula));
+        m_LastLayer = std::span(m_Formulas).last(shape.width);
     }
 
-    double Calculate(double firstInput)
+    double Top()
     {
-        m_Job.SetValue(0, firstInput);
-        unsigned int message = 0;
-        if (!m_Sum.Calculate(message, nullptr))
-            Require(false, "message " + std::to_string(message));
-        return m_Sum.GetValue();
+        ChangeInput();
+        return ValueOf(*m_Top);
+    }
+    double LastLayer()
+    {
+        ChangeInput();
+        return AddLastLayer();
+    }
+    double LastLayerInPass()
+    {
+        ChangeInput();
+        const CalculationPass pass;
+        return AddLastLayer();
     }
 
 private:
     static std::string NameOf(std::size_t number) { return "Formula " + std::to_string(number); }
 
-    void Add(FormulaImpl& formula, const std::string& text, const std::string& encoded)
+    void ChangeInput() { m_Job.SetValue(0, m_FirstInputs.Next()); }
+    double AddLastLayer()
     {
-        CString name(text);
-        formula.SetName(name);
-        formula.SetFromEncodedString(CString(encoded));
-        m_Job.Set().AddFormula(&formula);
+        double sum = 0;
+        for (const auto& formula : m_LastLayer)
+            sum += ValueOf(*formula);
+        return sum;
     }
 
     OurJob m_Job;
-    std::deque<FormulaImpl> m_Formulas;
-    FormulaImpl m_Sum;
+    std::vector<std::unique_ptr<FormulaImpl>> m_Formulas;
+    std::span<const std::unique_ptr<FormulaImpl>> m_LastLayer;
+    std::unique_ptr<FormulaImpl> m_Top;
+    Alternating<double> m_FirstInputs = FirstInputs();
 };
 
 class MuParserNet {
@@ -132,29 +159,41 @@ public:
             parser.SetExpr(TextOf(place, result, InputName));
         }
         for (std::size_t number = 0; number < kFormulas; ++number)
-            m_Sum.DefineVar(result(number), &m_Results[number]);
-        m_Sum.SetExpr(SumOfLastLayer(shape, result));
+            m_Top.DefineVar(result(number), &m_Results[number]);
+        m_Top.SetExpr(SumOfLastLayer(shape, result));
+        m_LastLayer = std::span(m_Results).last(shape.width);
     }
 
-    double Calculate(double firstInput)
+    double Top()
     {
-        m_Job.SetValue(0, firstInput);
-        for (std::size_t number = 0; number < kFormulas; ++number)
-            m_Results[number] = m_Parsers[number].Eval();
-        return m_Sum.Eval();
+        CalculateLayers();
+        return m_Top.Eval();
+    }
+    double LastLayer()
+    {
+        CalculateLayers();
+        return std::accumulate(m_LastLayer.begin(), m_LastLayer.end(), 0.0);
     }
 
 private:
+    void CalculateLayers()
+    {
+        m_Job.SetValue(0, m_FirstInputs.Next());
+        for (std::size_t number = 0; number < kFormulas; ++number)
+            m_Results[number] = m_Parsers[number].Eval();
+    }
+
     MuParserJob m_Job;
     std::vector<double> m_Results;
+    std::span<const double> m_LastLayer;
     std::deque<mu::Parser> m_Parsers;
-    mu::Parser m_Sum;
+    mu::Parser m_Top;
+    Alternating<double> m_FirstInputs = FirstInputs();
 };
 
-template <Engine engine>
 class LuaNet {
 public:
-    explicit LuaNet(const Shape& shape) : m_Job(MakeLuaJob(engine, NetInputs()))
+    LuaNet(Engine engine, const Shape& shape) : m_Job(MakeLuaJob(engine, NetInputs()))
     {
         const auto result = [](std::size_t number) {
             return "f[" + std::to_string(number + 1) + "]";
@@ -163,42 +202,41 @@ public:
         for (std::size_t number = 0; number < kFormulas; ++number)
             m_Functions.push_back(m_Job->Keep(result(number) + "=" +
                                               TextOf(PlaceOf(shape, number), result, InputName)));
-        m_Sum = m_Job->Keep("return " + SumOfLastLayer(shape, result));
+        m_Top = m_Job->Keep("return " + SumOfLastLayer(shape, result));
     }
 
-    double Calculate(double firstInput)
+    double Top()
     {
-        m_Job->SetValue(0, firstInput);
+        m_Job->SetValue(0, m_FirstInputs.Next());
         for (const int function : m_Functions)
             m_Job->Call(function);
-        return m_Job->Call(m_Sum);
+        return m_Job->Call(m_Top);
     }
 
 private:
     std::unique_ptr<LuaJob> m_Job;
     std::vector<int> m_Functions;
-    int m_Sum = 0;
+    int m_Top = 0;
+    Alternating<double> m_FirstInputs = FirstInputs();
 };
 
 class NetByHand {
 public:
-    explicit NetByHand(const Shape& shape) : m_Width(shape.width), m_Results(kFormulas)
+    explicit NetByHand(const Shape& shape) : m_Results(kFormulas)
     {
         for (std::size_t number = 0; number < kFormulas; ++number)
             m_Places.push_back(PlaceOf(shape, number));
         for (const NamedValue& input : NetInputs())
             m_Inputs.push_back(input.value);
+        m_LastLayer = std::span(m_Results).last(shape.width);
     }
 
-    double Calculate(double firstInput)
+    double Top()
     {
-        m_Inputs[0] = firstInput;
+        m_Inputs[0] = m_FirstInputs.Next();
         for (std::size_t number = 0; number < kFormulas; ++number)
             m_Results[number] = ValueAt(m_Places[number]);
-        double sum = 0;
-        for (std::size_t number = kFormulas - m_Width; number < kFormulas; ++number)
-            sum += m_Results[number];
-        return sum;
+        return std::accumulate(m_LastLayer.begin(), m_LastLayer.end(), 0.0);
     }
 
 private:
@@ -213,39 +251,59 @@ private:
                             : a * 0.5 + b * 0.25 + x;
     }
 
-    std::size_t m_Width;
     std::vector<Place> m_Places;
     std::vector<double> m_Inputs;
     std::vector<double> m_Results;
+    std::span<const double> m_LastLayer;
+    Alternating<double> m_FirstInputs = FirstInputs();
 };
 
-template <typename Net>
-void RegisterNet(ResultTable& table, const Shape& shape, Engine engine)
+// What a host derives, and the section of the net that is made with it.
+struct HostNet {
+    const char* section;
+    const ObjectKinds& kinds;
+};
+constexpr HostNet kHostNets[] = {
+    {kNetHostSet, kWithHostSet},
+    {kNetHostVariables, kWithHostVariables},
+    {kNetHostFormulas, kWithHostFormulas},
+    {kNetCountingFormulas, kWithCountingFormulas},
+};
+
+void RegisterNet(ResultTable& table, const Shape& shape)
 {
-    const auto net = std::make_shared<Net>(shape);
-    NetByHand expected(shape);
-    for (const double input : kFirstInput)
-        RequireEqual(net->Calculate(input), expected.Calculate(input), shape.row);
-    Register(table, kNet, shape.row, engine, [net](benchmark::State& state) {
-        bool isSecond = false;
-        for (auto _ : state) {
-            isSecond = !isSecond;
-            benchmark::DoNotOptimize(net->Calculate(kFirstInput[isSecond ? 1 : 0]));
-        }
-    });
+    const auto ours = std::make_shared<OurNet>(shape);
+    const auto muParser = std::make_shared<MuParserNet>(shape);
+    const auto lua = std::make_shared<LuaNet>(Engine::Lua, shape);
+    const auto luaJit = std::make_shared<LuaNet>(Engine::LuaJit, shape);
+    const auto byHand = std::make_shared<NetByHand>(shape);
+    const double second = byHand->Top();
+    const std::array<double, 2> values = {second, byHand->Top()};
+
+    RegisterStep<&OurNet::Top>(table, kNet, shape.row, Engine::Ours, ours, values);
+    RegisterStep<&MuParserNet::Top>(table, kNet, shape.row, Engine::MuParser, muParser, values);
+    RegisterStep<&LuaNet::Top>(table, kNet, shape.row, Engine::Lua, lua, values);
+    RegisterStep<&LuaNet::Top>(table, kNet, shape.row, Engine::LuaJit, luaJit, values);
+    RegisterStep<&NetByHand::Top>(table, kNet, shape.row, Engine::ByHand, byHand, values);
+
+    RegisterStep<&OurNet::LastLayerInPass>(table, kLastLayerInPass, shape.row, Engine::Ours, ours,
+                                           values);
+    RegisterStep<&MuParserNet::LastLayer>(table, kLastLayerInPass, shape.row, Engine::MuParser,
+                                          muParser, values);
+    RegisterStep<&OurNet::LastLayer>(table, kLastLayer, shape.row, Engine::Ours, ours, values);
+
+    for (const auto& [section, kinds] : kHostNets) {
+        const auto host = std::make_shared<OurNet>(shape, kinds);
+        RegisterStep<&OurNet::Top>(table, section, shape.row, Engine::Ours, host, values);
+    }
 }
 
 } // namespace
 
 void RegisterNets(ResultTable& table)
 {
-    for (const Shape& shape : kShapes) {
-        RegisterNet<OurNet>(table, shape, Engine::Ours);
-        RegisterNet<MuParserNet>(table, shape, Engine::MuParser);
-        RegisterNet<LuaNet<Engine::Lua>>(table, shape, Engine::Lua);
-        RegisterNet<LuaNet<Engine::LuaJit>>(table, shape, Engine::LuaJit);
-        RegisterNet<NetByHand>(table, shape, Engine::ByHand);
-    }
+    for (const Shape& shape : kShapes)
+        RegisterNet(table, shape);
 }
 
 } // namespace bench

@@ -26,6 +26,7 @@ constexpr Engine kAll[] = {Engine::Ours, Engine::MuParser, Engine::Lua, Engine::
 constexpr Engine kEngines[] = {Engine::Ours, Engine::MuParser, Engine::Lua, Engine::LuaJit};
 constexpr Engine kOnTheHeap[] = {Engine::Ours, Engine::MuParser, Engine::Lua};
 constexpr Engine kToStock[] = {Engine::Ours, Engine::Stock};
+constexpr Engine kToMuParser[] = {Engine::Ours, Engine::MuParser};
 constexpr Engine kOursAndByHand[] = {Engine::Ours, Engine::ByHand};
 constexpr Engine kOurs[] = {Engine::Ours};
 
@@ -62,6 +63,12 @@ constexpr Section kSections[] = {
     {kAgainHostSet,       "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 2.5},       0,      kAgain},
     {kAgainHostVariables, "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 1.5},       0,      kAgain},
     {kNet,                "µs",    1e3,  kAll,           {Judged::EachRow, Engine::MuParser, 2.0}, 1.5,    nullptr},
+    {kLastLayerInPass,    "µs",    1e3,  kToMuParser,    {Judged::EachRow, Engine::MuParser, 2.5}, 0,      kNet},
+    {kLastLayer,          "µs",    1e3,  kToMuParser,    {Judged::EachRow, Engine::MuParser, 150}, 0,      kLastLayerInPass},
+    {kNetHostSet,         "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
+    {kNetHostVariables,   "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
+    {kNetHostFormulas,    "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
+    {kNetCountingFormulas, "µs",   1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
     {kLookup,             "ns",    1,    kOursAndByHand, kNoBar,                                   0,      nullptr},
     {kLoading,            "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      nullptr},
     {kMemory,             "bytes", 1,    kOnTheHeap,     kNoBar,                                   0,      nullptr},
