@@ -267,7 +267,7 @@ constexpr HostNet kHostNets[] = {
     {kNetHostSet, kWithHostSet},
     {kNetHostVariables, kWithHostVariables},
     {kNetHostFormulas, kWithHostFormulas},
-    {kNetCountingFormulas, kWithCountingFormulas},
+    {kNetCounting, kWithCountingFormulas},
 };
 
 void RegisterNet(ResultTable& table, const Shape& shape)

@@ -27,7 +27,7 @@ constexpr Engine kEngines[] = {Engine::Ours, Engine::MuParser, Engine::Lua, Engi
 constexpr Engine kOnTheHeap[] = {Engine::Ours, Engine::MuParser, Engine::Lua};
 constexpr Engine kToStock[] = {Engine::Ours, Engine::Stock};
 constexpr Engine kToMuParser[] = {Engine::Ours, Engine::MuParser};
-constexpr Engine kOursAndByHand[] = {Engine::Ours, Engine::ByHand};
+constexpr Engine kCallingByHand[] = {Engine::Ours, Engine::MuParser, Engine::ByHand};
 constexpr Engine kOurs[] = {Engine::Ours};
 
 enum class Judged { Nothing, EachRow, LastRow, Mean };
@@ -68,8 +68,8 @@ constexpr Section kSections[] = {
     {kNetHostSet,         "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
     {kNetHostVariables,   "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
     {kNetHostFormulas,    "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
-    {kNetCountingFormulas, "µs",   1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
-    {kLookup,             "ns",    1,    kOursAndByHand, kNoBar,                                   0,      nullptr},
+    {kNetCounting,        "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
+    {kLookup,             "ns",    1,    kCallingByHand, {Judged::EachRow, Engine::MuParser, 2.0}, 0,      nullptr},
     {kLoading,            "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      nullptr},
     {kMemory,             "bytes", 1,    kOnTheHeap,     kNoBar,                                   0,      nullptr},
     {kLongSum,            "ns",    1,    kOurs,          kNoBar,                                   1.5,    nullptr},
