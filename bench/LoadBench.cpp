@@ -2,18 +2,16 @@
 
 #include <malloc.h>
 #include <memory>
+#include <span>
 
 #include "Jobs.h"
 
 // Loading and checking ten thousand stored formulas, and the memory that they take. The first row
 // is a job: each formula is kept. The second is what reading alone costs: one object takes all the
-// texts in turn.
+// texts in turn. Memory is that of kept formulas, short ones and long ones.
 
 namespace bench {
 namespace {
-
-const std::string kKept = "kept, an object for each";
-const std::string kInTurn = "one object for all in turn";
 
 constexpr std::size_t kFormulas = 10000;
 constexpr std::size_t kVariables = 50;
@@ -30,6 +28,11 @@ constexpr Pattern kPatterns[] = {
     {"IF($a>$b,$c*$n,$c*1.15)", "$a>$b ? $c*$n : $c*1.15", "return $a>$b and $c*$n or $c*1.15"},
     {"SUM($a/2,$b*3,MAX($c,$n))-POWER($b,2)*0.25", "sum($a/2,$b*3,max($c,$n))-$b^2*0.25",
      "return $a/2+$b*3+math.max($c,$n)-$b^2*0.25"},
+};
+constexpr Pattern kLongPatterns[] = {
+    {"IF($a>$b,ROUND($a*$b*1.15,2),$c)+SUM($a/2,$b*3)-($c-$n)/12+$a",
+     "($a>$b ? round($a*$b*1.15,2) : $c)+sum($a/2,$b*3)-($c-$n)/12+$a",
+     "return ($a>$b and round($a*$b*1.15,2) or $c)+($a/2+$b*3)-($c-$n)/12+$a"},
 };
 
 struct StoredFormula {
@@ -63,7 +66,7 @@ std::string Filled(const std::string& pattern, const std::array<std::string, 3>&
     return text;
 }
 
-StoredFormula MakeStored(std::size_t number)
+StoredFormula MakeStored(const Pattern& pattern, std::size_t number)
 {
     const std::array<std::size_t, 3> variables = {
         number % kVariables, (number * 7 + 1) % kVariables, (number * 11 + 2) % kVariables};
@@ -74,20 +77,24 @@ StoredFormula MakeStored(std::size_t number)
         encoded[index] = "V(" + names[index] + ")";
     }
     const std::string constant = std::to_string(number) + ".25";
-    const Pattern& pattern = kPatterns[number % std::size(kPatterns)];
     return {"Formula " + std::to_string(number), Filled(pattern.ours, encoded, constant),
             Filled(pattern.muParser, names, constant), Filled(pattern.lua, names, constant),
             variables};
 }
 
-const std::vector<StoredFormula>& StoredFormulas()
+using StoredFormulas = std::vector<StoredFormula>;
+
+StoredFormulas MakeAllStored(std::span<const Pattern> patterns)
 {
-    static const std::vector<StoredFormula> formulas = [] {
-        std::vector<StoredFormula> made;
-        for (std::size_t number = 0; number < kFormulas; ++number)
-            made.push_back(MakeStored(number));
-        return made;
-    }();
+    StoredFormulas formulas;
+    for (std::size_t number = 0; number < kFormulas; ++number)
+        formulas.push_back(MakeStored(patterns[number % patterns.size()], number));
+    return formulas;
+}
+
+const StoredFormulas& ShortFormulas()
+{
+    static const StoredFormulas formulas = MakeAllStored(kPatterns);
     return formulas;
 }
 
@@ -197,6 +204,19 @@ private:
     std::unique_ptr<LuaJob> m_Job;
 };
 
+// Requires of some formulas that they have the values that they have in muParser.
+template <typename Loader, typename MuParser>
+void RequireEqualValues(const StoredFormulas& formulas)
+{
+    Loader loader;
+    MuParser muParser;
+    for (const StoredFormula& stored : std::span(formulas).first(100)) {
+        loader.Take(stored);
+        muParser.Take(stored);
+        RequireEqual(loader.Value(), muParser.Value(), stored.ours);
+    }
+}
+
 template <typename Loader>
 void LoadAll(benchmark::State& state)
 {
@@ -204,13 +224,29 @@ void LoadAll(benchmark::State& state)
         state.PauseTiming();
         auto loader = std::make_unique<Loader>();
         state.ResumeTiming();
-        for (const StoredFormula& stored : StoredFormulas())
+        for (const StoredFormula& stored : ShortFormulas())
             loader->Take(stored);
         state.PauseTiming();
         loader.reset();
         state.ResumeTiming();
     }
     NoteParts(state, kFormulas);
+}
+
+template <typename Loader, typename MuParser>
+void RegisterLoader(ResultTable& table, const char* row, Engine engine)
+{
+    RequireEqualValues<Loader, MuParser>(ShortFormulas());
+    Register(table, kLoading, row, engine, LoadAll<Loader>);
+}
+
+template <typename Ours, typename MuParser, template <Engine> typename Lua>
+void RegisterRow(ResultTable& table, const char* row)
+{
+    RegisterLoader<Ours, MuParser>(table, row, Engine::Ours);
+    RegisterLoader<MuParser, MuParser>(table, row, Engine::MuParser);
+    RegisterLoader<Lua<Engine::Lua>, MuParser>(table, row, Engine::Lua);
+    RegisterLoader<Lua<Engine::LuaJit>, MuParser>(table, row, Engine::LuaJit);
 }
 
 double BytesInUse()
@@ -220,49 +256,32 @@ double BytesInUse()
 }
 
 template <typename Loader>
-double BytesOfEach()
+void NoteMemory(ResultTable& table, const char* row, Engine engine, const StoredFormulas& formulas)
 {
+    RequireEqualValues<Loader, MuParserKept>(formulas);
     Loader loader;
     const double before = BytesInUse();
-    for (const StoredFormula& stored : StoredFormulas())
+    for (const StoredFormula& stored : formulas)
         loader.Take(stored);
-    return (BytesInUse() - before) / kFormulas;
+    table.Note(kMemory, row, engine, (BytesInUse() - before) / kFormulas);
 }
 
-// Registers a loader, after the values of some formulas have been compared with muParser's.
-template <typename Loader, typename MuParser>
-void RegisterLoader(ResultTable& table, const std::string& row, Engine engine)
+// LuaJIT is not there, as it keeps its memory apart from the heap.
+void NoteMemoryRow(ResultTable& table, const char* row, const StoredFormulas& formulas)
 {
-    Loader loader;
-    MuParser muParser;
-    for (std::size_t number = 0; number < 100; ++number) {
-        const StoredFormula& stored = StoredFormulas()[number];
-        loader.Take(stored);
-        muParser.Take(stored);
-        RequireEqual(loader.Value(), muParser.Value(), stored.ours);
-    }
-    Register(table, kLoading, row, engine, LoadAll<Loader>);
-}
-
-template <typename Ours, typename MuParser, template <Engine> typename Lua>
-void RegisterRow(ResultTable& table, const std::string& row)
-{
-    RegisterLoader<Ours, MuParser>(table, row, Engine::Ours);
-    RegisterLoader<MuParser, MuParser>(table, row, Engine::MuParser);
-    RegisterLoader<Lua<Engine::Lua>, MuParser>(table, row, Engine::Lua);
-    RegisterLoader<Lua<Engine::LuaJit>, MuParser>(table, row, Engine::LuaJit);
+    NoteMemory<OurKept>(table, row, Engine::Ours, formulas);
+    NoteMemory<MuParserKept>(table, row, Engine::MuParser, formulas);
+    NoteMemory<LuaKept<Engine::Lua>>(table, row, Engine::Lua, formulas);
 }
 
 } // namespace
 
 void RegisterLoading(ResultTable& table)
 {
-    RegisterRow<OurKept, MuParserKept, LuaKept>(table, kKept);
-    RegisterRow<OurInTurn, MuParserInTurn, LuaInTurn>(table, kInTurn);
-    table.Note(kMemory, kKept, Engine::Ours, BytesOfEach<OurKept>());
-    table.Note(kMemory, kKept, Engine::MuParser, BytesOfEach<MuParserKept>());
-    // LuaJIT keeps its memory apart from the heap.
-    table.Note(kMemory, kKept, Engine::Lua, BytesOfEach<LuaKept<Engine::Lua>>());
+    RegisterRow<OurKept, MuParserKept, LuaKept>(table, "kept, an object for each");
+    RegisterRow<OurInTurn, MuParserInTurn, LuaInTurn>(table, "one object for all in turn");
+    NoteMemoryRow(table, "5 to 26 tokens", ShortFormulas());
+    NoteMemoryRow(table, "40 tokens", MakeAllStored(kLongPatterns));
 }
 
 } // namespace bench

@@ -71,7 +71,7 @@ constexpr Section kSections[] = {
     {kNetCounting,        "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
     {kLookup,             "ns",    1,    kCallingByHand, {Judged::EachRow, Engine::MuParser, 2.0}, 0,      nullptr},
     {kLoading,            "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      nullptr},
-    {kMemory,             "bytes", 1,    kOnTheHeap,     kNoBar,                                   0,      nullptr},
+    {kMemory,             "bytes", 1,    kOnTheHeap,     {Judged::LastRow, std::nullopt, 1200},    0,      nullptr},
     {kLongSum,            "ns",    1,    kOurs,          kNoBar,                                   1.5,    nullptr},
 };
 // clang-format on
