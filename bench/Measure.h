@@ -17,6 +17,8 @@ void RegisterExpressions(ResultTable& table);
 void RegisterNets(ResultTable& table);
 void RegisterLookups(ResultTable& table);
 void RegisterLoading(ResultTable& table);
+// Measures at once, as bytes do not vary.
+void NoteStack(ResultTable& table);
 
 // The body takes a benchmark::State and loops over it. A body that does its work on several things
 // in each turn says how many with NoteParts, and the table then shows the time for one of them.

@@ -72,6 +72,7 @@ constexpr Section kSections[] = {
     {kLookup,             "ns",    1,    kCallingByHand, {Judged::EachRow, Engine::MuParser, 2.0}, 0,      nullptr},
     {kLoading,            "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      nullptr},
     {kMemory,             "bytes", 1,    kOnTheHeap,     {Judged::LastRow, std::nullopt, 1200},    0,      nullptr},
+    {kStack,              "KiB",   1024, kOurs,          {Judged::EachRow, std::nullopt, 512},     0,      nullptr},
     {kLongSum,            "ns",    1,    kOurs,          kNoBar,                                   1.5,    nullptr},
 };
 // clang-format on
