@@ -63,7 +63,7 @@ constexpr Section kSections[] = {
     {kAgainHostSet,       "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 2.5},       0,      kAgain},
     {kAgainHostVariables, "ns",    1,    kToStock,       {Judged::Mean, Engine::Stock, 1.5},       0,      kAgain},
     {kNet,                "µs",    1e3,  kAll,           {Judged::EachRow, Engine::MuParser, 2.0}, 1.5,    nullptr},
-    {kLastLayerInPass,    "µs",    1e3,  kToMuParser,    {Judged::EachRow, Engine::MuParser, 2.5}, 0,      kNet},
+    {kLastLayerInPass,    "µs",    1e3,  kToMuParser,    {Judged::EachRow, Engine::MuParser, 2.5}, 0,      nullptr},
     {kLastLayer,          "µs",    1e3,  kToMuParser,    {Judged::EachRow, Engine::MuParser, 150}, 0,      kLastLayerInPass},
     {kNetHostSet,         "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
     {kNetHostVariables,   "µs",    1e3,  kToStock,       {Judged::EachRow, Engine::Stock, 3.0},    0,      kNet},
