@@ -3,6 +3,10 @@
 
 #include <TovoPlatform/Collections.h>
 
+namespace tovo::detail {
+class ChainMark;
+}
+
 // Where a validation or a calculation went wrong: a message id and the chain of objects that led
 // there, innermost first, each with a line of text.
 //
@@ -31,6 +35,10 @@ public:
     CString GetStr(int index) const;
 
 private:
+    friend class tovo::detail::ChainMark;
+
+    void Append(CObject* object, CString text);
+
     unsigned int m_Error = 0;
     CObArray m_Objects;     // not owned
     CStringArray m_Strings; // entry i belongs to object i

@@ -58,7 +58,7 @@ int BoundWork::CheckFound(Object* object, int kind, const CString& name)
 {
     if (!object) {
         const ReferenceKind& row = kReferenceKinds[kind];
-        m_Expression.m_MessageNum = static_cast<int>(row.notFound);
+        TakeMessage(row.notFound);
         m_Expression.CalcSet().ErrorTracker().SetError(row.notFound, &m_Expression,
                                                        row.missingLabel + name);
         return 0;
@@ -66,7 +66,7 @@ int BoundWork::CheckFound(Object* object, int kind, const CString& name)
     auto message = static_cast<unsigned int>(m_Expression.m_MessageNum);
     if (object->IsValid(message, 1))
         return 1;
-    m_Expression.m_MessageNum = static_cast<int>(message);
+    TakeMessage(message);
     return 0;
 }
 

@@ -40,6 +40,7 @@ public:
             return;
         m_Work.Forget();
         m_Work.m_Expression.m_Tree.Clear();
+        m_Work.m_Expression.m_Tree.m_Msg = MSG_NONE;
         m_Work.m_Expression.m_MessageNum = MSG_NONE;
         m_Work.m_Expression.m_InvalidPos = 0;
     }
@@ -74,9 +75,17 @@ bool BoundWork::MayUsePrograms() const
     return typeid(m_Expression) == typeid(CFmlaExpression);
 }
 
+// Whatever has reached this expression would take the message away again.
+void BoundWork::TakeMessage(unsigned int message)
+{
+    if (IsRemembered())
+        Pass::NoteChange();
+    m_Expression.m_MessageNum = static_cast<int>(message);
+}
+
 int BoundWork::Fail(unsigned int message)
 {
-    m_Expression.m_MessageNum = static_cast<int>(message);
+    TakeMessage(message);
     m_Expression.CalcSet().ErrorTracker().SetError(message, &m_Expression);
     return 0;
 }
@@ -86,8 +95,17 @@ void BoundWork::Forget()
     if (!m_Expression.m_State)
         return;
     ExpressionState& state = *m_Expression.m_State;
+    // Whatever has reached this expression would load it again.
+    if (IsRemembered())
+        Pass::NoteChange();
     state.isLoadedByProgram = false;
     state.checkedIn = state.calculatedIn = state.scannedIn = kNeverInPass;
+}
+
+bool BoundWork::IsRemembered() const
+{
+    const ExpressionState* const state = m_Expression.m_State.get();
+    return state && (Pass::IsLive(state->checkedIn) || Pass::IsLive(state->calculatedIn));
 }
 
 int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
@@ -112,15 +130,14 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
         }
     }
     Throwing throwing(*this);
-    const PassNumber began = Pass::Present();
-    const std::uint64_t turn = ErrorTexts::Turn();
+    const Start start;
     const bool isDone = CheckByProgram(name);
     if (isDone)
         GiveTextOfProgram();
     if (isDone || LoadNamed(name, nested)) {
         throwing.End();
         if (!apart)
-            NoteChecked(name, began, turn);
+            NoteChecked(name, start);
         return 1;
     }
     throwing.End();
@@ -262,6 +279,7 @@ bool BoundWork::CheckByProgram(const CString& name)
     state.isLoadedByProgram = false;
     m_Expression.m_Tree.Clear();
     if (!state.program->Run(state, Program::Purpose::Check, nullptr)) {
+        Forget();
         state.gaveUpIn = Pass::Present();
         return false;
     }
@@ -287,13 +305,12 @@ bool BoundWork::CalculateByProgram(const CString& name)
             return false;
     }
     Throwing throwing(*this);
-    const PassNumber began = Pass::Present();
-    const std::uint64_t turn = ErrorTexts::Turn();
+    const Start start;
     const bool isChecked = CheckByProgram(name);
     throwing.End();
     if (!isChecked)
         return false;
-    NoteChecked(name, began, turn);
+    NoteChecked(name, start);
     entry.reset();
     // The check has calculated all there is, unless something has changed meanwhile.
     return state.calculatedIn == Pass::Present() || WalkByProgram(nullptr);
@@ -314,8 +331,7 @@ bool BoundWork::HasProgramFor(const CString& name)
             state.textWithoutProgram = m_Expression.m_TextVersion;
             return false;
         }
-        if (state.isLoadedByProgram)
-            BuildTreeOfProgram();
+        Forget();
         state.program = std::move(program);
         state.textOfProgram = m_Expression.m_TextVersion;
     }
@@ -382,8 +398,7 @@ int BoundWork::Walk(CScannedVariables* list)
     const UnderWay underWay(state.marks);
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
-    const PassNumber began = Pass::Present();
-    const std::uint64_t turn = ErrorTexts::Turn();
+    const Start start;
     if (state.isLoadedByProgram && RunAsWalk(list)) {
         GiveTextOfProgram();
     } else {
@@ -391,21 +406,21 @@ int BoundWork::Walk(CScannedVariables* list)
             BuildTreeOfProgram();
         if (!m_Expression.m_Tree.Calculate(list)) {
             m_Expression.m_MessageNum = static_cast<int>(m_Expression.m_Tree.GetMsg());
+            Forget();
             return 0;
         }
     }
-    NoteCalculated(list, began, turn);
+    NoteCalculated(list, start);
     return 1;
 }
 
 bool BoundWork::WalkByProgram(CScannedVariables* list)
 {
     const UnderWay underWay(State().marks);
-    const PassNumber began = Pass::Present();
-    const std::uint64_t turn = ErrorTexts::Turn();
+    const Start start;
     if (!RunAsWalk(list))
         return false;
-    NoteCalculated(list, began, turn);
+    NoteCalculated(list, start);
     return true;
 }
 
@@ -443,30 +458,34 @@ void BoundWork::NoteLoaded()
     m_Expression.m_ScanPos = m_Expression.m_ExprText.GetLength();
 }
 
-void BoundWork::NoteChecked(const CString& name, PassNumber began, std::uint64_t turn)
+void BoundWork::NoteChecked(const CString& name, const Start& start)
 {
-    KeepTexts(turn);
-    if (Pass::Present() != began || !Pass::IsRemembering())
+    KeepTexts(start);
+    if (Pass::Present() != start.pass || !Pass::IsRemembering())
         return;
     ExpressionState& state = State();
-    state.checkedIn = began;
+    state.checkedIn = start.pass;
     state.checkedName = name;
+    state.value = m_Expression.GetValue();
     if (!EndsWithObject())
-        state.calculatedIn = began;
+        state.calculatedIn = start.pass;
 }
 
-void BoundWork::NoteCalculated(CScannedVariables* list, PassNumber began, std::uint64_t turn)
+void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start)
 {
-    KeepTexts(turn);
-    if (Pass::Present() != began || !Pass::IsRemembering())
-        return;
+    KeepTexts(start);
     ExpressionState& state = State();
-    state.calculatedIn = began;
-    if (!list)
+    // What is walked without a check may be an older text. Whoever came back to the expression
+    // meanwhile has left a message, which a check takes away.
+    if (Pass::Present() != start.pass || state.checkedIn != start.pass || m_Expression.m_MessageNum)
+        return;
+    state.calculatedIn = start.pass;
+    state.value = m_Expression.GetValue();
+    if (!list || Pass::Scan() != start.scan)
         return;
     const bool wasInCondition = state.isScannedInCondition && IsScanOf(state, *list);
     state.isScannedInCondition = wasInCondition || CExprTree::InIfCondition();
-    state.scannedIn = began;
+    state.scannedIn = start.pass;
     state.scan = Pass::Scan();
     state.scannedList = list->m_Id;
 }
@@ -502,14 +521,14 @@ void BoundWork::GiveTextOfProgram()
 }
 
 // Takes down what the same, done again, would leave as texts.
-void BoundWork::KeepTexts(std::uint64_t turn)
+void BoundWork::KeepTexts(const Start& start)
 {
     ExpressionState& state = State();
     if (state.isLoadedByProgram && !state.program->EndsWithObject())
         state.leftText = state.program->LeftText();
     else
         state.leftText = EndsWithTable() ? 0 : ErrorTexts::LastOf(state.calcSet);
-    std::vector<LeftText> elsewhere = ErrorTexts::GivenElsewhere(state.calcSet, turn);
+    std::vector<LeftText> elsewhere = ErrorTexts::GivenElsewhere(state.calcSet, start.turn);
     if (elsewhere.empty())
         state.leftElsewhere.reset();
     else

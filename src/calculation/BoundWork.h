@@ -39,10 +39,18 @@ public:
     void Forget();
 
     int Fail(unsigned int message);
+    void TakeMessage(unsigned int message);
     ExpressionState& State();
 
 private:
     class Throwing;
+
+    // How things were when an operation began.
+    struct Start {
+        PassNumber pass = Pass::Present();
+        std::uint64_t scan = Pass::Scan();
+        std::uint64_t turn = ErrorTexts::Turn();
+    };
 
     bool MayUsePrograms() const;
     int ValidateAfresh(unsigned int& message, const CString& name, int nested);
@@ -63,9 +71,10 @@ private:
     bool IsChecked(const CString& name) const;
     bool IsCalculated(CScannedVariables* list) const;
     void NoteLoaded();
-    void NoteChecked(const CString& name, PassNumber began, std::uint64_t turn);
-    void NoteCalculated(CScannedVariables* list, PassNumber began, std::uint64_t turn);
-    void KeepTexts(std::uint64_t turn);
+    void NoteChecked(const CString& name, const Start& start);
+    void NoteCalculated(CScannedVariables* list, const Start& start);
+    void KeepTexts(const Start& start);
+    bool IsRemembered() const;
     void LeaveTexts();
     bool EndsWithObject() const;
     bool EndsWithTable() const;

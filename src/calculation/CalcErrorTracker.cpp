@@ -1,9 +1,13 @@
 #include <TovoFormula/CalcErrorTracker.h>
 
+#include <algorithm>
+
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/ExprToken.h>
 #include <TovoFormula/FmlaExpression.h>
 #include <TovoFormula/FormtblElem.h>
+
+#include "../expression_core/ChainMark.h"
 
 namespace {
 
@@ -26,6 +30,29 @@ CString Describe(CObject* object)
 
 } // namespace
 
+namespace tovo::detail {
+
+ChainMark::~ChainMark()
+{
+    innermost = m_Outer;
+    if (m_Outer)
+        m_Outer->m_Grown.insert(m_Outer->m_Grown.end(), m_Grown.begin(), m_Grown.end());
+}
+
+void ChainMark::TakeBack()
+{
+    for (; !m_Grown.empty(); m_Grown.pop_back()) {
+        CCalcErrorTracker& tracker = *m_Grown.back().tracker;
+        const int length = std::min(m_Grown.back().length, tracker.NumObjs());
+        tracker.m_Objects.SetSize(length);
+        tracker.m_Strings.SetSize(length);
+    }
+}
+
+} // namespace tovo::detail
+
+using tovo::detail::ChainMark;
+
 CCalcErrorTracker::CCalcErrorTracker() = default;
 
 CCalcErrorTracker::~CCalcErrorTracker() = default;
@@ -35,7 +62,7 @@ void CCalcErrorTracker::SetError(unsigned int error, CObject* object, CString te
     m_Error = error;
     m_Objects.RemoveAll();
     m_Strings.RemoveAll();
-    AddObj(object, std::move(text));
+    Append(object, std::move(text));
 }
 
 void CCalcErrorTracker::SetError(unsigned int error, CObject* object)
@@ -44,6 +71,12 @@ void CCalcErrorTracker::SetError(unsigned int error, CObject* object)
 }
 
 void CCalcErrorTracker::AddObj(CObject* object, CString text)
+{
+    ChainMark::NoteGrowing(*this, NumObjs());
+    Append(object, std::move(text));
+}
+
+void CCalcErrorTracker::Append(CObject* object, CString text)
 {
     m_Strings.Add(text.IsEmpty() ? Describe(object) : text);
     m_Objects.Add(object);

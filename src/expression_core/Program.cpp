@@ -7,6 +7,7 @@
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/ExprTree.h>
 
+#include "ChainMark.h"
 #include "Computation.h"
 #include "JobValues.h"
 #include "Names.h"
@@ -25,36 +26,21 @@ bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* li
 {
     assert(state.marks > 0 || m_CallsNothing || m_Bindings.empty() || m_StockLookup);
     assert((purpose == Purpose::Scan) == (list != nullptr));
-    if (!m_Bindings.empty() && !Bind(state, purpose))
+    const bool isBound = m_IsBound && m_StockLookup && IsBoundStill();
+    if (!isBound && !m_Bindings.empty() && !BindAll(state))
         return false;
     m_LeftText = 0;
     switch (purpose) {
     case Purpose::Check:
-        return Execute<Purpose::Check>(state, list);
+        return m_HasHostVariables ? Execute<Purpose::Check, true>(state, list)
+                                  : Execute<Purpose::Check, false>(state, list);
     case Purpose::Calculate:
-        return Execute<Purpose::Calculate>(state, list);
+        return m_HasHostVariables ? Execute<Purpose::Calculate, true>(state, list)
+                                  : Execute<Purpose::Calculate, false>(state, list);
     case Purpose::Scan:
-        return Execute<Purpose::Scan>(state, list);
+        return Execute<Purpose::Scan, true>(state, list);
     }
     return false;
-}
-
-// A set that finds names elsewhere than in its entries is asked for each name in each run.
-bool Program::Bind(ExpressionState& state, Purpose purpose)
-{
-    const bool isBound = m_IsBound && m_StockLookup && IsBoundStill();
-    if (!isBound && !BindAll(state))
-        return false;
-    if (!m_HasHostVariables)
-        return true;
-    // Only those that a calculation reaches are to be read.
-    if (purpose != Purpose::Check && m_HasBranches)
-        return false;
-    const PassNumber began = Pass::Present();
-    for (Binding& binding : m_Bindings)
-        if (binding.kind == TOK_VARIABLE && binding.isHost)
-            binding.value = binding.variable->GetValue();
-    return Pass::Present() == began;
 }
 
 bool Program::IsBoundStill() const
@@ -62,6 +48,7 @@ bool Program::IsBoundStill() const
     return !m_StockLookup || ObjectCalls::LookupStateOf(*m_StockLookup) == m_BoundIn;
 }
 
+// A set that finds names elsewhere than in its entries is asked for each name in each run.
 bool Program::BindAll(ExpressionState& state)
 {
     m_HasHostVariables = false;
@@ -73,7 +60,7 @@ bool Program::BindAll(ExpressionState& state)
         if (binding.name.IsEmpty())
             binding.name = NameAt(m_Places[binding.place]);
         isWhole = WithObject(state.calcSet, binding.kind, binding.name, [&](auto* object) {
-            return object && BindTo(binding, object, hasMoved);
+            return object && BindTo(state, binding, object, hasMoved);
         });
         if (!isWhole)
             return false;
@@ -88,7 +75,7 @@ bool Program::BindAll(ExpressionState& state)
     return true;
 }
 
-bool Program::BindTo(Binding& binding, IVarObj* variable, bool& hasMoved)
+bool Program::BindTo(ExpressionState&, Binding& binding, IVarObj* variable, bool& hasMoved)
 {
     const double* const value = ObjectCalls::ValueOf(*variable);
     hasMoved = hasMoved || binding.variable != variable || binding.isHost != !value;
@@ -98,16 +85,17 @@ bool Program::BindTo(Binding& binding, IVarObj* variable, bool& hasMoved)
     return true;
 }
 
-bool Program::BindTo(Binding& binding, IFormulaObj* formula, bool&)
+bool Program::BindTo(ExpressionState& state, Binding& binding, IFormulaObj* formula, bool&)
 {
     binding.formula = formula;
     binding.state = ObjectCalls::StateOf(*formula, binding.isHost);
     if (m_LastCode == TOK_FORMULA && binding.isHost)
         m_EndsWithHostFormula = true;
-    return true;
+    // The tokens of another set's formula give their texts to that set.
+    return binding.isHost || &binding.state->calcSet == &state.calcSet;
 }
 
-bool Program::BindTo(Binding& binding, IFormulaTableObj* table, bool&)
+bool Program::BindTo(ExpressionState&, Binding& binding, IFormulaTableObj* table, bool&)
 {
     binding.table = table;
     return true;
@@ -126,7 +114,7 @@ void Program::TakeAddresses()
 }
 
 // The number on top of the stack is kept apart from the others.
-template <Program::Purpose kPurpose>
+template <Program::Purpose kPurpose, bool kReadsHost>
 bool Program::Execute(ExpressionState& state, CScannedVariables* list)
 {
     std::array<double, kStackAtHand + kSpareOfStack> atHand;
@@ -135,11 +123,9 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
     const Instruction* at = m_Code.data();
     const Instruction* const end = at + m_Code.size();
     for (; at != end; ++at) {
-        if constexpr (kPurpose == Purpose::Scan)
-            if (ReadsVariable(at->operation)) {
-                const Binding& binding = m_Bindings[at->index];
-                RecordVariable(*list, binding.name, *binding.variable);
-            }
+        if constexpr (kReadsHost)
+            if (ReadsVariable(at->operation) && !ReadVariable(m_Bindings[at->index], list))
+                return false;
         switch (at->operation) {
         case Operation::Number:
             *stack++ = top;
@@ -260,6 +246,17 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
     return true;
 }
 
+// What is done with a variable before its value is taken from where it stands.
+bool Program::ReadVariable(Binding& binding, CScannedVariables* list)
+{
+    if (list)
+        RecordVariable(*list, binding.name, *binding.variable);
+    if (!binding.isHost)
+        return true;
+    binding.value = binding.variable->GetValue();
+    return IsBoundStill();
+}
+
 // The other arguments stand on the stack, the last one is the value.
 bool Program::Compute(ICalculationSet& calcSet, const Instruction& instruction,
                       std::span<double> others, double& value)
@@ -283,8 +280,6 @@ bool Program::Compute(ICalculationSet& calcSet, const Instruction& instruction,
 bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
                           CScannedVariables* list, double& value)
 {
-    if (!binding.isHost && &binding.state->calcSet != &state.calcSet)
-        return false;
     if (!binding.isHost && purpose != Purpose::Scan) {
         if (!ObjectCalls::CalculateByProgram(*binding.state, binding.name))
             return false;
@@ -296,19 +291,24 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
     return CallObject(state, *binding.formula, purpose, list, value);
 }
 
-// Asks as the tree does. An object that fails reports that, and once more when the tree asks.
+// Asks as the tree does. An object that fails reports that when the tree asks it once more.
 template <typename Object>
 bool Program::CallObject(ExpressionState& state, Object& object, Purpose purpose,
                          CScannedVariables* list, double& value)
 {
+    ChainMark chain;
     unsigned int message = MSG_NONE;
-    if (purpose == Purpose::Check && !object.IsValid(message, 1))
+    bool isCalculated = purpose != Purpose::Check || object.IsValid(message, 1);
+    if (isCalculated) {
+        // What the object leaves as a text may be the last one.
+        if (EndsWithObject())
+            ErrorTexts::Give(state.calcSet, 0);
+        isCalculated = object.Calculate(message, list);
+    }
+    if (!isCalculated) {
+        chain.TakeBack();
         return false;
-    // What the object leaves as a text may be the last one.
-    if (EndsWithObject())
-        ErrorTexts::Give(state.calcSet, 0);
-    if (!object.Calculate(message, list))
-        return false;
+    }
     value = object.GetValue();
     return IsBoundStill();
 }

@@ -135,15 +135,15 @@ private:
         bool isHost = false;
     };
 
-    bool Bind(ExpressionState& state, Purpose purpose);
     bool BindAll(ExpressionState& state);
-    bool BindTo(Binding& binding, IVarObj* variable, bool& hasMoved);
-    bool BindTo(Binding& binding, IFormulaObj* formula, bool&);
-    bool BindTo(Binding& binding, IFormulaTableObj* table, bool&);
+    bool BindTo(ExpressionState&, Binding& binding, IVarObj* variable, bool& hasMoved);
+    bool BindTo(ExpressionState& state, Binding& binding, IFormulaObj* formula, bool&);
+    bool BindTo(ExpressionState&, Binding& binding, IFormulaTableObj* table, bool&);
     bool IsBoundStill() const;
     void TakeAddresses();
-    template <Purpose kPurpose>
+    template <Purpose kPurpose, bool kReadsHost>
     bool Execute(ExpressionState& state, CScannedVariables* list);
+    bool ReadVariable(Binding& binding, CScannedVariables* list);
     bool Compute(ICalculationSet& calcSet, const Instruction& instruction,
                  std::span<double> others, double& value);
     bool CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
@@ -164,7 +164,6 @@ private:
     std::uint8_t m_Kind = RT_NUMERIC;
     std::uint8_t m_LastCode = TOK_ILLEGAL; // of the root
     bool m_IsBound = false;
-    bool m_HasBranches = false;
     bool m_HasHostVariables = false;
     bool m_HasNested = false;
     bool m_HasJobValues = false;

@@ -295,7 +295,6 @@ void ProgramBuilder::WriteBranch(Open& open, bool isLast)
         open.branch = next;
         Write(Operation::IfBranchEnds);
     }
-    m_Program->m_HasBranches = true;
 }
 
 void ProgramBuilder::Write(Operation operation, std::uint32_t index, std::uint16_t count)

@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstdint>
 #include <limits>
+#include <optional>
 
 #include <TovoFormula/CalcErrorTracker.h>
 #include <TovoFormula/ExprTree.h>
@@ -98,6 +99,10 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
         return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
     if (underWay.IsTooDeep())
         return FailOnTable(MSG_GENERAL_FAILURE, message);
+    // What was remembered may rest on the table's having answered from its value.
+    std::optional<PassApart> apart;
+    if (m_Calculated)
+        apart.emplace();
     if (!CalculateSelectors(message, list))
         return 0;
 
