@@ -36,6 +36,7 @@ public:
             work += m_Expression.GetTextStr().GetLength();
             m_Expression.SetInvalidPos(kMark);
             m_Before = test::Whole(m_Expression);
+            m_PointersBefore = m_Expression.GetPtrStr();
             Act();
             RequireSoundTable(m_Expression);
             Require(Written() == Expected(), "text and table as the model has them",
@@ -96,10 +97,31 @@ private:
         Characters inserted;
         for (const WCHAR character : text.View())
             inserted.push_back({character, reference});
+        const Characters before = m_Model;
         const auto size = static_cast<int>(m_Model.size());
         m_Model.insert(m_Model.begin() + std::min(pos, size), inserted.begin(), inserted.end());
         const auto limit = static_cast<std::size_t>(m_Expression.GetExprTextLimit());
-        m_Model.resize(std::min(m_Model.size(), limit));
+        bool isReferenceCut = false;
+        for (; m_Model.size() > limit; m_Model.pop_back()) {
+            Require(m_Model.back().character == u' ', "only blanks that the limit cuts", m_Before);
+            isReferenceCut = isReferenceCut || m_Model.back().reference >= 0;
+        }
+        if (isReferenceCut)
+            TakeBack(before);
+    }
+    // The model has no references that reach behind the text; the fuzzer of reference tables does.
+    void TakeBack(const Characters& before)
+    {
+        Require(m_Expression.GetTextStr() == TextOf(m_Model), "a text cut to the limit", m_Before);
+        m_Model = before;
+        m_Expression.SetExpr(TextOf(m_Model), m_PointersBefore);
+    }
+    static CString TextOf(const Characters& characters)
+    {
+        WideText text;
+        for (const Character& character : characters)
+            text += character.character;
+        return CString(text);
     }
     void Delete()
     {
@@ -221,6 +243,7 @@ private:
     Characters m_Model;
     std::vector<int> m_Kinds; // by the number of the reference
     std::string m_Before;
+    CString m_PointersBefore;
 };
 
 } // namespace

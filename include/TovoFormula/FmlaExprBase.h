@@ -135,6 +135,9 @@ public:
     // are a pos that is negative, inside a reference, or at or behind the text limit; a text for
     // which the limit leaves no room, where trailing blanks take none; and one that would push a
     // reference beyond what its 16-bit word holds.
+    // The blank that a last reference ends in is a trailing one as well. Where the limit cuts it
+    // off, the reference keeps its length and reaches beyond the text by one, and the next text
+    // that is inserted at its end brings the blank back.
     int InsertString(const CString& text, int pos);
     // Deletes the characters between the gaps start and end; start == end, or start behind end,
     // acts as the Delete key at end. Refused if a gap is negative or inside a reference, or start

@@ -51,6 +51,19 @@ bool FitsWord(int value)
     return value >= 0 && value <= kMaxWord;
 }
 
+// How many blanks a text is short of for the references that begin in it and end at the position or
+// before: the limit may have cut them off. Without them a text inserted at the end of such a
+// reference would become part of its name.
+int BlanksMissingBefore(const CFmlaExprBase& expression, int pos)
+{
+    const int length = expression.GetTextStr().GetLength();
+    int end = length;
+    for (int index = 0; index < expression.NumVars(); ++index)
+        if (expression.VarPos(index) < length && expression.VarEndPos(index) <= pos)
+            end = std::max(end, expression.VarEndPos(index));
+    return end - length;
+}
+
 } // namespace
 
 int CFmlaExprBase::InsertString(const CString& text, int pos)
@@ -58,9 +71,7 @@ int CFmlaExprBase::InsertString(const CString& text, int pos)
     if (pos < 0 || pos >= m_ExprTextLimit || InVar(pos, nullptr))
         return 0;
     const int inserted = text.GetLength();
-    const int referenceEnd = std::min(VarEndPos(NumVars() - 1), m_ExprText.GetLength());
-    const int taken = std::max(LengthWithoutTrailingBlanks(m_ExprText), referenceEnd);
-    const int room = m_ExprTextLimit - std::max(pos, taken);
+    const int room = m_ExprTextLimit - std::max(pos, LengthWithoutTrailingBlanks(m_ExprText));
     if (inserted > room)
         return 0;
     const int last = NumVars() - 1;
@@ -68,6 +79,8 @@ int CFmlaExprBase::InsertString(const CString& text, int pos)
         return 0;
 
     NoteTextChange();
+    if (inserted > 0)
+        m_ExprText += CString(kBlank, BlanksMissingBefore(*this, pos));
     m_ExprText.Insert(pos, text);
     m_ExprText = m_ExprText.Left(m_ExprTextLimit);
     m_InvalidPos = -1;

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <functional>
+#include <iterator>
 #include <random>
 #include <string>
 
@@ -233,7 +235,6 @@ TEST_F(Editing, TrailingBlanksTakeNoRoom)
         {"12345     ", 3, "abcdef", "ab", "123ab45   "},
         {"12345     ", 7, "abcd", "abc", "12345  abc"},
         {"1234567890  ", 0, "a", "", "1234567890"},
-        {"1234567V(a)", 0, "x", "", "1234567V(a)"}, // the blank that a reference ends in stays
         {"V(a)  12    ", 3, "abcd", "abc", "V(a)abc  12"},
         {"12345\t\t\t\t", 0, "ab", "a", "a12345\t\t\t\t"},
     };
@@ -254,6 +255,65 @@ TEST_F(Editing, TrailingBlanksTakeNoRoom)
     m_Expression.SetExprTextLimit(4);
     EXPECT_EQ(m_Expression.InsertString("3", 0), 1);
     EXPECT_EQ(Whole(m_Expression), "31+2[3,40000,1,]");
+}
+
+TEST_F(Editing, LimitCutsTheBlankOfALastReferenceButNotTheReference)
+{
+    const char* const kCut = "x1234567 a[8,3,0,]";
+    const auto cut = [this](int limit) {
+        Start("1234567V(a)", 10);
+        ExpectRefused(m_Expression.InsertString("xy", 0));
+        EXPECT_EQ(m_Expression.InsertString("x", 0), 1);
+        Mark(limit);
+    };
+    cut(10);
+    EXPECT_EQ(Whole(m_Expression), kCut);
+    EXPECT_EQ(m_Expression.GetEncodedString().ToUtf8(), "x1234567V(a)");
+    EXPECT_EQ(m_Expression.VarName(0).ToUtf8(), "a");
+    m_Expression.TranslateText(TL_ENGLISH);
+    EXPECT_EQ(Whole(m_Expression), kCut);
+    EXPECT_EQ(At(8) + At(9) + At(10) + At(11), "L0I0I0");
+    EXPECT_EQ(m_Expression.FixPos(10, FD_LEFT), 8);
+    for (const int pos : {0, 8, 9, 10})
+        ExpectRefused(m_Expression.InsertString("y", pos));
+    ExpectRefused(Delete(0, 11));
+    ExpectDone("x1234567", Delete(8, 8, 1));
+
+    // With room again the reference's end stands behind the text, and what is put there does not
+    // become part of the name.
+    const struct {
+        std::function<int()> edit;
+        const char* edited; // null for a refusal
+    } rows[] = {
+        {[&] { return m_Expression.InsertString("+1", 11); }, "x1234567 a +1[8,3,0,]"},
+        {[&] { return m_Expression.InsertString("+", 13); }, "x1234567 a +[8,3,0,]"},
+        {[&] { return m_Expression.InsertString("", 13); }, kCut},
+        {[&] { return m_Expression.InsertFormula("b", 11); }, "x1234567 a  b [8,3,0,11,3,1,]"},
+        {[&] { return m_Expression.InsertFormula("b", 8); }, "x1234567 b  a[8,3,1,11,3,0,]"},
+        {[&] { return m_Expression.InsertString("1", 10); }, nullptr},
+        {[&] { return m_Expression.InsertFormula("b", 10); }, nullptr},
+        {[&] { return m_Expression.InsVarPtrs(10, 3, 1); }, nullptr},
+        {[&] { return Delete(8, 10); }, nullptr},
+        {[&] { return Delete(7, 11); }, "x123456[]"},
+        {[&] { return Delete(0, 3); }, "34567 a[5,3,0,]"},
+        {[&] { return Delete(11, 11); }, kCut},
+    };
+    for (std::size_t row = 0; row < std::size(rows); ++row) {
+        SCOPED_TRACE(row);
+        cut(14);
+        EXPECT_EQ(At(10) + At(11), "I0R0");
+        const int answer = rows[row].edit();
+        if (!rows[row].edited) {
+            ExpectRefused(answer);
+            continue;
+        }
+        EXPECT_EQ(answer, 1);
+        EXPECT_EQ(Whole(m_Expression), rows[row].edited);
+    }
+    // An entry wholly behind the text, as a host may load one, brings no blanks.
+    m_Expression.SetExpr("1+2", "8,3,0,");
+    EXPECT_EQ(m_Expression.InsertString("3", 11), 1);
+    EXPECT_EQ(Whole(m_Expression), "1+23[8,3,0,]");
 }
 
 TEST_F(Editing, EntryOfNoLengthIsAbsent)
@@ -322,7 +382,8 @@ void CheckNamedReferences(const CFmlaExprBase& expression)
     int end = 0;
     for (int i = 0; i < expression.NumVars(); ++i) {
         const int number = std::atoi(expression.VarName(i).Mid(1).ToUtf8().c_str());
-        EXPECT_EQ(expression.VarText(i).ToUtf8(), ' ' + NameOf(number) + ' ');
+        const bool lacksBlank = expression.VarEndPos(i) == expression.GetTextStr().GetLength() + 1;
+        EXPECT_EQ(expression.VarText(i).ToUtf8(), ' ' + NameOf(number) + (lacksBlank ? "" : " "));
         EXPECT_EQ(expression.VarType(i), number % 3);
         EXPECT_GE(expression.VarPos(i), end);
         end = expression.VarEndPos(i);
@@ -336,12 +397,24 @@ TEST_F(Editing, RandomEditsKeepTextAndTableInStep)
     static constexpr const char* kTexts[] = {"1", "+", " ", "(", ")", "V(", "IF", "      ", ""};
     std::mt19937 random(20240229);
     const auto below = [&random](int count) { return static_cast<int>(random() % 1000) % count; };
+    int cuts = 0; // how often the limit cut a blank off a reference
     for (int step = 0; step < 3000 && !HasFailure(); ++step) {
         const std::string before = Whole(m_Expression);
         SCOPED_TRACE(before);
         CString text = m_Expression.GetTextStr();
-        const int pos = below(text.GetLength() + 2) - 1;
-        const int end = below(3) == 0 ? below(text.GetLength() + 2) - 1 : pos;
+        const int lastEnd = m_Expression.VarEndPos(m_Expression.NumVars() - 1);
+        const int pos = below(std::max(text.GetLength(), lastEnd) + 2) - 1;
+        const int limit = step % 600 < 300 ? kDefaultTextLimit : 60;
+        m_Expression.SetExprTextLimit(limit);
+        const int end = std::min(below(3) == 0 ? below(text.GetLength() + 2) - 1 : pos, limit);
+        const auto insert = [&](const CString& inserted) {
+            const bool lacksBlank = lastEnd == text.GetLength() + 1;
+            if (lacksBlank && pos >= lastEnd && !inserted.IsEmpty())
+                text += u' ';
+            text.Insert(pos, inserted);
+            text = text.Left(limit);
+            cuts += m_Expression.VarEndPos(m_Expression.NumVars() - 1) > text.GetLength() ? 1 : 0;
+        };
         const CString name(NameOf(step));
         const CString literal = kTexts[below(9)];
         const int edit = below(5);
@@ -353,10 +426,10 @@ TEST_F(Editing, RandomEditsKeepTextAndTableInStep)
             text.Delete(std::min(pos, end), pos < end ? end - pos : key);
         } else if (edit < 3) {
             answer = m_Expression.InsertString(literal, pos);
-            text.Insert(pos, literal);
+            insert(literal);
         } else {
             answer = m_Expression.InsertVariable(name, pos, step % 3);
-            text.Insert(pos, " " + name + " ");
+            insert(" " + name + " ");
         }
         EXPECT_TRUE(answer != 0 ? m_Expression.GetTextStr() == text : Whole(m_Expression) == before)
             << edit << " from " << pos << " to " << end << ": " << Whole(m_Expression);
@@ -364,6 +437,7 @@ TEST_F(Editing, RandomEditsKeepTextAndTableInStep)
         const std::string encoded = m_Expression.GetEncodedString().ToUtf8();
         EXPECT_EQ(Read(encoded).GetEncodedString().ToUtf8(), encoded);
     }
+    EXPECT_GT(cuts, 10);
 }
 
 } // namespace

@@ -40,6 +40,8 @@ TEST(Rtf, EveryStretchIsARunOfItsOwn)
         {"2 *  Width + 3", "4,7,0",
          R"(\plain\f0\fs14\cf0\b 2 * \plain\f0\fs14\cf1\b\ul  Width \plain\f0\fs14\cf0\b + 3)"},
         {" Base Cost ", "0,11,1", R"(\plain\f0\fs14\cf2\b\ul  Base Cost )"},
+        {"1+ a", "2,3,0",
+         R"(\plain\f0\fs14\cf0\b 1+\plain\f0\fs14\cf1\b\ul  a)"}, // its blank was cut
         {" T ", "0,3,2", R"(\plain\f0\fs14\cf3\b\ul  T )"},
         // An unknown kind looks like a variable.
         {" a ", "0,3,3", R"(\plain\f0\fs14\cf1\b\ul  a )"},
