@@ -1,11 +1,12 @@
 #include <TovoFormula/ScannedVariables.h>
 
+#include "../expression_text/ReferenceTable.h"
+
 namespace {
 
-CString Trimmed(CString name)
+CString ListedName(const CString& name)
 {
-    name.TrimRight();
-    return name;
+    return name.Left(static_cast<int>(tovo::detail::WithoutTrailingBlanks(name.View()).size()));
 }
 
 std::uint64_t NextId()
@@ -32,12 +33,12 @@ CScannedVariables::~CScannedVariables()
 
 int CScannedVariables::Find(const CString& name) const
 {
-    return m_VariableList->Find(Trimmed(name)) ? 1 : 0;
+    return m_VariableList->Find(ListedName(name)) ? 1 : 0;
 }
 
 void CScannedVariables::AddTail(const CString& name)
 {
-    m_VariableList->AddTail(Trimmed(name));
+    m_VariableList->AddTail(ListedName(name));
 }
 
 void CScannedVariables::init()

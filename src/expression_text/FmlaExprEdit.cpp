@@ -40,12 +40,6 @@ Verdict JudgeRightEdge(const Reference& reference, int pos)
     return JudgeEdge(reference.End(), pos);
 }
 
-int LengthWithoutTrailingBlanks(const CString& text)
-{
-    const std::size_t last = text.View().find_last_not_of(kBlank);
-    return last == WideView::npos ? 0 : static_cast<int>(last) + 1;
-}
-
 bool FitsWord(int value)
 {
     return value >= 0 && value <= kMaxWord;
@@ -71,7 +65,8 @@ int CFmlaExprBase::InsertString(const CString& text, int pos)
     if (pos < 0 || pos >= m_ExprTextLimit || InVar(pos, nullptr))
         return 0;
     const int inserted = text.GetLength();
-    const int room = m_ExprTextLimit - std::max(pos, LengthWithoutTrailingBlanks(m_ExprText));
+    const auto taken = static_cast<int>(WithoutTrailingBlanks(m_ExprText.View()).size());
+    const int room = m_ExprTextLimit - std::max(pos, taken);
     if (inserted > room)
         return 0;
     const int last = NumVars() - 1;

@@ -54,6 +54,12 @@ inline void AppendReference(CWordArray& words, const Reference& reference)
         words.Add(static_cast<WORD>(word));
 }
 
+// The text without the blanks at its end. Other white space there stays: it is part of a name.
+inline WideView WithoutTrailingBlanks(WideView text)
+{
+    return text.substr(0, text.find_last_not_of(u' ') + 1);
+}
+
 // A new name for the references of one kind that bear the old one. Refers to both names.
 struct Renaming {
     int kind;

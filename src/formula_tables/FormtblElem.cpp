@@ -207,7 +207,8 @@ void CFormtblElem::GetVariables(CScannedVariables& list, int all, int clear)
 {
     const int kind = KindOfLetter(m_Type);
     if (kind == TOK_VARIABLE)
-        AddOnce(list, m_Name);
+        // The list itself takes off blanks alone.
+        AddOnce(list, CString(tovo::TrimmedRight(m_Name.View())));
     else if (IsNestedKind(kind))
         WithNested(CalcSet(), kind, m_Name, [&](auto* object) {
             if (object)

@@ -202,6 +202,30 @@ TEST_F(Scan, CallersListCountsAsMet)
     EXPECT_EQ(InCondition(), "XY") << "X was met before, so its flag can only rise";
 }
 
+TEST_F(Scan, ListTakesBlanksOffTheEndAndNoOtherWhiteSpace)
+{
+    const struct {
+        const char* name;
+        const char* listed;
+    } rows[] = {
+        {"X", "X"},       {"X  ", "X"},   {"X\t", "X\t"},         {"X\t ", "X\t"},
+        {"X \t", "X \t"}, {"X\n", "X\n"}, {"X\u00A0", "X\u00A0"}, {"  ", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        CScannedVariables scanned;
+        scanned.AddTail(row.name);
+        EXPECT_EQ(Names(scanned), row.listed);
+        EXPECT_EQ(scanned.Find(row.name), 1);
+        EXPECT_EQ(scanned.Find("X"), std::string(row.listed) == "X");
+
+        FormulaImpl& formula = Formula("Top", CFmlaExprBase::EncodeVariable(row.name, 0));
+        EXPECT_EQ(MessageOfCheck(formula, 0), 0u);
+        for (const int all : {0, 1})
+            EXPECT_EQ(ScanOf(formula.GetExpression(), all, 0), row.listed);
+    }
+}
+
 } // namespace
 
 } // namespace tovo::test

@@ -138,7 +138,7 @@ TEST_F(Element, CalculationRecordsWhatItMeets)
     EXPECT_EQ(Names(scanned), "Rate x");
 
     CScannedVariables walked;
-    for (const char* combined : {"VRate  ", "VRate", "FArea", "FGone", "1000"}) {
+    for (const char* combined : {"VRate \t ", "VRate  ", "VRate", "FArea", "FGone", "1000"}) {
         m_Element.init(combined);
         m_Element.GetVariables(walked, 1, 0);
     }
