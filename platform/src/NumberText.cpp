@@ -84,6 +84,13 @@ std::int64_t ReadWhole(WideView text, std::int64_t limit)
     return CharacterAt(text, 0) == '-' ? -value : value;
 }
 
+// What begins at the place in a number text, if it is an exponent; else 0.
+std::int64_t ExponentAt(WideView text, std::size_t at)
+{
+    const bool isExponent = CharacterAt(text, at) == 'e' || CharacterAt(text, at) == 'E';
+    return isExponent ? ReadWhole(text.substr(at + 1), kExponentLimit) : 0;
+}
+
 // A positive number d.ddd times ten to the order. No digits mean zero.
 struct Decimal {
     std::string digits; // without zeros in front
@@ -105,9 +112,8 @@ Decimal ReadDecimal(WideView text, WCHAR decimalSeparator)
 
     const std::size_t zeros = std::min(number.digits.find_first_not_of('0'), number.digits.size());
     number.digits.erase(0, zeros);
-    number.order = static_cast<std::int64_t>(wholeEnd) - static_cast<std::int64_t>(zeros) - 1;
-    if (CharacterAt(text, end) == 'e' || CharacterAt(text, end) == 'E')
-        number.order += ReadWhole(text.substr(end + 1), kExponentLimit);
+    number.order = static_cast<std::int64_t>(wholeEnd) - static_cast<std::int64_t>(zeros) - 1 +
+                   ExponentAt(text, end);
     return number;
 }
 
@@ -157,6 +163,11 @@ WCHAR UserDecimalSeparator()
 {
     const CString separator = GetLocaleSetting(LOCALE_SDECIMAL, ".");
     return separator.GetLength() == 1 ? separator[0] : kPoint;
+}
+
+int CountOfDecimals(unsigned int decimals)
+{
+    return static_cast<int>(std::min<unsigned int>(decimals, kMaxDecimals));
 }
 
 // The separator may itself be a character that otherwise serves the eye only.
@@ -261,6 +272,50 @@ WideText CleanNumber(WideView text, const NumberPlaces& places, WCHAR decimalSep
     return WideText(text.substr(0, places.start)).append(number).append(rest);
 }
 
+// Rounds to so many digits, half away from zero, with zeros for the others. True if the carry has
+// put one more digit in front.
+bool RoundDigits(WideText& digits, std::int64_t kept)
+{
+    auto at = static_cast<std::size_t>(std::max<std::int64_t>(kept, 0));
+    bool carries = kept >= 0 && digits[at] >= '5';
+    std::fill(digits.begin() + static_cast<std::ptrdiff_t>(at), digits.end(), WCHAR('0'));
+    while (carries && at-- > 0) {
+        carries = digits[at] == '9';
+        digits[at] = carries ? WCHAR('0') : static_cast<WCHAR>(digits[at] + 1);
+    }
+    if (carries)
+        digits.insert(0, 1, '1');
+    return carries;
+}
+
+// Leaves a number alone that has no more decimals. A rounded one is written without groups and with
+// the user's separator, so that every reader takes it for the same number.
+WideText RoundedNumber(WideView text, const NumberPlaces& places, int decimals,
+                       WCHAR decimalSeparator)
+{
+    WideText digits;
+    std::size_t whole = 0; // digits in front of the decimal separator
+    for (std::size_t at = places.start; at < places.end; ++at) {
+        if (!IsDigit(text[at]))
+            continue;
+        digits += text[at];
+        whole += at < places.decimal ? 1 : 0;
+    }
+    const std::int64_t wanted = decimals + ExponentAt(text, places.end);
+    const std::int64_t kept = static_cast<std::int64_t>(whole) + wanted;
+    if (digits.empty() || kept >= std::ssize(digits))
+        return WideText(text);
+
+    whole += RoundDigits(digits, kept) ? 1 : 0;
+    WideText number(text.substr(0, places.start));
+    number.append(digits, 0, whole);
+    if (wanted > 0)
+        number.append(1, decimalSeparator).append(digits, whole, static_cast<std::size_t>(wanted));
+    else if (whole == 0)
+        number += WCHAR('0');
+    return number.append(text.substr(places.end));
+}
+
 } // namespace
 
 namespace tovo {
@@ -310,15 +365,18 @@ void ftoa(double value, CString& text, short decimals)
     text = CString(number);
 }
 
-int FormatNumString(CString& text, int, unsigned int, int)
+int FormatNumString(CString& text, int, unsigned int decimals, int)
 {
-    text = CString(WithoutOrnaments(text.View(), UserDecimalSeparator()));
+    const WCHAR separator = UserDecimalSeparator();
+    const WideText bare = WithoutOrnaments(text.View(), separator);
+    const NumberPlaces places = FindTypedPlaces(bare, separator);
+    text = CString(RoundedNumber(bare, places, CountOfDecimals(decimals), separator));
     return 1;
 }
 
 int FloatToNumString(double value, CString& text, int, unsigned int decimals, int)
 {
-    ftoa(value, text, static_cast<short>(std::min<unsigned int>(decimals, kMaxDecimals)));
+    ftoa(value, text, static_cast<short>(CountOfDecimals(decimals)));
     const int point = text.Find(kPoint);
     if (point >= 0)
         text.SetAt(point, UserDecimalSeparator());

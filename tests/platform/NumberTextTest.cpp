@@ -93,6 +93,35 @@ TEST_F(NumberTexts, HaveTheUsersSeparatorAndComeBackClean)
     EXPECT_EQ(tovo::ParseDouble(text), Limits::lowest());
 }
 
+TEST_F(NumberTexts, AreRoundedToTheirDecimals)
+{
+    const struct { const char* separator; const char* text; unsigned decimals;
+                   const char* formatted; } rows[] = {
+        // What has no more decimals stays as it is, grouped or not.
+        {".", "2.5", 3, "2.5"}, {",", "2.5", 3, "2.5"}, {".", "1,234.500", 3, "1,234.500"},
+        {",", "1.234", 2, "1.234"}, {",", "1.234.567", 0, "1.234.567"}, {".", "", 0, ""},
+        {".", "abc", 0, "abc"}, {".", "e-9", 0, "e-9"}, {".", " 1'234.5 ", 3, "1234.5"},
+        {".", "2.123456789", 6, "2.123457"}, {".", "-2.1234565", 6, "-2.123457"},
+        {".", "2.12345649999", 6, "2.123456"}, {".", "9.9999996", 6, "10.000000"},
+        {".", "999.95cm", 1, "1000.0cm"}, {".", ".9999", 3, "1.000"}, {".", "-.0004", 3, "-.000"},
+        {".", "0.5", 0, "1"}, {".", ".4", 0, "0"}, {".", ".5", 0, "1"}, {".", "7.", 0, "7."},
+        {".", "0.12345678901234567", 4000000000u, "0.123456789012346"},
+        // The reader must not take three decimals for a group.
+        {",", "1.23456", 3, "1,235"}, {",", "1,234.56789", 3, "1234,568"},
+        {".", "1.234.567,56789", 3, "1234567.568"}, {"'", "0'12345", 3, "0'123"},
+        // An exponent shifts the place.
+        {".", "2.1234567e3", 3, "2.123457e3"}, {".", "2.1234567e4", 3, "2.1234567e4"},
+        {".", "1234.5e-5", 3, "1200e-5"}, {".", "951e-4", 1, "1000e-4"}, {".", "9.9e-5", 3, "0e-5"},
+        {".", "1.5e-99999999999999999999", 3, "0e-99999999999999999999"},
+        {".", "1.5e99999999999999999999", 3, "1.5e99999999999999999999"}};
+    for (const auto& row : rows) {
+        SetLocaleSetting(LOCALE_SDECIMAL, row.separator);
+        CString text(row.text);
+        EXPECT_EQ(FormatNumString(text, 1, row.decimals, 1), 1);
+        EXPECT_EQ(text.ToUtf8(), row.formatted) << row.text;
+    }
+}
+
 // Only a separator that is usual for decimals as well as for groups, and stands where either could,
 // depends on what the user has set.
 TEST_F(NumberTexts, TypedWithGroupsComeOutClean)

@@ -30,9 +30,11 @@ TOVO_API CString RuntimeErrorText(int errorNumber);
 // Infinities and NaN are written as 0. Decimals outside 0 to 15 are cut to that range.
 TOVO_API void ftoa(double value, CString& text, short decimals);
 
-// Takes out of a number text the characters that can only be there for the eye: white space of any
-// kind and apostrophes. The count of decimals is not applied here, since rounding happens once, in
-// FloatToNumString. The flags have no effect. Answers 1.
+// Takes out of a number text the characters that can only be there for the eye, white space of any
+// kind and apostrophes, and rounds the number to so many decimals, half away from zero; decimals
+// above 15 count as 15. The number is read as CleanIntlNumericString does. One that is rounded
+// comes with the user's decimal separator and without grouping; one that has no more decimals keeps
+// its own. The flags have no effect. Returns 1.
 TOVO_API int FormatNumString(CString& text, int flag, unsigned int decimals, int group);
 
 // Writes the display text of a value: the user's decimal separator, so many decimals, no grouping.
