@@ -1,8 +1,11 @@
 #include "MathFunctions.h"
 
 #include <algorithm>
+#include <array>
+#include <cassert>
 #include <cerrno>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 #include <TovoPlatform/Maths.h>
@@ -19,6 +22,52 @@ constexpr double kNearRightAngle = 0.0005;
 constexpr double kDirectionThreshold = 0.0005;
 
 using Function = double (*)(double);
+
+// Powers of ten outside are subnormal, zero or infinite.
+constexpr int kLowestPowerOfTen = std::numeric_limits<double>::min_exponent10;
+constexpr int kHighestPowerOfTen = std::numeric_limits<double>::max_exponent10;
+
+// Written out, since run-time libraries, and even one of them on different processors, compute some
+// powers with a difference in the last bit. The macros append digits to the start of a literal.
+//
+// clang-format off
+#define TOVO_TEN(start)                                                                            \
+    start##0, start##1, start##2, start##3, start##4, start##5, start##6, start##7, start##8, start##9
+#define TOVO_HUNDRED(start)                                                                        \
+    TOVO_TEN(start##0), TOVO_TEN(start##1), TOVO_TEN(start##2), TOVO_TEN(start##3),                \
+    TOVO_TEN(start##4), TOVO_TEN(start##5), TOVO_TEN(start##6), TOVO_TEN(start##7),                \
+    TOVO_TEN(start##8), TOVO_TEN(start##9)
+
+constexpr double kNegativePowersOfTen[1 - kLowestPowerOfTen] = { // by the exponent without its sign
+    TOVO_HUNDRED(1e-0), TOVO_HUNDRED(1e-1), TOVO_HUNDRED(1e-2),
+    1e-300, 1e-301, 1e-302, 1e-303, 1e-304, 1e-305, 1e-306, 1e-307,
+};
+constexpr auto kPowersOfTen = [] { // by the exponent
+    std::array<double, 1 + kHighestPowerOfTen> powers = {
+        TOVO_HUNDRED(1e0), TOVO_HUNDRED(1e1), TOVO_HUNDRED(1e2),
+        1e300, 1e301, 1e302, 1e303, 1e304, 1e305, 1e306, 1e307, 1e308,
+    };
+    // Both lie halfway between two doubles, the second nearly so. Results have always come from the
+    // upper one.
+    powers[23] = 0x1.52d02c7e14af7p+76;
+    powers[210] = 0x1.8557f31326bbcp+697;
+    return powers;
+}();
+
+#undef TOVO_HUNDRED
+#undef TOVO_TEN
+// clang-format on
+
+// No literal is missing.
+static_assert(kNegativePowersOfTen[-kLowestPowerOfTen] > 0.0 && kPowersOfTen.back() > 0.0);
+
+// Requires: an exponent in the range above.
+double PowerOfTen(int exponent)
+{
+    assert(exponent >= kLowestPowerOfTen && exponent <= kHighestPowerOfTen);
+    return exponent < 0 ? kNegativePowersOfTen[-exponent]
+                        : kPowersOfTen[static_cast<std::size_t>(exponent)];
+}
 
 MathResult Fails(unsigned int message)
 {
@@ -72,9 +121,10 @@ int PlacesOf(std::span<const double> values)
 
 MathResult OnScaledValue(Function rounding, std::span<const double> values)
 {
-    const double scale = std::pow(10.0, -static_cast<double>(PlacesOf(values)));
-    if (!std::isnormal(scale))
+    const int places = PlacesOf(values);
+    if (places > -kLowestPowerOfTen || places < -kHighestPowerOfTen)
         return FailsWith(ERANGE);
+    const double scale = PowerOfTen(-places);
     return {rounding(values.front() / scale) * scale};
 }
 

@@ -142,6 +142,28 @@ TEST_F(Functions, RoundingTakesPlacesAndAStepADirection)
     )");
 }
 
+// The power itself comes out of rounding it. Two powers lie halfway between two doubles, and the
+// upper one counts.
+TEST_F(Functions, RoundingHasTheSamePowersOfTenOnEveryPlatform)
+{
+    HostSet set;
+    for (int places = -308; places <= 307; ++places) {
+        const double literal = std::strtod(("1e" + std::to_string(-places)).c_str(), nullptr);
+        const bool isUpper = places == -23 || places == -210;
+        for (const char* name : {"ROUND", "TRUNC"}) {
+            double args[] = {literal, static_cast<double>(places)};
+            CExprToken token(set, CodeOf(name), CString(name), 0);
+            token.Calculate(args, 2, 1, nullptr);
+            EXPECT_EQ(token.GetValue(), isUpper ? std::nextafter(literal, HUGE_VAL) : literal)
+                << name << " to " << places;
+        }
+    }
+    ExpectCalls(R"(
+        ROUND 1 308 -> fails 6613 text;     TRUNC 1 308 -> fails 6613 text
+        ROUND 1 -309 -> fails 6613 text;    TRUNC 1 2147483647 -> fails 6613 text
+    )");
+}
+
 } // namespace
 
 } // namespace tovo::test
