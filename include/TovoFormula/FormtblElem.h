@@ -68,11 +68,20 @@ public:
 protected:
     ICalculationSet& CalcSet() const { return *m_CalcSet; }
 
+private:
+    double Thousandths() const;
+
 protected:
     int m_Valid = 0; // 1 once the element was given content
     WCHAR m_Type = 0;
     CString m_Name;
     ICalculationSet* m_CalcSet; // never null, not owned
+
+private:
+    // The constant as it was read last, and from what text, since a derived class may write the
+    // name.
+    mutable CString m_ReadText;
+    mutable double m_ReadThousandths = 0.0;
 };
 
 #endif

@@ -74,7 +74,7 @@ CString CFormtblElem::GetCombinedString() const
     if (m_Type != kConstant)
         return m_Type + m_Name;
     CString text;
-    const double thousandths = tovo::ParseDouble(m_Name);
+    const double thousandths = Thousandths();
     if (thousandths != 0.0)
         ftoa(thousandths, text, kStoredDecimals);
     return text;
@@ -162,11 +162,21 @@ int CFormtblElem::isYesNo() const
 double CFormtblElem::value() const
 {
     if (m_Type == kConstant)
-        return tovo::ParseDouble(m_Name) / kThousandths;
+        return Thousandths() / kThousandths;
     const int kind = KindOfLetter(m_Type);
     if (kind == kNoKind)
         return 0.0;
     return WithObject(CalcSet(), kind, m_Name, [](auto* object) { return ValueOf(object); });
+}
+
+// Most often the two are one shared text, which the comparison sees at once.
+double CFormtblElem::Thousandths() const
+{
+    if (m_ReadText != m_Name) {
+        m_ReadThousandths = tovo::ParseDouble(m_Name);
+        m_ReadText = m_Name;
+    }
+    return m_ReadThousandths;
 }
 
 int CFormtblElem::Calculate(unsigned int& message, CScannedVariables* list)

@@ -81,6 +81,34 @@ TEST_F(Element, UserTypesAPlainNumber)
     EXPECT_EQ(m_Element.XGetName().ToUtf8(), "1,5 ") << "a name is kept as it is";
 }
 
+TEST_F(Element, ConstantIsReadFromThePresentText)
+{
+    struct OpenElement : CFormtblElem {
+        using CFormtblElem::CFormtblElem;
+        void Write(const CString& name) { m_Name = name; }
+        void Append(WCHAR character) { m_Name += character; }
+    };
+    OpenElement element("7500", m_Set);
+    EXPECT_EQ(element.value(), 7.5);
+    element.SetName("8000");
+    EXPECT_EQ(element.value(), 8.0);
+    const CFormtblElem copy(element);
+    element.Write("9000");
+    EXPECT_EQ(element.value(), 9.0);
+    element.Append(u'5');
+    EXPECT_EQ(element.value(), 90.005);
+    EXPECT_EQ(element.GetCombinedString().ToUtf8(), "90005.000000");
+    element.XSetName("1.5");
+    EXPECT_EQ(element.value(), 1.5);
+    element.SetVariable("9000");
+    element.SetType(0);
+    EXPECT_EQ(element.value(), 9.0) << "a name that was another kind's";
+    element.ClearAll();
+    EXPECT_EQ(element.value(), 0.0);
+    static_cast<CFormtblElem&>(element) = copy;
+    EXPECT_EQ(element.value() + copy.value(), 16.0);
+}
+
 TEST_F(Element, CopyKeepsTheSetOfItsTarget)
 {
     JobSet other;
