@@ -2,6 +2,7 @@
 #define TOVOFORMULA_FORMULATABLEIMPL_H
 
 #include <memory>
+#include <vector>
 
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/FormtblElem.h>
@@ -109,6 +110,9 @@ protected:
 
 private:
     int m_UnderWay = 0; // how often it is being checked or calculated at present
+    // Copies of the limits that lookups consult, made when they were seen to rise; else empty.
+    mutable std::vector<double> m_RisingRowLimits;
+    mutable std::vector<double> m_RisingColumnLimits;
 };
 
 #endif

@@ -1,9 +1,12 @@
 #include <TovoFormula/FormulaTableImpl.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <optional>
+#include <span>
 
 #include <TovoFormula/CalcErrorTracker.h>
 #include <TovoFormula/ExprTree.h>
@@ -40,18 +43,73 @@ void CheckIndex(int index, int count, int line, const char* argument, const char
     CArgumentValidator::ValidateIsTrue(kFile, line, index < count, argument, function);
 }
 
+using Limits = std::span<const double>;
+
+bool IsAbove(double value, double limit)
+{
+    return TvCompareDoubles(value, limit) > 0;
+}
+
+std::size_t Scan(Limits limits, double value)
+{
+    const auto isAbove = [value](double limit) { return IsAbove(value, limit); };
+    const auto found = std::find_if_not(limits.begin(), limits.end(), isAbove);
+    return static_cast<std::size_t>(found - limits.begin());
+}
+
+// Finds what a scan would, where limits rise. The scan stops at the first limit that is plainly not
+// below the value, unless a lower one is equal within the tolerance. Then so are all in between:
+// from limit to limit the difference shrinks faster than the tolerance.
+std::size_t SearchByHalves(Limits limits, double value)
+{
+    const auto isBelow = [value](double limit) { return !(limit >= value); };
+    const auto found = std::partition_point(limits.begin(), limits.end(), isBelow);
+    auto place = static_cast<std::size_t>(found - limits.begin());
+    while (place > 0 && !IsAbove(value, limits[place - 1]))
+        --place;
+    return place;
+}
+
+// NaN does not rise.
+bool Rise(Limits limits)
+{
+    const auto doesNotRise = [](double limit, double next) { return !(limit < next); };
+    return std::adjacent_find(limits.begin(), limits.end(), doesNotRise) == limits.end();
+}
+
+// Whether those limits are the same that a scan would read on its way to the place.
+bool AreSameUpTo(std::size_t place, Limits limits, Limits others)
+{
+    const std::size_t count = std::min(place + 1, limits.size());
+    return limits.size() == others.size() &&
+           std::memcmp(limits.data(), others.data(), count * sizeof(double)) == 0;
+}
+
+// Searches a copy of the limits that is known to rise. A derived class may write the limits and
+// tell nobody, so the copy is held against them, which takes a fraction of what a scan does.
+std::size_t Search(Limits limits, double value, std::vector<double>& rising)
+{
+    if (const std::size_t place = SearchByHalves(rising, value); AreSameUpTo(place, limits, rising))
+        return place;
+    if (!Rise(limits)) {
+        rising.clear();
+        return Scan(limits, value);
+    }
+    rising.assign(limits.begin(), limits.end());
+    return SearchByHalves(rising, value);
+}
+
 // The first place whose limit is at or above the value; the last one has no limit. Rows and columns
 // that a short cannot name cannot be looked up.
-short LookUp(double value, const CArray<double, double>& limits)
+short LookUp(double value, const CArray<double, double>& array, std::vector<double>& rising)
 {
-    constexpr int lastIndex = std::numeric_limits<short>::max();
-    int index = 0;
-    while (index < limits.GetSize() - 1 && TvCompareDoubles(value, limits[index]) > 0) {
-        if (index == lastIndex)
-            AfxThrowInvalidArgException();
-        ++index;
-    }
-    return static_cast<short>(index);
+    if (array.GetSize() < 2)
+        return 0;
+    const Limits consulted(array.GetData(), static_cast<std::size_t>(array.GetSize() - 1));
+    const std::size_t place = Search(consulted, value, rising);
+    if (place > std::numeric_limits<short>::max())
+        AfxThrowInvalidArgException();
+    return static_cast<short>(place);
 }
 
 // The selectors of a table count as conditions while they are calculated.
@@ -76,6 +134,9 @@ FormulaTableImpl::FormulaTableImpl(ICalculationSet* calcSet, int numRows, int nu
     m_RowLimits.SetSize(numRows);
     m_ColumnLimits.SetSize(numColumns);
     m_Cells.SetSize(numRows * numColumns);
+    // A lookup shall not allocate.
+    m_RisingRowLimits.reserve(static_cast<std::size_t>(numRows - 1));
+    m_RisingColumnLimits.reserve(static_cast<std::size_t>(numColumns - 1));
 }
 
 FormulaTableImpl::~FormulaTableImpl()
@@ -227,14 +288,14 @@ void FormulaTableImpl::SetValidated(int validated)
 
 short FormulaTableImpl::GetRowIndex() const
 {
-    return LookUp(m_RowSelector.value(), m_RowLimits);
+    return LookUp(m_RowSelector.value(), m_RowLimits, m_RisingRowLimits);
 }
 
 short FormulaTableImpl::GetColIndex() const
 {
     if (m_NumColumns == 1)
         return 0;
-    return LookUp(m_ColumnSelector.value(), m_ColumnLimits);
+    return LookUp(m_ColumnSelector.value(), m_ColumnLimits, m_RisingColumnLimits);
 }
 
 // A scan passes again through a table that was only calculated, and a scan inside a condition

@@ -1,3 +1,10 @@
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+
+#include <TovoPlatform/Maths.h>
 #include <calculation/Job.h>
 
 namespace tovo::test {
@@ -53,6 +60,146 @@ TEST_F(FormulaTable, SelectorPicksTheFirstLimitThatIsNotBelowIt)
             across.SetValue(column.selector);
             table->SetCalculated(0);
             EXPECT_EQ(ValueOf(*table), 3 * row.index + column.index + 1);
+        }
+    }
+}
+
+// A table whose limits are also written past the setters.
+class OpenTable : public FormulaTableImpl {
+public:
+    using FormulaTableImpl::FormulaTableImpl;
+
+    void Write(int row, double limit) { m_RowLimits[row] = limit; }
+    void Resize(int rows) { m_RowLimits.SetSize(rows); }
+};
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+
+int PlaceByScan(double value, const std::vector<double>& limits)
+{
+    int place = 0;
+    while (place + 1 < static_cast<int>(limits.size()) &&
+           TvCompareDoubles(value, limits[static_cast<std::size_t>(place)]) > 0)
+        ++place;
+    return place;
+}
+
+// Limits of all manners, and values at their tolerance.
+class LimitDice {
+public:
+    std::vector<double> Limits()
+    {
+        static constexpr double kStarts[] = {0.0, -1e-12, -1e-300, 1.0, -300.0, 1e6, -1e15, -1e300};
+        static constexpr double kSteps[] = {0.0, 0.25, 0.5, 1.0, 1.0000001, 2.0, 3.0, 1e6};
+        const double start = One(kStarts);
+        const bool hasOneStep = Below(3) > 0;
+        const double step = One(kSteps);
+        std::vector<double> limits{start};
+        const int count = 2 + Below(30);
+        while (static_cast<int>(limits.size()) < count)
+            limits.push_back(limits.back() +
+                             (hasOneStep ? step : One(kSteps)) * Tolerance(limits.back()));
+        if (Below(3) == 0)
+            limits[Index(limits)] = Below(2) ? kInfinity : -kInfinity;
+        if (Below(4) == 0)
+            limits.front() = -kInfinity;
+        if (Below(8) == 0)
+            limits[Index(limits)] = kNoNumber;
+        if (Below(6) == 0)
+            std::shuffle(limits.begin(), limits.end(), m_Random);
+        return limits;
+    }
+    double ValueNear(const std::vector<double>& limits)
+    {
+        static constexpr double kDistances[] = {-2.0, -1.0, -0.5, 0.0, 0.5, 1.0, 2.0};
+        if (Below(30) == 0)
+            return Below(2) ? kNoNumber : kInfinity;
+        const double limit = limits[Index(limits)];
+        const double value = limit + One(kDistances) * Tolerance(limit);
+        return Below(2) ? value : std::nextafter(value, Below(2) ? kInfinity : -kInfinity);
+    }
+    std::size_t Index(const std::vector<double>& limits)
+    {
+        return static_cast<std::size_t>(Below(static_cast<int>(limits.size())));
+    }
+    int Below(int count) { return static_cast<int>(m_Random() % static_cast<unsigned>(count)); }
+
+private:
+    static double Tolerance(double limit)
+    {
+        return std::isfinite(limit) ? std::max(1e-12, 0x1p-48 * std::fabs(limit)) : 1.0;
+    }
+    template <std::size_t COUNT>
+    double One(const double (&numbers)[COUNT])
+    {
+        return numbers[Below(COUNT)];
+    }
+
+    std::mt19937 m_Random{20240229};
+};
+
+TEST_F(FormulaTable, LookupFindsThePlaceThatAScanFinds)
+{
+    VariableImpl& down = Var("down");
+    VariableImpl& across = Var("across");
+    LimitDice dice;
+    int risingTables = 0;
+    for (int round = 0; round < 2000 && !HasFailure(); ++round) {
+        std::vector<double> rows = dice.Limits();
+        const std::vector<double> columns = dice.Limits();
+        SCOPED_TRACE(testing::PrintToString(rows) + testing::PrintToString(columns));
+        OpenTable table(&m_Set, static_cast<int>(rows.size()), static_cast<int>(columns.size()));
+        table.SetRowSelector(CFormtblElem("Vdown", m_Set));
+        table.SetColumnSelector(CFormtblElem("Vacross", m_Set));
+        for (int row = 0; row < static_cast<int>(rows.size()); ++row)
+            table.SetRowLimit(row, rows[static_cast<std::size_t>(row)]);
+        for (int column = 0; column < static_cast<int>(columns.size()); ++column)
+            table.SetColumnLimit(column, columns[static_cast<std::size_t>(column)]);
+        risingTables +=
+            std::adjacent_find(rows.begin(), rows.end(), std::greater_equal<>()) == rows.end();
+        for (int lookup = 0; lookup < 60; ++lookup) {
+            down.SetValue(dice.ValueNear(rows));
+            across.SetValue(dice.ValueNear(columns));
+            EXPECT_EQ(table.GetRowIndex(), PlaceByScan(down.GetValue(), rows)) << down.GetValue();
+            EXPECT_EQ(table.GetColIndex(), PlaceByScan(across.GetValue(), columns))
+                << across.GetValue();
+            if (dice.Below(8) > 0)
+                continue;
+            const std::size_t changed = dice.Index(rows);
+            rows[changed] = dice.ValueNear(rows);
+            if (dice.Below(2))
+                table.SetRowLimit(static_cast<int>(changed), rows[changed]);
+            else
+                table.Write(static_cast<int>(changed), rows[changed]);
+            if (dice.Below(8) == 0 && rows.size() > 1) {
+                rows.pop_back();
+                table.Resize(static_cast<int>(rows.size()));
+            }
+        }
+    }
+    EXPECT_GT(risingTables, 400);
+}
+
+TEST_F(FormulaTable, LookupReachesNoFurtherThanAShort)
+{
+    constexpr int kRows = 32770;
+    VariableImpl& down = Var("down");
+    OpenTable table(&m_Set, kRows, 1);
+    table.SetRowSelector(CFormtblElem("Vdown", m_Set));
+    for (const bool isRising : {true, false}) {
+        SCOPED_TRACE(isRising);
+        for (int row = 0; row < kRows; ++row)
+            table.SetRowLimit(row, row);
+        if (!isRising)
+            table.SetRowLimit(0, 1.0);
+        for (const int row : {0, 2, 20000, 32766, 32767}) {
+            down.SetValue(row);
+            EXPECT_EQ(table.GetRowIndex(), row);
+        }
+        for (const double value : {32767.5, 32769.0, 1e300, kNoNumber}) {
+            down.SetValue(value);
+            EXPECT_THROW(table.GetRowIndex(), CInvalidArgException) << value;
         }
     }
 }
