@@ -105,6 +105,7 @@ private:
     void FillTable(FormulaTableImpl& table, int index);
     void AddHostObjects();
     void AddBareObjects();
+    void FillBare(CFmlaExpression& bare);
     template <typename Visit>
     void ForEachSet(Visit visit)
     {
@@ -466,15 +467,26 @@ void Net::AddBareObjects()
         CalcSetImpl& set = *m_Dice.Of(m_Sets);
         m_Bare.push_back(index == 0 ? std::make_unique<PassingExpression>(set)
                                     : std::make_unique<CFmlaExpression>(set));
+        FillBare(*m_Bare.back());
     }
-    for (int index = 0; Has(NET_OPERANDS) && index < 2; ++index)
+    for (int index = 0; Has(NET_OPERANDS) && index < 2; ++index) {
         m_Operands.push_back(std::make_unique<CalculationOperand>(*m_Dice.Of(m_Sets)));
+        CString name = m_Dice.Of(m_Formulas)->GetName();
+        m_Operands.back()->LoadFormula(name);
+    }
+}
+
+void Net::FillBare(CFmlaExpression& bare)
+{
+    const std::string text = Number(2, static_cast<int>(m_Formulas.size()));
+    Define(u"bare", text);
+    bare.SetFromEncodedString(Wide(text));
 }
 
 void Net::NewTurn()
 {
     ++m_Turn;
-    m_Thrower = Has(NET_THROWS) && m_Dice.OneIn(5) ? 1 + m_Dice.Below(4) : 0;
+    m_Thrower = Has(NET_THROWS) && m_Dice.OneIn(3) ? 1 + m_Dice.Below(4) : 0;
     m_Own.m_Value = m_Dice.Below(4) - 1;
     m_Constant.m_Value = m_Turn % 3;
     m_Constant.m_Succeeds = m_Turn % 7 != 0;
@@ -577,9 +589,9 @@ const Net::Deed Net::kDeeds[] = {
     {"CheckBare", NET_BARE, 8, &Net::CheckBare},
     {"CalculateBare", NET_BARE, 6, &Net::CalculateBare},
     {"ScanBare", NET_BARE, 3, &Net::ScanBare},
-    {"EditBare", NET_BARE, 8, &Net::EditBare},
+    {"EditBare", NET_BARE, 4, &Net::EditBare},
     {"Separators", NET_BARE, 1, &Net::Separators},
-    {"LoadOperand", NET_OPERANDS, 5, &Net::LoadOperand},
+    {"LoadOperand", NET_OPERANDS, 3, &Net::LoadOperand},
     {"CheckOperand", NET_OPERANDS, 3, &Net::CheckOperand},
     {"CalculateOperand", NET_OPERANDS, 6, &Net::CalculateOperand},
     {"ScanOperand", NET_OPERANDS, 3, &Net::ScanOperand},
@@ -836,9 +848,9 @@ int Net::EditBare()
 {
     CFmlaExpression& bare = *m_Dice.Of(m_Bare);
     int isWhole = 0;
-    switch (m_Dice.Below(8)) {
+    switch (m_Dice.Below(12)) {
     case 0:
-        return bare.InsertString(m_Dice.Of({"1", "+1", " ", "(", "2.5*"}), 0);
+        return bare.InsertString(m_Dice.Of({"-", "1+", " ", "(", "2.5*"}), 0);
     case 1:
         return bare.InsertVariable(u"x", 0, TOK_VARIABLE);
     case 2:
@@ -847,9 +859,7 @@ int Net::EditBare()
         bare = *m_Dice.Of(m_Bare);
         return bare.NumVars();
     default:
-        const std::string text = Number(2, static_cast<int>(m_Formulas.size()));
-        Define(u"bare", text);
-        bare.SetFromEncodedString(Wide(text));
+        FillBare(bare);
         return bare.NumVars();
     }
 }
@@ -865,9 +875,10 @@ int Net::LoadOperand()
 {
     CalculationOperand& operand = *m_Dice.Of(m_Operands);
     CString name = m_Dice.Of(m_Formulas)->GetName();
-    CString table = m_Dice.Of({"t0", "t1", "ht", "none"});
-    CString variable = m_Dice.Of({"x", "d", "own", "none"});
-    m_Dice.Of(m_Formulas)->SetCalculated(m_Dice.Below(2));
+    CString table = m_Dice.Of({"t0", "t1", "t1", "ht"});
+    CString variable = m_Dice.Of({"x", "d", "own"});
+    for (const auto& formula : m_Formulas)
+        formula->SetCalculated(m_Dice.Below(2));
     switch (m_Dice.Below(5)) {
     case 0:
         return operand.LoadFormula(name);
@@ -889,6 +900,7 @@ int Net::CalculateOperand()
 {
     CalculationOperand& operand = *m_Dice.Of(m_Operands);
     const bool isCalculated = operand.Calculate();
+    Put(isCalculated);
     Put(operand.GetValue());
     return isCalculated;
 }
