@@ -10,6 +10,11 @@
 
 namespace tovo::test {
 
+inline CString Wide(const std::string& text)
+{
+    return CString(std::string_view(text));
+}
+
 // Leaves the getters alone and says so.
 class LookupSet : public CalcSetImpl {
 public:

@@ -8,15 +8,10 @@
 namespace tovo::test {
 namespace {
 
-CString Wide(const std::string& text)
-{
-    return CString(std::string_view(text));
-}
-
 unsigned int NetCount()
 {
     const char* const wanted = std::getenv("TOVO_NETS");
-    return wanted ? static_cast<unsigned int>(std::atoi(wanted)) : 300u;
+    return wanted ? static_cast<unsigned int>(std::atoi(wanted)) : 100u;
 }
 
 constexpr NetKind kNetKinds[] = {

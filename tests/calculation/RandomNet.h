@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_TESTS_RANDOMNET_H
 #define TOVOFORMULA_TESTS_RANDOMNET_H
 
+#include <ostream>
 #include <string>
 
 // Jobs of formulas, tables, variables and host's objects that refer to one another at random, and
@@ -30,6 +31,10 @@ struct NetKind {
     const char* name;
     unsigned int flags;
 };
+inline void PrintTo(const NetKind& kind, std::ostream* out)
+{
+    *out << kind.name;
+}
 
 // All that a host sees of a net, in lines: one that begins with ">" for each action, then what can
 // be seen after it; one with ":=" for each text.
