@@ -34,11 +34,11 @@ private:
     std::mt19937 m_Random;
 };
 
-// A job that is made at random, and what its host's objects do.
+// A job that is made at random, with a host's objects that act upon it.
 //
-// What one does follows from the turn alone, or is done when it is first asked in a
-// turn: how often it is asked makes no difference. A turn ends with the pass, or with a note of
-// the host's.
+// What such an object does follows from the turn alone, or is done when it is first asked in a
+// turn, so it makes no difference how often it is asked. Outside a held pass each deed is a turn;
+// within one, a turn ends only with a note of the host's.
 class NetJob {
 public:
     NetJob(unsigned int flags, unsigned int seed) : m_Flags(flags), m_Dice(seed)
