@@ -38,6 +38,7 @@ public:
     {
         if (m_HasEnded)
             return;
+        m_Work.NoteDisturbed();
         m_Work.Forget();
         m_Work.m_Expression.m_Tree.Clear();
         m_Work.m_Expression.m_Tree.m_Msg = MSG_NONE;
@@ -75,11 +76,9 @@ bool BoundWork::MayUsePrograms() const
     return typeid(m_Expression) == typeid(CFmlaExpression);
 }
 
-// Whatever has reached this expression would take the message away again.
 void BoundWork::TakeMessage(unsigned int message)
 {
-    if (IsRemembered())
-        Pass::NoteChange();
+    NoteDisturbed();
     m_Expression.m_MessageNum = static_cast<int>(message);
 }
 
@@ -95,17 +94,17 @@ void BoundWork::Forget()
     if (!m_Expression.m_State)
         return;
     ExpressionState& state = *m_Expression.m_State;
-    // Whatever has reached this expression would load it again.
-    if (IsRemembered())
-        Pass::NoteChange();
     state.isLoadedByProgram = false;
     state.checkedIn = state.calculatedIn = state.scannedIn = kNeverInPass;
 }
 
-bool BoundWork::IsRemembered() const
+// Ends what is remembered of whatever has reached this expression in the pass: done again, it would
+// leave the expression as it was.
+void BoundWork::NoteDisturbed()
 {
     const ExpressionState* const state = m_Expression.m_State.get();
-    return state && (Pass::IsLive(state->checkedIn) || Pass::IsLive(state->calculatedIn));
+    if (state && state->reachedIn == Pass::First())
+        Pass::NoteChange();
 }
 
 int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
@@ -121,6 +120,7 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
     std::optional<PassApart> apart;
     if (Namesakes::MayExist() && Namesakes::AreThere(state, name))
         apart.emplace();
+    m_IsNamesake = apart.has_value();
     std::optional<NestedNameGuard> entry;
     if (!name.IsEmpty()) {
         entry.emplace(CFmlaExpression::m_NestedFmlaNames, name);
@@ -136,7 +136,8 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
         GiveTextOfProgram();
     if (isDone || LoadNamed(name, nested)) {
         throwing.End();
-        if (!apart)
+        state.reachedIn = Pass::First();
+        if (!m_IsNamesake)
             NoteChecked(name, start);
         return 1;
     }
@@ -175,13 +176,16 @@ int BoundWork::Load(int nested)
     if (underWay.IsTooDeep())
         return Fail(MSG_GENERAL_FAILURE);
 
-    Forget();
     Throwing throwing(*this);
     m_Expression.m_Tree.Clear();
     m_Expression.m_MessageNum = MSG_NONE;
     m_Expression.m_InvalidPos = 0;
+    State().isLoadedByProgram = false;
     const int isBuilt = BuildTree(nested);
     throwing.End();
+    if (!nested || !isBuilt)
+        NoteDisturbed();
+    Forget();
     return isBuilt;
 }
 
@@ -310,10 +314,17 @@ bool BoundWork::CalculateByProgram(const CString& name)
     throwing.End();
     if (!isChecked)
         return false;
+    state.reachedIn = Pass::First();
     NoteChecked(name, start);
     entry.reset();
     // The check has calculated all there is, unless something has changed meanwhile.
-    return state.calculatedIn == Pass::Present() || WalkByProgram(nullptr);
+    if (state.calculatedIn == Pass::Present())
+        return true;
+    const UnderWay underWay(state.marks);
+    if (!RunAsWalk(nullptr))
+        return false;
+    NoteCalculated(nullptr, start, &name);
+    return true;
 }
 
 // Whether there is a program for the present text, whose kind is what the name says.
@@ -372,10 +383,11 @@ int BoundWork::CheckAndCalculate(unsigned int& message, const CString& name,
         LeaveTexts();
         return 1;
     }
+    const Start start;
     if (!Validate(message, name, 1))
         return 0;
     // Building the tree has calculated it already.
-    if (IsCalculated(list) || Walk(list))
+    if (IsCalculated(list) || Walk(list, start, m_IsNamesake ? nullptr : &name))
         return 1;
     message = static_cast<unsigned int>(m_Expression.m_MessageNum);
     return 0;
@@ -389,39 +401,31 @@ int BoundWork::Calculate(CScannedVariables* list)
         LeaveTexts();
         return 1;
     }
-    return Walk(list);
+    return Walk(list, Start(), nullptr);
 }
 
-int BoundWork::Walk(CScannedVariables* list)
+int BoundWork::Walk(CScannedVariables* list, const Start& start, const CString* checkedName)
 {
     ExpressionState& state = State();
     const UnderWay underWay(state.marks);
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
-    const Start start;
     if (state.isLoadedByProgram && RunAsWalk(list)) {
-        GiveTextOfProgram();
+        // A scan has gone into formulas by way of their own operations.
+        if (!list || !state.program->EndsWithReference())
+            GiveTextOfProgram();
     } else {
         if (state.isLoadedByProgram)
             BuildTreeOfProgram();
         if (!m_Expression.m_Tree.Calculate(list)) {
             m_Expression.m_MessageNum = static_cast<int>(m_Expression.m_Tree.GetMsg());
+            NoteDisturbed();
             Forget();
             return 0;
         }
     }
-    NoteCalculated(list, start);
+    NoteCalculated(list, start, checkedName);
     return 1;
-}
-
-bool BoundWork::WalkByProgram(CScannedVariables* list)
-{
-    const UnderWay underWay(State().marks);
-    const Start start;
-    if (!RunAsWalk(list))
-        return false;
-    NoteCalculated(list, start);
-    return true;
 }
 
 bool BoundWork::RunAsWalk(CScannedVariables* list)
@@ -461,7 +465,8 @@ void BoundWork::NoteLoaded()
 void BoundWork::NoteChecked(const CString& name, const Start& start)
 {
     KeepTexts(start);
-    if (Pass::Present() != start.pass || !Pass::IsRemembering())
+    // A table that has its value leaves another text the next time.
+    if (Pass::Present() != start.pass || !Pass::IsRemembering() || EndsWithTable())
         return;
     ExpressionState& state = State();
     state.checkedIn = start.pass;
@@ -471,10 +476,20 @@ void BoundWork::NoteChecked(const CString& name, const Start& start)
         state.calculatedIn = start.pass;
 }
 
-void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start)
+void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,
+                               const CString* checkedName)
 {
-    KeepTexts(start);
     ExpressionState& state = State();
+    state.reachedIn = Pass::First();
+    // What a table leaves in a scan, it would not leave again.
+    if (!list)
+        KeepTexts(start);
+    else if (EndsWithTable())
+        return;
+    if (checkedName && !list && Pass::Present() == start.pass && Pass::IsRemembering()) {
+        state.checkedIn = start.pass;
+        state.checkedName = *checkedName;
+    }
     // What is walked without a check may be an older text. Whoever came back to the expression
     // meanwhile has left a message, which a check takes away.
     if (Pass::Present() != start.pass || state.checkedIn != start.pass || m_Expression.m_MessageNum)
@@ -503,7 +518,6 @@ bool BoundWork::EndsWithObject() const
                                    : IsReferenceToObject(m_Expression.m_Tree.RootToken());
 }
 
-// A table that has its value leaves no text.
 bool BoundWork::EndsWithTable() const
 {
     const ExpressionState& state = *m_Expression.m_State;
@@ -527,7 +541,7 @@ void BoundWork::KeepTexts(const Start& start)
     if (state.isLoadedByProgram && !state.program->EndsWithObject())
         state.leftText = state.program->LeftText();
     else
-        state.leftText = EndsWithTable() ? 0 : ErrorTexts::LastOf(state.calcSet);
+        state.leftText = ErrorTexts::LastOf(state.calcSet);
     std::vector<LeftText> elsewhere = ErrorTexts::GivenElsewhere(state.calcSet, start.turn);
     if (elsewhere.empty())
         state.leftElsewhere.reset();

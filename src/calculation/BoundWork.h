@@ -63,18 +63,18 @@ private:
     bool CheckByProgram(const CString& name);
     bool HasProgramFor(const CString& name);
     std::unique_ptr<Program> Compile();
-    bool WalkByProgram(CScannedVariables* list);
     bool RunAsWalk(CScannedVariables* list);
     void GiveTextOfProgram();
-    int Walk(CScannedVariables* list);
+    // The name is that of a check that has just succeeded, null for none.
+    int Walk(CScannedVariables* list, const Start& start, const CString* checkedName);
 
     bool IsChecked(const CString& name) const;
     bool IsCalculated(CScannedVariables* list) const;
     void NoteLoaded();
     void NoteChecked(const CString& name, const Start& start);
-    void NoteCalculated(CScannedVariables* list, const Start& start);
+    void NoteCalculated(CScannedVariables* list, const Start& start, const CString* checkedName);
     void KeepTexts(const Start& start);
-    bool IsRemembered() const;
+    void NoteDisturbed();
     void LeaveTexts();
     bool EndsWithObject() const;
     bool EndsWithTable() const;
@@ -90,6 +90,7 @@ private:
     int CheckFound(Object* object, int kind, const CString& name);
 
     CFmlaExpression& m_Expression;
+    bool m_IsNamesake = false; // what was checked last bears the name of another
 };
 
 } // namespace tovo::detail

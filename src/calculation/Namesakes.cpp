@@ -33,7 +33,8 @@ Strays& StraysOfPass()
 
 bool IsUnderOwnName(const ExpressionState& state, const CString& name)
 {
-    return state.ownNameIn == Pass::Present() ||
+    const bool isOwn = state.formulaName && *state.formulaName == name;
+    return (isOwn && state.ownNameIn == Pass::Present()) ||
            StateOfStockFormula(state.calcSet.GetFormulaObj(name)) == &state;
 }
 

@@ -45,7 +45,6 @@ std::vector<LeftText> ErrorTexts::GivenElsewhere(const ICalculationSet& calcSet,
 
 void ErrorTexts::Note(ICalculationSet& calcSet, RuntimeError error)
 {
-    const std::uint64_t turn = last.turn + 1;
     if (last.calcSet && last.calcSet != &calcSet) {
         std::erase_if(Others(), [&](const LeftText& text) {
             return text.calcSet == &calcSet || text.calcSet == last.calcSet;
@@ -53,7 +52,18 @@ void ErrorTexts::Note(ICalculationSet& calcSet, RuntimeError error)
         Others().push_back(last);
         hasOthers = true;
     }
-    last = {&calcSet, error, turn};
+    last = {&calcSet, error, ++turns};
+}
+
+void ErrorTexts::NoteOnce(std::uint64_t since)
+{
+    const auto note = [since](LeftText& text) {
+        if (text.turn > since)
+            text.turn = 0;
+    };
+    note(last);
+    if (hasOthers)
+        std::ranges::for_each(Others(), note);
 }
 
 void ErrorTexts::ForgetOthers()

@@ -29,7 +29,9 @@ public:
     // What other sets than this one were given since the turn, in that order.
     static std::vector<LeftText> GivenElsewhere(const ICalculationSet& calcSet,
                                                 std::uint64_t since);
-    static std::uint64_t Turn() { return last.turn; }
+    static std::uint64_t Turn() { return turns; }
+    // What was given since the turn would not be given again.
+    static void NoteOnce(std::uint64_t since);
 
     // Forgets what was given, for the sets may be gone.
     static void BeginPass()
@@ -45,6 +47,7 @@ private:
     static std::vector<LeftText>& Others();
 
     static inline constinit thread_local LeftText last = {};
+    static inline constinit thread_local std::uint64_t turns = 0;
     static inline constinit thread_local bool hasOthers = false;
 };
 

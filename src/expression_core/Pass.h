@@ -80,9 +80,6 @@ public:
     static void SetRemembering(bool isOn) { state.isRemembering = isOn; }
     static bool IsRemembering() { return state.isRemembering; }
 
-    // Whether what bears the number is remembered now, or will be when a pass apart ends.
-    static bool IsLive(PassNumber number);
-
 private:
     friend class PassApart;
 
@@ -114,15 +111,13 @@ private:
 // remembered before it counts again, unless something has changed.
 class PassApart {
 public:
-    PassApart() : m_Found(Pass::state.present), m_Outer(innermost)
+    PassApart() : m_Found(Pass::state.present)
     {
         Pass::Renew();
         m_Own = Pass::state.present;
-        innermost = this;
     }
     ~PassApart()
     {
-        innermost = m_Outer;
         if (Pass::state.present == m_Own)
             Pass::state.present = m_Found;
     }
@@ -131,22 +126,9 @@ public:
     PassApart& operator=(const PassApart&) = delete;
 
 private:
-    friend class Pass;
-
-    static inline constinit thread_local PassApart* innermost = nullptr;
-
     PassNumber m_Found;
     PassNumber m_Own;
-    PassApart* m_Outer;
 };
-
-inline bool Pass::IsLive(PassNumber number)
-{
-    bool isLive = number == state.present;
-    for (const PassApart* apart = PassApart::innermost; apart && !isLive; apart = apart->m_Outer)
-        isLive = number == apart->m_Found;
-    return isLive;
-}
 
 } // namespace tovo::detail
 

@@ -301,7 +301,7 @@ bool Program::CallObject(ExpressionState& state, Object& object, Purpose purpose
     bool isCalculated = purpose != Purpose::Check || object.IsValid(message, 1);
     if (isCalculated) {
         // What the object leaves as a text may be the last one.
-        if (EndsWithObject())
+        if (EndsWithReference())
             ErrorTexts::Give(state.calcSet, 0);
         isCalculated = object.Calculate(message, list);
     }

@@ -47,6 +47,8 @@ struct ExpressionState {
     PassNumber checkedIn = kNeverInPass;
     PassNumber calculatedIn = kNeverInPass;
     PassNumber scannedIn = kNeverInPass;
+    // The first number of the pass in which others may have come by it last.
+    PassNumber reachedIn = kNeverInPass;
     PassNumber gaveUpIn = kNeverInPass; // the program did
     PassNumber ownNameIn = kNeverInPass; // found in its set under its own name
     CString checkedName; // under which it was checked
@@ -92,6 +94,10 @@ public:
     // What the last run left as the text of an error. Nothing is known if a host's object was the
     // last to be called.
     bool EndsWithObject() const { return m_LastCode == TOK_FORMTBL || m_EndsWithHostFormula; }
+    bool EndsWithReference() const
+    {
+        return m_LastCode == TOK_FORMULA || m_LastCode == TOK_FORMTBL;
+    }
     bool EndsWithTable() const { return m_LastCode == TOK_FORMTBL; }
     RuntimeError LeftText() const { return m_LeftText; }
     // Whether a run calls no object but stock variables, so that nothing can come back from it.

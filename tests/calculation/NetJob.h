@@ -331,14 +331,13 @@ protected:
         if (!Has(NET_CHANGES))
             return;
         m_Variables[0]->SetValue(m_Turn % 3);
-        if (std::exchange(m_DisturbedIn, m_Turn) != m_Turn)
-            DisturbOnce(*m_Sets[0]);
+        ChangeOneThing(*m_Sets[0]);
         CScannedVariables own;
         m_Formulas[std::size_t(m_Turn) % m_Formulas.size()]->GetVariables(own, 1, 0);
         if (m_Top)
             ComeBack(*m_Top, list);
     }
-    void DisturbOnce(CalcSetImpl& set)
+    void ChangeOneThing(CalcSetImpl& set)
     {
         switch (m_Turn % 7) {
         case 0:
@@ -354,7 +353,7 @@ protected:
         case 5:
             return m_Tables[1]->SetCalculated(0);
         default:
-            return set.SetReportFcnDomainErrors(m_Turn % 2);
+            return set.SetJobSize(m_Turn % 3);
         }
     }
     // A formula in progress refuses to be checked and calculated again. What the refusal writes is
@@ -407,7 +406,6 @@ protected:
     std::vector<std::unique_ptr<CalculationPass>> m_Passes;
 
     int m_Turn = 0;
-    int m_DisturbedIn = 0;
     int m_Thrower = 0;            // of the turn, 0 for none
     FormulaImpl* m_Top = nullptr; // what the present action checks or calculates
     std::string m_Seen;

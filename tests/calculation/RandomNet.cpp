@@ -312,14 +312,34 @@ private:
         Put("\n> ");
         Put(deed.name);
         try {
-            Put((this->*deed.go)());
+            const int answer = (this->*deed.go)();
+            Put(answer);
             Put(static_cast<int>(m_Message));
-            Look();
+            // Where an object fails, those that change things are asked once more.
+            if (answer == 0 && Has(NET_CHANGES))
+                BeginAnew();
+            else
+                Look(answer != 0);
+            if (answer == 0)
+                for (const auto& set : m_Sets)
+                    set->SetStrError(CString());
         } catch (const HostTrouble&) {
             Put(" thrown");
             TidyUp();
         }
+        if (Has(NET_CHANGES)) {
+            unsigned int message = 0;
+            m_Edited->Calculate(message, nullptr);
+        }
         LookAtExpressions();
+    }
+    void BeginAnew()
+    {
+        TidyUp();
+        for (const auto& formula : m_Formulas)
+            formula->GetExpression().LoadExpressionTree(0);
+        for (CFmlaExpression* const expression : {&m_HostFormula->m_Expression, &m_HostTable->m_Expression})
+            expression->LoadExpressionTree(0);
     }
     // After an exception only the expressions are looked at; whatever else it may have left half
     // done begins anew.
@@ -336,7 +356,7 @@ private:
             set->ErrorTracker().SetError(0, nullptr, u"none");
         }
     }
-    void Look()
+    void Look(bool isDone)
     {
         for (const CScannedVariables* list : {m_Kept.get(), &*m_Fresh}) {
             Put("\nlist " + Names(*list));
@@ -344,7 +364,7 @@ private:
         }
         for (const auto& table : m_Tables) {
             Put("\n" + table->GetName().ToUtf8());
-            Put(table->GetValue());
+            Put(table->GetCalculated() ? table->GetValue() : 0.0);
             Put(table->GetCalculated(), table->GetScanned(), table->GetScannedInCondition());
         }
         for (const auto& variable : m_Variables) {
@@ -355,7 +375,9 @@ private:
         Put("\nown, deep");
         Put(m_Own.m_InCond, m_Deep.m_InCond);
         for (const auto& set : m_Sets) {
-            Put("\nset " + Dump(set->ErrorTracker()) + set->GetStrError().ToUtf8());
+            // A failure is found more than once, and leaves the text of the last time.
+            Put("\nset " + Dump(set->ErrorTracker()));
+            Put(isDone ? set->GetStrError().ToUtf8() : std::string());
             Put(set->GetDURATIONInCondition(), set->GetJOBSIZEInCondition(),
                 set->GetQuantityInCondition(), set->GetQuantityInCalculations());
         }
