@@ -397,7 +397,8 @@ int BoundWork::Calculate(CScannedVariables* list)
 {
     if (State().marks > 0)
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
-    if (IsCalculated(list)) {
+    // In another set, the check may have left a text where a walk does not come by.
+    if (IsCalculated(list) && !State().leftElsewhere) {
         LeaveTexts();
         return 1;
     }

@@ -26,8 +26,7 @@ bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* li
 {
     assert(state.marks > 0 || m_CallsNothing || m_Bindings.empty() || m_StockLookup);
     assert((purpose == Purpose::Scan) == (list != nullptr));
-    const bool isBound = m_IsBound && m_StockLookup && IsBoundStill();
-    if (!isBound && !m_Bindings.empty() && !BindAll(state))
+    if (!m_Bindings.empty() && !(m_IsBound && m_StockLookup && IsBoundStill()) && !BindAll(state))
         return false;
     m_LeftText = 0;
     switch (purpose) {
@@ -43,9 +42,11 @@ bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* li
     return false;
 }
 
+// In the course of a run, a set that finds names elsewhere has changed only if the pass tells so.
 bool Program::IsBoundStill() const
 {
-    return !m_StockLookup || ObjectCalls::LookupStateOf(*m_StockLookup) == m_BoundIn;
+    return m_StockLookup ? ObjectCalls::LookupStateOf(*m_StockLookup) == m_BoundIn
+                         : Pass::Present() == m_BoundInPass;
 }
 
 // A set that finds names elsewhere than in its entries is asked for each name in each run.
@@ -71,6 +72,7 @@ bool Program::BindAll(ExpressionState& state)
                      (!m_HasJobValues || ObjectCalls::IsStock(state.calcSet));
     if (m_StockLookup)
         m_BoundIn = ObjectCalls::LookupStateOf(*m_StockLookup);
+    m_BoundInPass = Pass::Present();
     m_IsBound = true;
     return true;
 }
@@ -124,7 +126,7 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
     const Instruction* const end = at + m_Code.size();
     for (; at != end; ++at) {
         if constexpr (kReadsHost)
-            if (ReadsVariable(at->operation) && !ReadVariable(m_Bindings[at->index], list))
+            if (ReadsVariable(at->operation) && !ReadVariable(state, m_Bindings[at->index], list))
                 return false;
         switch (at->operation) {
         case Operation::Number:
@@ -247,14 +249,14 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
 }
 
 // What is done with a variable before its value is taken from where it stands.
-bool Program::ReadVariable(Binding& binding, CScannedVariables* list)
+bool Program::ReadVariable(ExpressionState& state, Binding& binding, CScannedVariables* list)
 {
     if (list)
         RecordVariable(*list, binding.name, *binding.variable);
     if (!binding.isHost)
         return true;
     binding.value = binding.variable->GetValue();
-    return IsBoundStill();
+    return IsBoundStill() || BindAll(state);
 }
 
 // The other arguments stand on the stack, the last one is the value.
@@ -284,7 +286,7 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
         if (!ObjectCalls::CalculateByProgram(*binding.state, binding.name))
             return false;
         value = binding.state->value;
-        return IsBoundStill();
+        return IsBoundStill() || BindAll(state);
     }
     if (binding.state)
         ObjectCalls::NoteFound(*binding.state, binding.name);
@@ -310,7 +312,7 @@ bool Program::CallObject(ExpressionState& state, Object& object, Purpose purpose
         return false;
     }
     value = object.GetValue();
-    return IsBoundStill();
+    return IsBoundStill() || BindAll(state);
 }
 
 } // namespace tovo::detail

@@ -149,7 +149,7 @@ private:
     void TakeAddresses();
     template <Purpose kPurpose, bool kReadsHost>
     bool Execute(ExpressionState& state, CScannedVariables* list);
-    bool ReadVariable(Binding& binding, CScannedVariables* list);
+    bool ReadVariable(ExpressionState& state, Binding& binding, CScannedVariables* list);
     bool Compute(ICalculationSet& calcSet, const Instruction& instruction,
                  std::span<double> others, double& value);
     bool CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
@@ -165,6 +165,7 @@ private:
     std::shared_ptr<const CExpressionNames> m_Names;
     const CalcSetImpl* m_StockLookup = nullptr; // the set, where its entries tell all
     LookupState m_BoundIn;
+    PassNumber m_BoundInPass = kNeverInPass;
     std::unique_ptr<double[]> m_DeepStack; // for a program that needs more than is at hand
     RuntimeError m_LeftText = 0;
     std::uint8_t m_Kind = RT_NUMERIC;

@@ -1,6 +1,5 @@
 #include <cstdlib>
 #include <sstream>
-#include <fstream>
 
 #include <TovoFormula/CalculationPass.h>
 #include <calculation/NetObjects.h>
@@ -59,10 +58,9 @@ class RandomNets : public ::testing::TestWithParam<NetKind> {};
 
 TEST_P(RandomNets, RememberingShowsInNothingButTime)
 {
-    for (unsigned int seed = std::getenv("SEED") ? static_cast<unsigned int>(std::atoi(std::getenv("SEED"))) : 0u; seed < NetCount(); ++seed) {
+    for (unsigned int seed = 0; seed < NetCount(); ++seed) {
         const std::string remembered = LiveOfNet(GetParam().flags, seed, true);
         const std::string literal = LiveOfNet(GetParam().flags, seed, false);
-        if (remembered != literal && std::getenv("DUMP")) { std::ofstream("/tmp/on.txt") << remembered; std::ofstream("/tmp/off.txt") << literal; }
         ASSERT_TRUE(remembered == literal) << GetParam().name << ", seed " << seed << '\n'
                                            << FirstDifference(remembered, literal);
     }
