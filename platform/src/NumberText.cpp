@@ -268,7 +268,7 @@ WideText CleanNumber(WideView text, const NumberPlaces& places, WCHAR decimalSep
     if (rest.empty() || (next != kPoint && next != decimalSeparator))
         DropZerosBehindPoint(number);
     if (number.empty())
-        number += WCHAR('0');
+        number += '0';
     return WideText(text.substr(0, places.start)).append(number).append(rest);
 }
 
@@ -278,10 +278,10 @@ bool RoundDigits(WideText& digits, std::int64_t kept)
 {
     auto at = static_cast<std::size_t>(std::max<std::int64_t>(kept, 0));
     bool carries = kept >= 0 && digits[at] >= '5';
-    std::fill(digits.begin() + static_cast<std::ptrdiff_t>(at), digits.end(), WCHAR('0'));
+    std::fill(digits.begin() + static_cast<std::ptrdiff_t>(at), digits.end(), '0');
     while (carries && at-- > 0) {
         carries = digits[at] == '9';
-        digits[at] = carries ? WCHAR('0') : static_cast<WCHAR>(digits[at] + 1);
+        digits[at] = static_cast<WCHAR>(carries ? '0' : digits[at] + 1);
     }
     if (carries)
         digits.insert(0, 1, '1');
@@ -312,7 +312,7 @@ WideText RoundedNumber(WideView text, const NumberPlaces& places, int decimals,
     if (wanted > 0)
         number.append(1, decimalSeparator).append(digits, whole, static_cast<std::size_t>(wanted));
     else if (whole == 0)
-        number += WCHAR('0');
+        number += '0';
     return number.append(text.substr(places.end));
 }
 

@@ -83,7 +83,7 @@ void CFmlaExprBase::TakeTranslation(const Translation& translation)
     for (const Reference& reference : translation.references)
         if (reference.FitsWords())
             AppendReference(words, reference);
-    SetText(CString(WideView(translation.text)), words);
+    SetText(CString(translation.text), words);
     m_ScanPos = translation.scanPos;
     if (translation.fault)
         ReportFault(translation.fault);

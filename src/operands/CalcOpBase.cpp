@@ -229,10 +229,10 @@ CString CalcOpBase::GetRTFDisplay()
 void CalcOpBase::SetReference(OPERAND_KIND kind, const CString& name)
 {
     // The name may be this operand's own, which clearing would empty.
-    const CString kept = name;
+    CString kept = name;
     Clear();
     m_OperandKind = kind;
-    m_RefName = kept;
+    m_RefName = std::move(kept);
 }
 
 bool CalcOpBase::TakeExpression(std::unique_ptr<CFmlaExprBase> expression)

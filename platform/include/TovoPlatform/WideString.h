@@ -57,7 +57,7 @@ public:
     // Ends in a zero. Valid until this object is changed or destroyed.
     const WCHAR* GetString() const noexcept;
     // The characters, valid as GetString is.
-    WideView View() const noexcept { return m_Text ? WideView(*m_Text) : WideView(); }
+    WideView View() const noexcept { return m_Text ? *m_Text : WideView(); }
 
     // The character at an index from 0 to the length, where the length gives the terminating zero;
     // any other index throws CInvalidArgException.
