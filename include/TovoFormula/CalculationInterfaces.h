@@ -10,13 +10,23 @@ class CScannedVariables;
 // a stock object behind each (CalcSetImpl, VariableImpl, FormulaImpl, FormulaTableImpl); a host may
 // derive from those or implement the interfaces itself, and mix both in one set.
 //
-// Objects are looked up by name at each use, so a set may put another object under a name at any
-// time between two calls. Names compare exactly, case and blanks included, and come without the two
-// blanks that an expression's text keeps around a reference. The caller of a set owns nothing that
-// it is given. A message argument holds a message id; it is written on failure only. All calls come
-// on the thread that calculates: one set belongs to one thread at a time.
+// A pass is one outermost call of a host into the library, or the time for which it holds a
+// CalculationPass. Objects are taken to return the same within a pass: a set the same object for a
+// name, the same job values and choices, an object the same value and verdict. How often an object
+// is asked in a pass, and in what order, is not promised, only that what a result needs was asked
+// in that pass. A host whose object changes during a pass calls CalculationPass::NoteHostChange; a
+// change made through an operation of the library is noticed without it. Between two passes
+// anything may change.
 //
-// The order of the operations is what hosts compile against: add behind, never between.
+// Names compare exactly, case and blanks included, and come without the two blanks that an
+// expression's text keeps around a reference. The caller of a set owns nothing that it is given. A
+// message argument holds a message id; it is written on failure only. All calls come on the thread
+// that calculates: one set belongs to one thread at a time.
+//
+// An exception that an object throws passes through to the host's call. An expression that was
+// being checked is left without a tree, with message 0 and invalid position 0.
+//
+// The order of the operations is what hosts compile against: add at the end, never between.
 
 // The kind of value of a named object, which follows from its name.
 enum VALUETYPE {
@@ -103,8 +113,7 @@ struct TOVO_API ICalculationSet {
     virtual IFormulaObj* GetFormulaObj(CExString name) = 0;
     virtual IFormulaTableObj* GetFormulaTableObj(CExString name) = 0;
 
-    // The job values, read each time that an expression reads one. The flags beside them record
-    // what a scan met, and are written in a scan only.
+    // The job values. The flags beside them record what a scan met, and are written in a scan only.
     virtual double GetDuration() = 0;
     virtual void SetDURATIONInCondition(int inCondition) = 0;
     virtual double GetJobSize() = 0;
@@ -117,8 +126,8 @@ struct TOVO_API ICalculationSet {
     virtual int GetReportFcnDomainErrors() = 0;
     // The one tracker of this set, the same at every call: every failure is reported to it.
     virtual CCalcErrorTracker& ErrorTracker() = 0;
-    // Stores the run-time library's text of a mathematical error. Each token that starts to
-    // calculate sets it to an empty text.
+    // Stores the run-time library's text of a mathematical error. After a calculation it is that of
+    // the token that was calculated last, empty unless that failed.
     virtual void SetStrError(CString text) = 0;
     virtual void SetQuantityInCondition(int inCondition) = 0;
     // Called with 1 at the start of a new scan: a set that keeps Scanned flags clears them.

@@ -172,17 +172,14 @@ TEST_F(HostGuide, PlacesAreThoseOfTheTable)
     }
 }
 
-TEST_F(HostGuide, DerivedSet)
+TEST_F(HostGuide, ChoicesOfASet)
 {
     // [guide: set]
-    class Shop : public CalcSetImpl {
-    public:
-        int GetReportFcnDomainErrors() override { return 1; } // 1/0 is an error, not 0
-        int HasDatabase() override { return 1; }              // operands may refer to formulas
-    };
+    CalcSetImpl shop;
+    shop.SetReportFcnDomainErrors(1); // 1/0 is an error, not 0
+    shop.SetHasDatabase(1);           // operands may refer to formulas
     // [end]
     CalcSetImpl job;
-    Shop shop;
     CFmlaExpression tolerant(job), strict(shop);
     for (CFmlaExpression* expression : {&tolerant, &strict})
         expression->SetFromEncodedString("IF(V(x)=0,0,1/V(x))");
@@ -291,9 +288,11 @@ TEST_F(HostGuide, OwnVariable)
     // [guide: own]
     class Clock : public IVarObj {
     public:
+        void Tick() { ++m_Seconds; }
+
         CString& GetName() override { return m_Name; }
         void SetName(CString& name) override { m_Name = name; }
-        double GetValue() override { return ++m_Seconds; } // asked at each place that names it
+        double GetValue() override { return m_Seconds; } // the same throughout a pass
         void SetValue(double) override {}
         void SetInCond(int inCondition) override { m_InCond = inCondition; }
         bool IsNumeric() override { return true; }
@@ -311,20 +310,87 @@ TEST_F(HostGuide, OwnVariable)
 
     class Plant : public CalcSetImpl {
     public:
+        explicit Plant(Clock& clock) : m_Clock(clock) {}
+
         IVarObj* GetVarObj(CExString name, int flag, long key) override
         {
             return name == m_Clock.GetName() ? &m_Clock : CalcSetImpl::GetVarObj(name, flag, key);
         }
 
     private:
-        Clock m_Clock;
+        Clock& m_Clock;
     };
     // [end]
-    Plant plant;
-    CFmlaExpression expression(plant);
-    expression.SetFromEncodedString("V(Clock)-V(Clock)+V(Unknown)");
-    EXPECT_EQ(expression.IsValid(), 1);
-    EXPECT_EQ(expression.GetValue(), -1.0);
+    Clock clock;
+    Plant plant(clock);
+    FormulaImpl below(&plant), shift(&plant);
+    Put(plant, below, u"Below", "V(Clock)*2");
+    Put(plant, shift, u"Shift", "F(Below)+V(Unknown)");
+    unsigned int message = MSG_NONE;
+    // [guide: note]
+    CalculationPass pass;
+    shift.Calculate(message, nullptr);
+    const double early = shift.GetValue(); // 0
+    clock.Tick();
+    pass.NoteHostChange();
+    shift.Calculate(message, nullptr);
+    const double late = shift.GetValue(); // 2
+    // [end]
+    EXPECT_EQ(early, 0.0);
+    EXPECT_EQ(late, 2.0);
+}
+
+TEST_F(HostGuide, HeldPass)
+{
+    CalcSetImpl job;
+    VariableImpl width(&job);
+    Put(job, width, u"Width", 1);
+    FormulaImpl area(&job), cost(&job), wrong(&job);
+    Put(job, area, u"Area", "V(Width)*5");
+    Put(job, cost, u"Cost", "F(Area)*2");
+    Put(job, wrong, u"Wrong", "F(Area)*F(Gone)");
+    const std::vector<FormulaImpl*> formulas{&cost, &wrong, &area};
+    std::vector<FormulaImpl*> faults;
+    unsigned int message = MSG_NONE;
+    // [guide: held]
+    width.SetValue(4);
+    job.StartNewPass(); // the flags of tables, see below
+    {
+        CalculationPass pass;
+        for (FormulaImpl* formula : formulas)
+            if (!formula->Calculate(message, nullptr))
+                faults.push_back(formula);
+    }
+    // [end]
+    EXPECT_EQ(cost.GetValue(), 40.0);
+    EXPECT_EQ(area.GetValue(), 20.0);
+    EXPECT_EQ(faults, std::vector<FormulaImpl*>{&wrong});
+}
+
+TEST_F(HostGuide, SetWithStockLookup)
+{
+    // [guide: lookup]
+    class Estimate : public CalcSetImpl {
+    public:
+        Estimate() { UseStockLookup(); }
+
+        double GetQuantity() override { return m_Pieces; } // asked as before
+
+        int m_Pieces = 1;
+    };
+    // [end]
+    Estimate job;
+    VariableImpl width(&job), wider(&job);
+    Put(job, width, u"Width", 2);
+    FormulaImpl area(&job);
+    Put(job, area, u"Area", "V(Width)*QUANTITY");
+    unsigned int message = MSG_NONE;
+    const auto calculated = [&] { return area.Calculate(message, nullptr) ? area.GetValue() : 0; };
+    EXPECT_EQ(calculated(), 2.0);
+    job.m_Pieces = 3;
+    EXPECT_EQ(calculated(), 6.0);
+    Put(job, wider, u"Width", 5);
+    EXPECT_EQ(calculated(), 15.0);
 }
 
 TEST_F(HostGuide, German)
