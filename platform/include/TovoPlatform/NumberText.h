@@ -13,6 +13,7 @@ namespace tovo {
 // with one decimal separator, an exponent; the rest is passed over. The separator given counts as
 // well as ".". Correctly rounded; too large gives an infinity, too small 0.0.
 TOVO_API double ParseDouble(WideView text, WCHAR decimalSeparator = u'.');
+// The same of a CString.
 TOVO_API double ParseDouble(const CString& text, WCHAR decimalSeparator = u'.');
 
 // The whole number that the text begins with, 0 if it begins with none; saturates.
