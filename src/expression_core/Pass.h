@@ -11,7 +11,7 @@ namespace tovo::detail {
 // in between. No two threads have a number in common, since a set may be handed from one to another.
 using PassNumber = std::uint64_t;
 inline constexpr PassNumber kNeverInPass = 0;
-inline constexpr PassNumber kNumbersInBlock = PassNumber(1) << 32;
+inline constexpr PassNumber kNumbersInBlock = static_cast<PassNumber>(1) << 32;
 
 struct PassState {
     int depth = 0; // of calls and held passes

@@ -215,7 +215,7 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
             break;
         case Operation::Function:
             stack -= at->count - 1;
-            if (!Compute(state.calcSet, *at, {stack, at->count - std::size_t(1)}, top))
+            if (!Compute(state.calcSet, *at, {stack, at->count - 1u}, top))
                 return false;
             break;
         case Operation::IfBegins:
