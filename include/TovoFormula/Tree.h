@@ -9,11 +9,11 @@
 
 // A node of an ordered tree.
 //
-// Owns: its children and its data; deleting a node deletes everything below it, without recursion,
-// so that no depth exhausts the stack. Does not own: its parent. A function that takes a node or
-// gives a new one leaves it to the tree that it enters. An index counts children from 0; a bad one
-// throws CInvalidArgException where the operation does not say otherwise. A twig is a node without
-// children.
+// Owns: its children and its data; deleting a node deletes everything below it. That needs neither
+// recursion nor memory, so it works at any depth and when memory is out. Does not own: its parent.
+// A function that takes a node or gives a new one leaves it to the tree that it enters. An index
+// counts children from 0; a bad one throws CInvalidArgException where the operation does not say
+// otherwise. A twig is a node without children.
 class TOVO_API CTree : public CObject {
 public:
     // The node does not enter the parent's list by this.
@@ -57,7 +57,9 @@ public:
     // The next node in post-order; null after the root.
     CTree* GetNextTwigOrParent();
 
-    // Deletes the children, each with its subtree, then the data. Runs when the node is deleted.
+    // Deletes the children from the left, each with its subtree, then the data. Runs when the node
+    // is deleted. Meanwhile no node involved shows any children, and the parent link of a node
+    // that had some is set to the node that owned it.
     void Clear();
 
 protected:
@@ -70,7 +72,7 @@ protected:
     CObject* m_Data;                // owned by this node
 
 private:
-    void ClearChildren();
+    class Demolition;
 };
 
 // A node of an expression tree: every node is a CETree and its data is a CExprToken. The operations

@@ -1,7 +1,7 @@
 #include <TovoFormula/Tree.h>
 
+#include <algorithm>
 #include <utility>
-#include <vector>
 
 #include <TovoFormula/ExprToken.h>
 
@@ -40,6 +40,69 @@ bool IsRuledOut(const CETree& ifNode, int index)
 }
 
 } // namespace
+
+// Deletes all that is below a node, children from the left and each after everything below it, in a
+// loop and without allocating.
+//
+// The work is on one node at a time. The node's list of children has been taken out of it and
+// reversed, so that the next child to delete is the last entry. A child without a list is deleted
+// on the spot; any other becomes the node to work on. Two pointers lead back from it, and both lie
+// where nothing else is needed any more: the child's parent link is set to the node, and the
+// child's entry in the node's list is replaced by the list of the level above. When a list is
+// empty, its node is deleted and the work returns to the node above. Each entry is handled a
+// constant number of times, and a node that is deleted has no list left for its own destructor to
+// descend into.
+class CTree::Demolition {
+public:
+    explicit Demolition(CTree& root) : m_Root(root), m_Node(&root), m_Children(TakeChildren(root))
+    {}
+
+    void Run()
+    {
+        while (!m_Children->IsEmpty() || m_Node != &m_Root) {
+            if (m_Children->IsEmpty())
+                LeaveNode();
+            else
+                DeleteOrEnter(static_cast<CTree*>(LastEntry()));
+        }
+        delete m_Children;
+    }
+
+private:
+    static CObArray* TakeChildren(CTree& node)
+    {
+        CObArray* const children = std::exchange(node.m_Children, nullptr);
+        if (!children->IsEmpty())
+            std::reverse(&(*children)[0], &(*children)[0] + children->GetSize());
+        return children;
+    }
+    int LastIndex() const { return m_Children->GetSize() - 1; }
+    CObject* LastEntry() const { return m_Children->GetAt(LastIndex()); }
+
+    void DeleteOrEnter(CTree* child)
+    {
+        if (child && child->m_Children) {
+            m_Children->SetAt(LastIndex(), m_Above);
+            m_Above = std::exchange(m_Children, TakeChildren(*child));
+            child->m_Parent = std::exchange(m_Node, child);
+        } else {
+            m_Children->RemoveAt(LastIndex());
+            delete child;
+        }
+    }
+    void LeaveNode()
+    {
+        delete std::exchange(m_Children, m_Above);
+        m_Above = static_cast<CObArray*>(LastEntry());
+        m_Children->RemoveAt(LastIndex());
+        delete std::exchange(m_Node, m_Node->m_Parent);
+    }
+
+    CTree& m_Root;
+    CTree* m_Node;
+    CObArray* m_Children;        // the node's, reversed
+    CObArray* m_Above = nullptr; // the list in which the node was the last entry; null at the root
+};
 
 CTree::CTree(CTree* parent, CObject* data) : m_Parent(parent), m_Data(data)
 {}
@@ -117,37 +180,8 @@ CTree* CTree::GetNextTwigOrParent()
 void CTree::Clear()
 {
     if (m_Children)
-        ClearChildren();
+        Demolition(*this).Run();
     delete std::exchange(m_Data, nullptr);
-}
-
-void CTree::ClearChildren()
-{
-    // A node taken apart here has no list left, so that its own destructor finds nothing to descend
-    // into: the depth of the tree costs memory of the heap, not of the stack.
-    struct Level {
-        std::unique_ptr<CTree> node; // null for this node itself
-        std::unique_ptr<CObArray> children;
-        int next = 0;
-    };
-    std::vector<Level> levels;
-    const auto open = [&levels](CTree& node, std::unique_ptr<CTree> owner) {
-        std::unique_ptr<CObArray> children(std::exchange(node.m_Children, nullptr));
-        if (children)
-            levels.push_back({std::move(owner), std::move(children), 0});
-    };
-
-    open(*this, nullptr);
-    while (!levels.empty()) {
-        Level& level = levels.back();
-        if (level.next == level.children->GetSize()) {
-            levels.pop_back();
-            continue;
-        }
-        auto* const child = static_cast<CTree*>(level.children->GetAt(level.next++));
-        if (child)
-            open(*child, std::unique_ptr<CTree>(child));
-    }
 }
 
 CTree* CTree::InsertChildAt(int index, CTree* child)

@@ -32,6 +32,13 @@ protected:
         return child;
     }
 
+    // Puts a null entry behind the node's last child.
+    static void AddGap(CTree& parent)
+    {
+        const std::unique_ptr<CTree> child(parent.AddChild(nullptr));
+        parent.ReplaceChild(child.get(), nullptr);
+    }
+
     static std::string Walk(CTree* node, CTree* (CTree::*next)())
     {
         std::string letters;
@@ -97,6 +104,34 @@ TEST_F(TreeNodes, DeletingANodeDeletesAllBelowIt)
     EXPECT_EQ(m_Deleted, "bc*");
     m_Sum.reset();
     EXPECT_EQ(m_Deleted, "bc*d+");
+}
+
+TEST_F(TreeNodes, DeletingCopesWithMissingChildrenAndForeignParentLinks)
+{
+    AddGap(*m_A);
+    CTree* const ofC = m_A->AddChild(new CTree(m_C, new Letter('x', m_Deleted)));
+    AddLetter(*ofC, 'y');
+    AddGap(*ofC);
+    AddGap(*m_A);
+    CTree* const ofNone = m_A->AddChild(new CTree(nullptr, new Letter('z', m_Deleted)));
+    AddGap(*ofNone);
+    AddGap(*m_A);
+    m_Sum.reset();
+    EXPECT_EQ(m_Deleted, "yxzabc*+");
+}
+
+TEST_F(TreeNodes, DeletingStandsAnyDepthAndBreadth)
+{
+    constexpr int kMany = 200'000;
+    CTree* deepest = m_B;
+    for (int count = 0; count < kMany; ++count) {
+        deepest = AddLetter(*deepest, 'd');
+        AddLetter(*m_C, 'w');
+    }
+    m_Sum.reset();
+    const std::string deep(kMany, 'd');
+    const std::string wide(kMany, 'w');
+    EXPECT_TRUE(m_Deleted == "a" + deep + "b" + wide + "c*+");
 }
 
 } // namespace
