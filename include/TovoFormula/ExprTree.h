@@ -1,8 +1,6 @@
 #ifndef TOVOFORMULA_EXPRTREE_H
 #define TOVOFORMULA_EXPRTREE_H
 
-#include <memory>
-
 #include <TovoFormula/Tree.h>
 #include <TovoPlatform/Collections.h>
 
@@ -11,7 +9,8 @@ struct ICalculationSet;
 
 namespace tovo::detail {
 class BoundWork;
-}
+class TreeWork;
+} // namespace tovo::detail
 
 // An expression as a checked tree: built from tokens one by one, with nothing looked ahead, and
 // calculated as often as wanted.
@@ -43,8 +42,8 @@ public:
     void Clear();
 
     // Calculates the active nodes, leaves first: all but the branch of an IF that its condition
-    // rules out. With a list, what is reached records itself there. Requires: a closed tree, else
-    // 0.
+    // rules out. With a list, what is reached records itself there. Answers 0 for an empty tree and
+    // for one in which an active node is not complete.
     int Calculate(CScannedVariables* list);
     // These speak of the root token, and answer 0 without one. After a failed calculation they may
     // still tell what an earlier one left.
@@ -75,50 +74,51 @@ public:
     static void EndIfCondition() { --m_InIfConditionCount; }
 
 protected:
+    // The steps of building. Each answers 1, or 0 with GetMsg set if it says nothing else.
+
+    // Whether the token may begin an expression, or follow m_LastToken. They settle a minus as
+    // unary or binary. Requires: a last token, for the second.
     int ValidFirstToken(CExprToken* token);
     int TokenOrderOK(CExprToken* token);
+    // Put the token into a new node, above m_Current or as its last child, and make that current.
+    // On success the tree owns the token, else the caller still does. Requires: a current node.
     int InsertNewParentToken(CExprToken* token);
     int InsertChildToken(CExprToken* token);
+    // Moves m_Current up to the nearest function, completing each node that it leaves; closed
+    // nonzero leaves the current node even if it is a function itself. Answers 0 with GetMsg 0 if
+    // no function is there. Requires: a current node.
     int MoveUpToFunction(int closed);
+    // Compare the kinds of all arguments of m_Current, or of the child at the index, with what
+    // m_Current takes, and settle its kinds that are still open. Requires: a current node, and an
+    // index of one of its arguments.
     int CheckCurrentChildren();
     int ChildIsOk(int index);
+    // Checks m_Current and calculates it from its children; where one that counts has no value yet,
+    // the node is left without one too. Formulas and tables are not touched if m_Nested is 0. The
+    // list is null while the tree is built. Requires: a current node.
     int CalcCurrentNode(CScannedVariables* list);
     ICalculationSet& CalcSet() const { return m_CalcSet; }
-
-private:
-    // Builds trees anew that are known to be good, without calculating anything.
-    friend class tovo::detail::BoundWork;
-
-    int Raise(unsigned int message, CObject* object);
-    int RefuseToken(CExprToken& token);
-    CExprToken* Current() const { return m_Current->GetData(); }
-    CExprToken* RootToken() const { return m_Root ? m_Root->GetData() : nullptr; }
-
-    bool PutGroupBefore(const CExprToken& token, int pos, int nested);
-    void PlantRoot(std::unique_ptr<CExprToken> token, int nested);
-    bool ClimbAbove(int precedence);
-    bool InsertOperator(std::unique_ptr<CExprToken>& token);
-    bool InsertBelow(std::unique_ptr<CExprToken>& token);
-    int RaiseWrongKind(int index);
-    int CheckArgumentCount();
-    int CalcFromChildren(CScannedVariables* list);
-    bool CollectArguments(double* args, int numArgs) const;
-    bool CompleteUpToRoot();
-    int CalculateActiveNode(CScannedVariables* list);
 
 protected:
     CETree* m_Root = nullptr;          // null while the tree is empty; owned by this tree
     CETree* m_Current = nullptr;       // the node that the last token left open
     CExprToken* m_LastToken = nullptr; // the token taken last, in the tree
-    unsigned int m_Msg = 0;
-    int m_Nested = 0;
-    ICalculationSet& m_CalcSet;
+    unsigned int m_Msg = 0;            // as GetMsg
+    int m_Nested = 0;                  // as given with the first token; 0 once the tree is closed
+    ICalculationSet& m_CalcSet;        // not owned
 
     // The depth of conditions. Kept for each thread; put back as found when a calculation ends,
     // however it ends.
     static constinit thread_local int m_InIfConditionCount;
 
 private:
+    // Builds trees anew that are known to be good, without calculating anything.
+    friend class tovo::detail::BoundWork;
+    // Does what the operations above promise.
+    friend class tovo::detail::TreeWork;
+
+    CExprToken* RootToken() const { return m_Root ? m_Root->GetData() : nullptr; }
+
     bool m_IsShapeOnly = false; // tokens count as calculated while the tree is built
 };
 

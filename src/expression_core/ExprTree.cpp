@@ -1,9 +1,12 @@
 #include <TovoFormula/ExprTree.h>
 
-#include <TovoFormula/CalcErrorTracker.h>
-#include <TovoFormula/CalculationInterfaces.h>
+#include <utility>
+
 #include <TovoFormula/ExprToken.h>
-#include <TovoFormula/MessageIds.h>
+
+#include "TreeWork.h"
+
+using tovo::detail::TreeWork;
 
 constinit thread_local int CExprTree::m_InIfConditionCount = 0;
 
@@ -60,12 +63,27 @@ CExprTree::~CExprTree()
     delete m_Root;
 }
 
+int CExprTree::InsertToken(int code, CString text, int pos, int nested)
+{
+    return TreeWork(*this).InsertToken(code, std::move(text), pos, nested);
+}
+
+int CExprTree::EndOfExpression()
+{
+    return TreeWork(*this).EndOfExpression();
+}
+
 void CExprTree::Clear()
 {
     delete m_Root;
     m_Root = nullptr;
     m_Current = nullptr;
     m_LastToken = nullptr;
+}
+
+int CExprTree::Calculate(CScannedVariables* list)
+{
+    return TreeWork(*this).Calculate(list);
 }
 
 int CExprTree::IsLoaded() const
@@ -117,9 +135,42 @@ POSITION CExprTree::GetNextFmlOrTbl(POSITION pos, CString& text, int& code) cons
     return NextAfter(pos, IsFmlOrTbl, text, code);
 }
 
-int CExprTree::Raise(unsigned int message, CObject* object)
+int CExprTree::ValidFirstToken(CExprToken* token)
 {
-    m_Msg = message;
-    CalcSet().ErrorTracker().SetError(message, object);
-    return 0;
+    return TreeWork(*this).ValidFirstToken(token);
+}
+
+int CExprTree::TokenOrderOK(CExprToken* token)
+{
+    return TreeWork(*this).TokenOrderOK(token);
+}
+
+int CExprTree::InsertNewParentToken(CExprToken* token)
+{
+    return TreeWork(*this).InsertNewParentToken(token);
+}
+
+int CExprTree::InsertChildToken(CExprToken* token)
+{
+    return TreeWork(*this).InsertChildToken(token);
+}
+
+int CExprTree::MoveUpToFunction(int closed)
+{
+    return TreeWork(*this).MoveUpToFunction(closed);
+}
+
+int CExprTree::CheckCurrentChildren()
+{
+    return TreeWork(*this).CheckCurrentChildren();
+}
+
+int CExprTree::ChildIsOk(int index)
+{
+    return TreeWork(*this).ChildIsOk(index);
+}
+
+int CExprTree::CalcCurrentNode(CScannedVariables* list)
+{
+    return TreeWork(*this).CalcCurrentNode(list);
 }

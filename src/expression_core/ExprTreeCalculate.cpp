@@ -1,4 +1,4 @@
-#include <TovoFormula/ExprTree.h>
+#include "TreeWork.h"
 
 #include <array>
 
@@ -8,6 +8,7 @@
 #include "IfDepthGuard.h"
 #include "TokenCatalogue.h"
 
+namespace tovo::detail {
 namespace {
 
 int ArgumentPlace(const CExprToken& token, int argument)
@@ -53,81 +54,96 @@ bool IsReference(const CExprToken& token)
 
 } // namespace
 
-int CExprTree::Calculate(CScannedVariables* list)
+// The walk is a post-order over the active nodes, in a loop: from the first twig of the root, from
+// each node to the first twig of its next active sibling, or to its parent if there is none. The
+// parent names that sibling, and an IF leaves out the branch that its condition rules out; by then
+// the condition has been calculated, as it stands further left. So each active node is calculated
+// once, after its children and from their present values; a skipped branch keeps the values of an
+// earlier walk. The depth of conditions goes up and down as the walk enters and leaves the
+// condition of an IF, and is as it was found when the walk ends early.
+//
+// The kinds of a node that was completed while the tree was built are known to fit, so they are
+// compared only for a node that waited for a reference. The first failure ends the walk, and the
+// nodes above it keep what they have.
+int TreeWork::Calculate(CScannedVariables* list)
 {
-    if (!m_Root)
+    if (!m_Tree.m_Root)
         return 0;
-    const tovo::detail::IfDepthGuard depth(m_InIfConditionCount);
-    m_Current = m_Root->FindFirstTwig();
+    const IfDepthGuard depth(CExprTree::m_InIfConditionCount);
+    m_Tree.m_Current = m_Tree.m_Root->FindFirstTwig();
     while (CalculateActiveNode(list)) {
-        CETree* const parent = m_Current->GetParent();
+        CETree* const parent = m_Tree.m_Current->GetParent();
         if (!parent) {
-            m_Current = nullptr;
+            m_Tree.m_Current = nullptr;
             return 1;
         }
-        CETree* const next = parent->GetNextActiveChild(m_Current, m_InIfConditionCount);
-        m_Current = next ? next->FindFirstTwig() : parent;
+        CETree* const next =
+            parent->GetNextActiveChild(m_Tree.m_Current, CExprTree::m_InIfConditionCount);
+        m_Tree.m_Current = next ? next->FindFirstTwig() : parent;
     }
     return 0;
 }
 
-int CExprTree::CalcCurrentNode(CScannedVariables* list)
+int TreeWork::CalcCurrentNode(CScannedVariables* list)
 {
-    CExprToken& token = *Current();
-    if (!m_Nested && (token.IsFormula() || token.IsFormtbl()))
+    CExprToken& token = Current();
+    if (!m_Tree.m_Nested && (token.IsFormula() || token.IsFormtbl()))
         return 1;
     return CheckCurrentChildren() && CheckArgumentCount() ? CalcFromChildren(list) : 0;
 }
 
-int CExprTree::CalcFromChildren(CScannedVariables* list)
+int TreeWork::CalcFromChildren(CScannedVariables* list)
 {
-    CExprToken& token = *Current();
-    const int numArgs = NumArguments(*m_Current);
-    std::array<double, tovo::detail::kMaxArguments> args;
-    if (m_IsShapeOnly) {
+    CExprToken& token = Current();
+    const int numArgs = NumArguments(*m_Tree.m_Current);
+    std::array<double, kMaxArguments> args;
+    if (m_Tree.m_IsShapeOnly) {
         token.SetCalculated(1);
     } else if (CollectArguments(args.data(), numArgs) &&
                !token.Calculate(numArgs > 0 ? args.data() : nullptr, numArgs, 1, list)) {
-        m_Msg = token.GetCalculationError();
+        m_Tree.m_Msg = token.GetCalculationError();
         return 0;
     }
     token.SetLoaded(1);
     return 1;
 }
 
-int CExprTree::CheckArgumentCount()
+int TreeWork::CheckArgumentCount()
 {
-    CExprToken& token = *Current();
-    if (token.IsFunction() && IsOpen(*m_Current))
-        return Raise(MessageOfOpenFunction(token, m_Current->NumChildren()), &token);
-    const int numArgs = NumArguments(*m_Current);
+    CExprToken& token = Current();
+    if (token.IsFunction() && IsOpen(*m_Tree.m_Current))
+        return Raise(MessageOfOpenFunction(token, m_Tree.m_Current->NumChildren()), &token);
+    const int numArgs = NumArguments(*m_Tree.m_Current);
     if (numArgs < token.GetMinArgs() || numArgs > token.GetMaxArgs())
         return Raise(MSG_GENERAL_FAILURE, &token);
     return 1;
 }
 
 // Whether all values that count are there. What does not count is handed on all the same.
-bool CExprTree::CollectArguments(double* args, int numArgs) const
+bool TreeWork::CollectArguments(double* args, int numArgs) const
 {
-    const CExprToken& token = *Current();
+    const CExprToken& token = Current();
     bool areThere = true;
     for (int argument = 0; argument < numArgs; ++argument) {
-        const CExprToken& child = *m_Current->GetChild(ArgumentPlace(token, argument))->GetData();
+        const CExprToken& child =
+            *m_Tree.m_Current->GetChild(ArgumentPlace(token, argument))->GetData();
         args[argument] = child.GetValue();
         areThere = areThere && (child.IsCalculated() || !Counts(token, args, argument));
     }
     return areThere;
 }
 
-int CExprTree::CalculateActiveNode(CScannedVariables* list)
+int TreeWork::CalculateActiveNode(CScannedVariables* list)
 {
-    CExprToken& token = *Current();
+    CExprToken& token = Current();
     const int result = IsReference(token) ? token.Calculate(nullptr, 0, 1, list)
                        : token.IsLoaded() ? CalcFromChildren(list) // was checked when it was built
                                           : CalcCurrentNode(list);
-    if (m_Msg == MSG_NONE && !token.IsCalculated()) {
-        m_Msg = token.GetCalculationError();
+    if (m_Tree.m_Msg == MSG_NONE && !token.IsCalculated()) {
+        m_Tree.m_Msg = token.GetCalculationError();
         return 0;
     }
     return result;
 }
+
+} // namespace tovo::detail
