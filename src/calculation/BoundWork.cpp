@@ -56,6 +56,61 @@ private:
     bool m_HasEnded = false;
 };
 
+// An expression whose program is run again. What is in progress is known by its names, but as long
+// as nothing looks for them, they need not be entered.
+class BoundWork::Rerun {
+public:
+    explicit Rerun(BoundWork& work)
+        : m_Throwing(work), m_State(*work.m_Expression.m_State), m_Mark(m_State.marks),
+          m_Outer(innermost), m_Outermost(m_Outer ? m_Outer->m_Outermost : this)
+    {
+        innermost = this;
+    }
+    ~Rerun()
+    {
+        innermost = m_Outer;
+        if (m_Entry)
+            CFmlaExpression::m_NestedFmlaNames.RemoveAt(m_Entry);
+    }
+
+    Rerun(const Rerun&) = delete;
+    Rerun& operator=(const Rerun&) = delete;
+
+    void End() { m_Throwing.End(); }
+
+    // Whether the outermost one, which need not be in its set, bears the name.
+    static bool IsNamed(const CString& name)
+    {
+        return innermost && innermost->m_Outermost->m_State.checkedName == name;
+    }
+    // To be called before names are looked for or entered.
+    static void EnterNames()
+    {
+        if (innermost && !innermost->m_IsEntered)
+            innermost->EnterWithOuter();
+    }
+
+private:
+    void EnterWithOuter()
+    {
+        if (m_Outer && !m_Outer->m_IsEntered)
+            m_Outer->EnterWithOuter();
+        m_IsEntered = true;
+        if (!m_State.checkedName.IsEmpty())
+            m_Entry = CFmlaExpression::m_NestedFmlaNames.AddHead(m_State.checkedName);
+    }
+
+    static inline constinit thread_local Rerun* innermost = nullptr;
+
+    Throwing m_Throwing;
+    ExpressionState& m_State;
+    UnderWay m_Mark;
+    Rerun* const m_Outer;
+    Rerun* const m_Outermost;
+    POSITION m_Entry = nullptr;
+    bool m_IsEntered = false;
+};
+
 BoundWork::BoundWork(CFmlaExpression& expression, const CString& formulaName)
     : m_Expression(expression)
 {
@@ -95,6 +150,7 @@ void BoundWork::Forget()
         return;
     ExpressionState& state = *m_Expression.m_State;
     state.isLoadedByProgram = false;
+    state.mayRunAgain = false;
     state.checkedIn = state.calculatedIn = state.scannedIn = kNeverInPass;
 }
 
@@ -121,6 +177,7 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
     if (Namesakes::MayExist() && Namesakes::AreThere(state, name))
         apart.emplace();
     m_IsNamesake = apart.has_value();
+    Rerun::EnterNames();
     std::optional<NestedNameGuard> entry;
     if (!name.IsEmpty()) {
         entry.emplace(CFmlaExpression::m_NestedFmlaNames, name);
@@ -270,6 +327,43 @@ void BoundWork::BuildTreeOfProgram()
     State().isLoadedByProgram = false;
 }
 
+// The shortest road, for a program that is as good as it was and calls nothing of a host. False,
+// with nothing done that shows, if the expression has to be looked at again.
+bool BoundWork::RunAgain(const CString& name)
+{
+    ExpressionState& state = *m_Expression.m_State;
+    if (!state.mayRunAgain || state.marks > 0 || state.checkedName != name ||
+        state.textOfProgram != m_Expression.m_TextVersion || !Pass::IsRemembering())
+        return false;
+    Program& program = *state.program;
+    CStringList& names = CFmlaExpression::m_NestedFmlaNames;
+    if (&program.Names() != CFmlaExprBase::PresentNames().get() || !program.IsBound() ||
+        UnderWay::IsDeepest() || Rerun::IsNamed(name) || (!names.IsEmpty() && names.Find(name)))
+        return false;
+    const PassNumber began = Pass::Present();
+    if (program.HasNested()) {
+        Rerun rerun(*this);
+        state.isLoadedByProgram = false;
+        const bool isDone = program.Run(state, Program::Purpose::Check, nullptr);
+        rerun.End();
+        if (!isDone) {
+            Forget();
+            state.gaveUpIn = Pass::Present();
+            return false;
+        }
+        state.isLoadedByProgram = true;
+    } else if (!program.Run(state, Program::Purpose::Check, nullptr)) {
+        return false;
+    }
+    NoteLoaded();
+    state.leftText = program.LeftText();
+    state.reachedIn = Pass::First();
+    if (Pass::Present() != began)
+        return false;
+    state.checkedIn = state.calculatedIn = began;
+    return true;
+}
+
 // The road of the program, from the mark on the expression to the value.
 bool BoundWork::CheckByProgram(const CString& name)
 {
@@ -302,6 +396,9 @@ bool BoundWork::CalculateByProgram(const CString& name)
         return true;
     if (Namesakes::AreKnown())
         return false;
+    if (RunAgain(name))
+        return true;
+    Rerun::EnterNames();
     std::optional<NestedNameGuard> entry;
     if (!name.IsEmpty()) {
         entry.emplace(CFmlaExpression::m_NestedFmlaNames, name);
@@ -381,6 +478,10 @@ int BoundWork::CheckAndCalculate(unsigned int& message, const CString& name,
     if (IsChecked(name) && IsCalculated(list)) {
         NoteLoaded();
         LeaveTexts();
+        return 1;
+    }
+    if (!list && !Pass::HasHistory() && RunAgain(name)) {
+        GiveTextOfProgram();
         return 1;
     }
     const Start start;
@@ -473,8 +574,11 @@ void BoundWork::NoteChecked(const CString& name, const Start& start)
     state.checkedIn = start.pass;
     state.checkedName = name;
     state.value = m_Expression.GetValue();
-    if (!EndsWithObject())
-        state.calculatedIn = start.pass;
+    if (EndsWithObject())
+        return;
+    state.calculatedIn = start.pass;
+    state.mayRunAgain =
+        state.isLoadedByProgram && state.program->IsClosed() && !state.leftElsewhere;
 }
 
 void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,

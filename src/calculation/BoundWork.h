@@ -60,6 +60,9 @@ private:
     int CloseTree(int lastPos, int endPos);
     void BuildTreeOfProgram();
 
+    class Rerun;
+
+    bool RunAgain(const CString& name);
     bool CheckByProgram(const CString& name);
     bool HasProgramFor(const CString& name);
     std::unique_ptr<Program> Compile();

@@ -47,11 +47,6 @@ bool HasAnotherFormula(ICalculationSet& calcSet, const ExpressionState& state, c
 
 } // namespace
 
-bool Namesakes::AreKnown()
-{
-    return Pass::HasHistory() && !StraysOfPass().byName.empty();
-}
-
 bool Namesakes::AreThere(const ExpressionState& state, const CString& name)
 {
     if (name.IsEmpty())
@@ -67,6 +62,7 @@ bool Namesakes::AreThere(const ExpressionState& state, const CString& name)
             found->second = nullptr;
         return found != strays.byName.end() && !found->second;
     }
+    knownIn = Pass::First();
     const auto [stray, isNew] = strays.byName.emplace(name, &state);
     if (stray->second != &state ||
         (isNew && HasAnotherFormula(*strays.calcSet, state, name)))

@@ -22,9 +22,12 @@ public:
     // In the outermost call nothing has been remembered yet that a namesake could be hidden by.
     static bool MayExist() { return Pass::HasHistory(); }
     // Whether strays have been taken down in this pass.
-    static bool AreKnown();
+    static bool AreKnown() { return knownIn == Pass::First(); }
     // Whether another expression bears the name under which this one is going to be checked.
     static bool AreThere(const ExpressionState& state, const CString& name);
+
+private:
+    static inline constinit thread_local PassNumber knownIn = kNeverInPass;
 };
 
 } // namespace tovo::detail

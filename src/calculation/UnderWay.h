@@ -31,6 +31,8 @@ public:
     bool IsFirst() const { return m_Marks == 1; }
     // Whether too many objects are marked on this thread for another to be gone into.
     bool IsTooDeep() const { return depth > kDeepestNesting; }
+    // Whether one more would be too many.
+    static bool IsDeepest() { return depth >= kDeepestNesting; }
 
 private:
     static inline constinit thread_local int depth = 0;

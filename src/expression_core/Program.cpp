@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <span>
@@ -24,9 +25,8 @@ CString Program::NameAt(const ReferencePlace& place) const
 
 bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* list)
 {
-    assert(state.marks > 0 || m_CallsNothing || m_Bindings.empty() || m_StockLookup);
     assert((purpose == Purpose::Scan) == (list != nullptr));
-    if (!m_Bindings.empty() && !(m_IsBound && m_StockLookup && IsBoundStill()) && !BindAll(state))
+    if (!IsBound() && !BindAll(state))
         return false;
     m_LeftText = 0;
     switch (purpose) {
@@ -68,8 +68,10 @@ bool Program::BindAll(ExpressionState& state)
     }
     if (hasMoved)
         TakeAddresses();
-    m_CallsNothing = m_StockLookup && !m_HasNested && !m_HasHostVariables &&
-                     (!m_HasJobValues || ObjectCalls::IsStock(state.calcSet));
+    m_IsClosed = m_StockLookup && (!m_HasJobValues || ObjectCalls::IsStock(state.calcSet)) &&
+                 std::ranges::none_of(m_Bindings, [](const Binding& binding) {
+                     return binding.isHost || binding.kind == TOK_FORMTBL;
+                 });
     if (m_StockLookup)
         m_BoundIn = ObjectCalls::LookupStateOf(*m_StockLookup);
     m_BoundInPass = Pass::Present();

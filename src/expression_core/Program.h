@@ -41,6 +41,8 @@ struct ExpressionState {
     // Whether the program, and not the tree, is what was loaded last.
     bool isLoadedByProgram = false;
     bool isScannedInCondition = false;
+    // The program has succeeded under the checked name, and can be run again without further ado.
+    bool mayRunAgain = false;
     double value = 0.0; // of the program's last run
 
     // What it has succeeded in: each is a number of a pass.
@@ -100,8 +102,11 @@ public:
     }
     bool EndsWithTable() const { return m_LastCode == TOK_FORMTBL; }
     RuntimeError LeftText() const { return m_LeftText; }
-    // Whether a run calls no object but stock variables, so that nothing can come back from it.
-    bool CallsNothing() const { return m_CallsNothing; }
+    // Whether a run calls no object but stock variables and stock formulas of its set.
+    bool IsClosed() const { return m_IsClosed; }
+    bool HasNested() const { return m_HasNested; }
+    // Whether the set still has the same objects under the names, as far as it can tell.
+    bool IsBound() const { return m_IsBound && m_StockLookup && IsBoundStill(); }
 
     // What it was compiled from.
     const CString& Text() const { return m_Text; }
@@ -174,7 +179,7 @@ private:
     bool m_HasHostVariables = false;
     bool m_HasNested = false;
     bool m_HasJobValues = false;
-    bool m_CallsNothing = false;
+    bool m_IsClosed = false;
     bool m_EndsWithHostFormula = false;
 };
 
