@@ -48,7 +48,7 @@ struct Translation;
 class TOVO_API CFmlaExprBase : public CObject {
 public:
     CFmlaExprBase();
-    CFmlaExprBase(const CFmlaExprBase& other) = default;
+    CFmlaExprBase(const CFmlaExprBase& other);
     ~CFmlaExprBase() override;
 
     // A copy on the heap, which the caller owns.
@@ -65,8 +65,12 @@ public:
     int GetMessageNum() const { return m_MessageNum; }
     // The place that a failed check marks for an editor.
     int GetInvalidPos() const { return m_InvalidPos; }
-    void SetInvalidPos(int pos) { m_InvalidPos = pos; }
-    void ClearInvalidPos() { m_InvalidPos = -1; }
+    void SetInvalidPos(int pos)
+    {
+        NoteTouched();
+        m_InvalidPos = pos;
+    }
+    void ClearInvalidPos() { SetInvalidPos(-1); }
     int GetExprTextLimit() const { return m_ExprTextLimit; }
     void SetExprTextLimit(int limit) { m_ExprTextLimit = limit; }
     CString GetTextStr() const { return m_ExprText; }
@@ -227,7 +231,15 @@ protected:
 private:
     friend class tovo::detail::BoundWork;
 
+    void NoteTouched()
+    {
+        if (m_Untouched)
+            *m_Untouched = false;
+    }
+
     std::uint64_t m_TextVersion = 1; // grows with every change of text or table
+    // Becomes false when a field changes otherwise than by a check; null for nobody who looks at it.
+    bool* m_Untouched = nullptr;
     // How many references the scan has passed when it stood at a position, so that a scan token by
     // token does not look through the whole table each time.
     int m_PassedVars = 0;

@@ -12,6 +12,7 @@
 #include <TovoPlatform/NumberText.h>
 
 #include "../expression_core/IfDepthGuard.h"
+#include "../expression_core/LocalNumbers.h"
 #include "../expression_core/Names.h"
 #include "../expression_core/ProgramBuilder.h"
 #include "../expression_text/TokenScanner.h"
@@ -114,14 +115,17 @@ private:
 BoundWork::BoundWork(CFmlaExpression& expression, const CString& formulaName)
     : m_Expression(expression)
 {
-    State().formulaName = &formulaName;
+    if (!expression.m_State || !expression.m_State->formulaName)
+        State().formulaName = &formulaName;
 }
 
 ExpressionState& BoundWork::State()
 {
-    if (!m_Expression.m_State)
+    if (!m_Expression.m_State) {
         m_Expression.m_State =
             std::make_unique<ExpressionState>(m_Expression, m_Expression.CalcSet());
+        m_Expression.m_Untouched = &m_Expression.m_State->mayRunAgain;
+    }
     return *m_Expression.m_State;
 }
 
@@ -134,6 +138,7 @@ bool BoundWork::MayUsePrograms() const
 void BoundWork::TakeMessage(unsigned int message)
 {
     NoteDisturbed();
+    State().mayRunAgain = false;
     m_Expression.m_MessageNum = static_cast<int>(message);
 }
 
@@ -333,11 +338,11 @@ bool BoundWork::RunAgain(const CString& name)
 {
     ExpressionState& state = *m_Expression.m_State;
     if (!state.mayRunAgain || state.marks > 0 || state.checkedName != name ||
-        state.textOfProgram != m_Expression.m_TextVersion || !Pass::IsRemembering())
+        !Pass::IsRemembering())
         return false;
     Program& program = *state.program;
     CStringList& names = CFmlaExpression::m_NestedFmlaNames;
-    if (&program.Names() != CFmlaExprBase::PresentNames().get() || !program.IsBound() ||
+    if (&program.Names() != namesInForce || !program.IsBound() ||
         UnderWay::IsDeepest() || Rerun::IsNamed(name) || (!names.IsEmpty() && names.Find(name)))
         return false;
     const PassNumber began = Pass::Present();
@@ -355,7 +360,6 @@ bool BoundWork::RunAgain(const CString& name)
     } else if (!program.Run(state, Program::Purpose::Check, nullptr)) {
         return false;
     }
-    NoteLoaded();
     state.leftText = program.LeftText();
     state.reachedIn = Pass::First();
     if (Pass::Present() != began)
@@ -390,13 +394,13 @@ bool BoundWork::CheckByProgram(const CString& name)
 bool BoundWork::CalculateByProgram(const CString& name)
 {
     ExpressionState& state = State();
-    if (state.leftElsewhere || !state.formulaName || *state.formulaName != name)
-        return false;
-    if (state.calculatedIn == Pass::Present() && state.marks == 0)
-        return true;
-    if (Namesakes::AreKnown())
+    if (state.leftElsewhere || Namesakes::AreKnown())
         return false;
     if (RunAgain(name))
+        return true;
+    if (!state.formulaName || *state.formulaName != name)
+        return false;
+    if (state.calculatedIn == Pass::Present() && state.marks == 0)
         return true;
     Rerun::EnterNames();
     std::optional<NestedNameGuard> entry;
@@ -429,7 +433,7 @@ bool BoundWork::HasProgramFor(const CString& name)
 {
     ExpressionState& state = State();
     const bool isCurrent = state.program && state.textOfProgram == m_Expression.m_TextVersion &&
-                           &state.program->Names() == CFmlaExprBase::PresentNames().get();
+                           &state.program->Names() == namesInForce;
     if (!isCurrent) {
         if (!Pass::IsRemembering() || state.textWithoutProgram == m_Expression.m_TextVersion ||
             !MayUsePrograms())
@@ -481,7 +485,9 @@ int BoundWork::CheckAndCalculate(unsigned int& message, const CString& name,
         return 1;
     }
     if (!list && !Pass::HasHistory() && RunAgain(name)) {
-        GiveTextOfProgram();
+        const ExpressionState& state = *m_Expression.m_State;
+        if (state.leftText != 0 || !ObjectCalls::IsStrErrorClear(state.calcSet))
+            ErrorTexts::Give(state.calcSet, state.leftText);
         return 1;
     }
     const Start start;

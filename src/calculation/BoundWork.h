@@ -35,6 +35,8 @@ public:
     int CheckNestedReference(int code, const CString& text);
     int NestedFormulasOK();
     void ScanStatically(CScannedVariables& list, int all);
+    // The formula is going to have another name.
+    void NoteRenamed() { State().mayRunAgain = false; }
     // The tree is no longer what was loaded last, or it is gone.
     void Forget();
 

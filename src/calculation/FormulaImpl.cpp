@@ -47,6 +47,7 @@ int FormulaImpl::IsValid(unsigned int& message, int nested)
 void FormulaImpl::SetName(CString& name)
 {
     Pass::NoteChange();
+    BoundWork(m_Expression, m_Name).NoteRenamed();
     m_Name = name;
     m_ValueType = ValueTypeOfName(m_Name.View());
 }

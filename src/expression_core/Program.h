@@ -24,41 +24,39 @@ namespace tovo::detail {
 
 class Program;
 
-// What an expression keeps beside its text and its tree.
+// What an expression keeps beside its text and its tree. What others look at who name the expression
+// comes first.
 struct ExpressionState {
     explicit ExpressionState(CFmlaExpression& owner, ICalculationSet& set)
-        : expression(owner), calcSet(set)
+        : calcSet(set), expression(owner)
     {}
 
-    CFmlaExpression& expression;
-    ICalculationSet& calcSet;
-    int marks = 0; // how often it is being checked, calculated or scanned at present
-    // Null until a text was compiled.
-    std::unique_ptr<Program> program;
-    std::uint64_t textOfProgram = 0;
-    // No program was to be had from this text.
-    std::uint64_t textWithoutProgram = 0;
-    // Whether the program, and not the tree, is what was loaded last.
-    bool isLoadedByProgram = false;
-    bool isScannedInCondition = false;
-    // The program has succeeded under the checked name, and can be run again without further ado.
-    bool mayRunAgain = false;
-    double value = 0.0; // of the program's last run
-
     // What it has succeeded in: each is a number of a pass.
-    PassNumber checkedIn = kNeverInPass;
     PassNumber calculatedIn = kNeverInPass;
-    PassNumber scannedIn = kNeverInPass;
-    // The first number of the pass in which others may have come by it last.
-    PassNumber reachedIn = kNeverInPass;
-    PassNumber gaveUpIn = kNeverInPass; // the program did
-    PassNumber ownNameIn = kNeverInPass; // found in its set under its own name
-    CString checkedName; // under which it was checked
-    const CString* formulaName = nullptr; // of the formula that it belongs to; null for none
-    std::uint64_t scan = 0;
-    std::uint64_t scannedList = 0;
+    PassNumber checkedIn = kNeverInPass;
+    PassNumber reachedIn = kNeverInPass; // the first number of the pass in which others came by it
+    double value = 0.0;                  // of the last success that is remembered
+    ICalculationSet& calcSet;
+    std::unique_ptr<Program> program; // null until a text was compiled
+    CString checkedName;              // under which it was checked
+    int marks = 0;                    // how often it is being checked or calculated at present
     RuntimeError leftText = 0;
     std::unique_ptr<std::vector<LeftText>> leftElsewhere; // null for none
+    // The program, and not the tree, is what was loaded last.
+    bool isLoadedByProgram = false;
+    // The program has succeeded under the checked name, and nothing of the expression has changed.
+    bool mayRunAgain = false;
+    bool isScannedInCondition = false;
+
+    CFmlaExpression& expression;
+    const CString* formulaName = nullptr; // of the formula that it belongs to; null for none
+    PassNumber gaveUpIn = kNeverInPass;   // the program did
+    PassNumber ownNameIn = kNeverInPass;  // found in its set under its own name
+    PassNumber scannedIn = kNeverInPass;
+    std::uint64_t scan = 0;
+    std::uint64_t scannedList = 0;
+    std::uint64_t textOfProgram = 0;      // the version that was compiled
+    std::uint64_t textWithoutProgram = 0; // no program was to be had from that version
 };
 
 // A place of a reference in the text that was compiled.
@@ -165,22 +163,22 @@ private:
 
     std::vector<Instruction> m_Code;
     std::vector<Binding> m_Bindings;
-    std::vector<ReferencePlace> m_Places;
-    CString m_Text;
-    std::shared_ptr<const CExpressionNames> m_Names;
     const CalcSetImpl* m_StockLookup = nullptr; // the set, where its entries tell all
     LookupState m_BoundIn;
-    PassNumber m_BoundInPass = kNeverInPass;
+    std::shared_ptr<const CExpressionNames> m_Names;
     std::unique_ptr<double[]> m_DeepStack; // for a program that needs more than is at hand
     RuntimeError m_LeftText = 0;
     std::uint8_t m_Kind = RT_NUMERIC;
     std::uint8_t m_LastCode = TOK_ILLEGAL; // of the root
     bool m_IsBound = false;
-    bool m_HasHostVariables = false;
-    bool m_HasNested = false;
-    bool m_HasJobValues = false;
     bool m_IsClosed = false;
+    bool m_HasNested = false;
+    bool m_HasHostVariables = false;
+    bool m_HasJobValues = false;
     bool m_EndsWithHostFormula = false;
+    PassNumber m_BoundInPass = kNeverInPass;
+    std::vector<ReferencePlace> m_Places;
+    CString m_Text;
 };
 
 } // namespace tovo::detail

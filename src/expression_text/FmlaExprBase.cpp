@@ -14,6 +14,16 @@ CFmlaExprBase::CFmlaExprBase()
     InitExprNames();
 }
 
+CFmlaExprBase::CFmlaExprBase(const CFmlaExprBase& other)
+    : CObject(other),
+      m_ExprText(other.m_ExprText),
+      m_VarPtrs(other.m_VarPtrs),
+      m_InvalidPos(other.m_InvalidPos),
+      m_MessageNum(other.m_MessageNum),
+      m_ScanPos(other.m_ScanPos),
+      m_ExprTextLimit(other.m_ExprTextLimit)
+{}
+
 CFmlaExprBase::~CFmlaExprBase() = default;
 
 CFmlaExprBase* CFmlaExprBase::Clone()
@@ -42,6 +52,7 @@ CFmlaExprBase& CFmlaExprBase::operator=(CFmlaExprBase& other)
 
 void CFmlaExprBase::TrackError(unsigned int message)
 {
+    NoteTouched();
     m_MessageNum = static_cast<int>(message);
 }
 
@@ -139,6 +150,7 @@ Reference CFmlaExprBase::EntryAt(int index) const
 void CFmlaExprBase::NoteTextChange()
 {
     Pass::NoteChange();
+    NoteTouched();
     ++m_TextVersion;
     m_PassedVars = 0;
     m_PassedAt = 0;

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <mutex>
 
+#include "../expression_core/LocalNumbers.h"
 #include "../expression_core/Pass.h"
 #include "TokenScanner.h"
 
@@ -47,6 +48,7 @@ void CFmlaExprBase::LoadNames()
 {
     m_ExprNames.Init();
     presentNames = std::make_shared<const CExpressionNames>(m_ExprNames);
+    tovo::detail::namesInForce = presentNames.get();
 }
 
 const std::shared_ptr<const CExpressionNames>& CFmlaExprBase::PresentNames()
@@ -73,6 +75,7 @@ int CFmlaExprBase::FindFirstToken(CString& token, int& tokenCode, int& tokenPos,
 int CFmlaExprBase::FindNextToken(CString& token, int& tokenCode, int& tokenPos,
                                  TEXT_LANGUAGE language)
 {
+    NoteTouched();
     const Reference next = NextVar();
     TokenScanner scanner(m_ExprText, {&next, 1}, SpellingOf(language), m_ScanPos);
     return DeliverToken(scanner, token, tokenCode, tokenPos);
@@ -112,6 +115,7 @@ int CFmlaExprBase::DeliverToken(TokenScanner& scanner, CString& token, int& toke
 
 void CFmlaExprBase::ReportFault(unsigned int message)
 {
+    NoteTouched();
     m_MessageNum = static_cast<int>(message);
     TrackError(message);
 }
