@@ -216,6 +216,7 @@ private:
     static tovo::detail::Translation TranslationOf(const CString& text,
                                                    std::vector<tovo::detail::Reference> references,
                                                    TEXT_LANGUAGE target);
+    bool IsTranslatedAlready(const std::vector<tovo::detail::Reference>& references) const;
     void TranslateAndTake(const std::vector<tovo::detail::Reference>& references,
                           TEXT_LANGUAGE target);
     void TakeTranslation(const tovo::detail::Translation& translation);

@@ -393,7 +393,7 @@ bool BoundWork::CheckByProgram(const CString& name)
 
 bool BoundWork::CalculateByProgram(const CString& name)
 {
-    ExpressionState& state = State();
+    ExpressionState& state = *m_Expression.m_State;
     if (state.leftElsewhere || Namesakes::AreKnown())
         return false;
     if (RunAgain(name))
@@ -456,7 +456,7 @@ std::unique_ptr<Program> BoundWork::Compile()
     const std::vector<Reference> references = ReferencesOf(m_Expression.m_VarPtrs);
     TokenScanner scanner(m_Expression.m_ExprText, references,
                          CFmlaExpression::SpellingOf(TL_LOCAL), 0);
-    ProgramBuilder builder(m_Expression.CalcSet());
+    ProgramBuilder builder(m_Expression.CalcSet(), m_Expression.m_ExprText.GetLength());
     TokenScanner::Outcome outcome;
     while ((outcome = scanner.Next()) == TokenScanner::Outcome::Token) {
         const int code = scanner.TokenCode();
@@ -479,15 +479,15 @@ std::unique_ptr<Program> BoundWork::Compile()
 int BoundWork::CheckAndCalculate(unsigned int& message, const CString& name,
                                  CScannedVariables* list)
 {
-    if (IsChecked(name) && IsCalculated(list)) {
-        NoteLoaded();
-        LeaveTexts();
-        return 1;
-    }
     if (!list && !Pass::HasHistory() && RunAgain(name)) {
         const ExpressionState& state = *m_Expression.m_State;
         if (state.leftText != 0 || !ObjectCalls::IsStrErrorClear(state.calcSet))
             ErrorTexts::Give(state.calcSet, state.leftText);
+        return 1;
+    }
+    if (IsChecked(name) && IsCalculated(list)) {
+        NoteLoaded();
+        LeaveTexts();
         return 1;
     }
     const Start start;

@@ -9,6 +9,8 @@ namespace tovo::detail {
 
 // The user's names of the tokens as they were loaded last; compared, never followed.
 inline constinit const CExpressionNames* namesInForce = nullptr;
+// Whether they are the English ones, separators included.
+inline constinit bool areNamesEnglish = false;
 
 // The decimal separator of texts in the user's language, "." at first. Whoever loads the token
 // names sets it, so that a number is read as it was scanned. Kept for the process; safe from any

@@ -82,6 +82,9 @@ bool Program::BindAll(ExpressionState& state)
 bool Program::BindTo(ExpressionState&, Binding& binding, IVarObj* variable, bool& hasMoved)
 {
     const double* const value = ObjectCalls::ValueOf(*variable);
+    // One text serves both.
+    if (value && variable->GetName() == binding.name)
+        binding.name = variable->GetName();
     hasMoved = hasMoved || binding.variable != variable || binding.isHost != !value;
     binding.variable = variable;
     binding.isHost = !value;
@@ -93,6 +96,8 @@ bool Program::BindTo(ExpressionState& state, Binding& binding, IFormulaObj* form
 {
     binding.formula = formula;
     binding.state = ObjectCalls::StateOf(*formula, binding.isHost);
+    if (!binding.isHost && *binding.state->formulaName == binding.name)
+        binding.name = *binding.state->formulaName;
     if (m_LastCode == TOK_FORMULA && binding.isHost)
         m_EndsWithHostFormula = true;
     // The tokens of another set's formula give their texts to that set.

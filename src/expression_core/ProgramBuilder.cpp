@@ -68,8 +68,13 @@ constexpr Forms FormsOf(int code)
 
 } // namespace
 
-ProgramBuilder::ProgramBuilder(ICalculationSet& calcSet) : m_Program(std::make_unique<Program>())
+ProgramBuilder::ProgramBuilder(ICalculationSet& calcSet, int length)
+    : m_Program(std::make_unique<Program>())
 {
+    // Most elements have a sign beside them, and little is written for most signs.
+    m_Program->m_Code.reserve(static_cast<std::size_t>(length) / 4 + 4);
+    m_Open.reserve(8);
+    m_Kinds.reserve(8);
     m_Program->m_StockLookup = ObjectCalls::WithStockLookup(calcSet);
 }
 

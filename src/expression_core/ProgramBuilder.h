@@ -16,7 +16,8 @@ namespace tovo::detail {
 // same value. What is refused may still be a good text: the tree decides.
 class ProgramBuilder {
 public:
-    explicit ProgramBuilder(ICalculationSet& calcSet);
+    // The length is that of the text, in characters.
+    ProgramBuilder(ICalculationSet& calcSet, int length);
 
     // Takes the next token, with its text; a reference with its place in the text. False if it is
     // refused, and nothing but destroying the builder is of use then.

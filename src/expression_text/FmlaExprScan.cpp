@@ -48,7 +48,11 @@ void CFmlaExprBase::LoadNames()
 {
     m_ExprNames.Init();
     presentNames = std::make_shared<const CExpressionNames>(m_ExprNames);
-    tovo::detail::namesInForce = presentNames.get();
+    namesInForce = presentNames.get();
+    areNamesEnglish = true;
+    for (int code = 0; code < kTokenCount; ++code)
+        areNamesEnglish =
+            areNamesEnglish && m_ExprNames.GetAt(code).View() == Spelling().NameOf(code);
 }
 
 const std::shared_ptr<const CExpressionNames>& CFmlaExprBase::PresentNames()

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "../expression_core/LocalNumbers.h"
 #include "../expression_core/Names.h"
 #include "Translation.h"
 
@@ -13,6 +14,24 @@ bool FitWords(const std::vector<Reference>& references)
 {
     return std::all_of(references.begin(), references.end(),
                        [](const Reference& reference) { return reference.FitsWords(); });
+}
+
+// Whether a stretch of digits and separators is long enough or has separators enough to be refused,
+// in a name as well as in a number.
+bool MayHaveFault(WideView text)
+{
+    constexpr int kFewDigits = 15;
+    int digits = 0;
+    int separators = 0;
+    for (const WCHAR character : text) {
+        const bool isDigit = character >= '0' && character <= '9';
+        const bool isSeparator = character == '.';
+        digits = isDigit || isSeparator ? digits + (isDigit ? 1 : 0) : 0;
+        separators = isDigit || isSeparator ? separators + (isSeparator ? 1 : 0) : 0;
+        if (digits > kFewDigits || separators > 1)
+            return true;
+    }
+    return false;
 }
 
 // A text in which some references are written out as encoded strings have them, and the others.
@@ -64,10 +83,24 @@ Translation CFmlaExprBase::TranslationOf(const CString& text, std::vector<Refere
     return Translate(text, std::move(references), SpellingOf(source), SpellingOf(target));
 }
 
+// Where the languages agree, only a fault in a number would show.
+bool CFmlaExprBase::IsTranslatedAlready(const std::vector<Reference>& references) const
+{
+    return areNamesEnglish && FitWords(references) && !MayHaveFault(m_ExprText.View());
+}
+
 // A reference that the table cannot hold is not entered: it becomes literal text, in the form that
 // a reader of encoded strings knows, so that nothing of it is lost.
 void CFmlaExprBase::TranslateAndTake(const std::vector<Reference>& references, TEXT_LANGUAGE target)
 {
+    if (IsTranslatedAlready(references)) {
+        CWordArray words;
+        for (const Reference& reference : references)
+            AppendReference(words, reference);
+        SetText(m_ExprText, words);
+        m_ScanPos = m_ExprText.GetLength();
+        return;
+    }
     Translation translation = TranslationOf(m_ExprText, references, target);
     if (!FitWords(translation.references)) {
         Spelled spelled = SpellOut(m_ExprText.View(), references, translation.references);
