@@ -572,9 +572,8 @@ void BoundWork::NoteLoaded()
 
 void BoundWork::NoteChecked(const CString& name, const Start& start)
 {
-    KeepTexts(start);
     // A table that has its value leaves another text the next time.
-    if (Pass::Present() != start.pass || !Pass::IsRemembering() || EndsWithTable())
+    if (!KeepTexts(start) || Pass::Present() != start.pass || !Pass::IsRemembering() || EndsWithTable())
         return;
     ExpressionState& state = State();
     state.checkedIn = start.pass;
@@ -593,9 +592,7 @@ void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,
     ExpressionState& state = State();
     state.reachedIn = Pass::First();
     // What a table leaves in a scan, it would not leave again.
-    if (!list)
-        KeepTexts(start);
-    else if (EndsWithTable())
+    if (list ? EndsWithTable() : !KeepTexts(start))
         return;
     if (checkedName && !list && Pass::Present() == start.pass && Pass::IsRemembering()) {
         state.checkedIn = start.pass;
@@ -645,8 +642,9 @@ void BoundWork::GiveTextOfProgram()
         ErrorTexts::Give(State().calcSet, State().program->LeftText());
 }
 
-// Takes down what the same, done again, would leave as texts.
-void BoundWork::KeepTexts(const Start& start)
+// Takes down what the same, done again, would leave as texts. False if that cannot be told: a table
+// that did something for once has given texts to other sets, or taken away what others have given.
+bool BoundWork::KeepTexts(const Start& start)
 {
     ExpressionState& state = State();
     if (state.isLoadedByProgram && !state.program->EndsWithObject())
@@ -654,10 +652,12 @@ void BoundWork::KeepTexts(const Start& start)
     else
         state.leftText = ErrorTexts::LastOf(state.calcSet);
     std::vector<LeftText> elsewhere = ErrorTexts::GivenElsewhere(state.calcSet, start.turn);
-    if (elsewhere.empty())
+    if (elsewhere.empty()) {
         state.leftElsewhere.reset();
-    else
-        state.leftElsewhere = std::make_unique<std::vector<LeftText>>(std::move(elsewhere));
+        return true;
+    }
+    state.leftElsewhere = std::make_unique<std::vector<LeftText>>(std::move(elsewhere));
+    return !ErrorTexts::HasOnce(start.turn);
 }
 
 void BoundWork::LeaveTexts()

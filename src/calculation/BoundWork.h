@@ -78,7 +78,7 @@ private:
     void NoteLoaded();
     void NoteChecked(const CString& name, const Start& start);
     void NoteCalculated(CScannedVariables* list, const Start& start, const CString* checkedName);
-    void KeepTexts(const Start& start);
+    bool KeepTexts(const Start& start);
     void NoteDisturbed();
     void LeaveTexts();
     bool EndsWithObject() const;

@@ -33,11 +33,10 @@ std::vector<LeftText> ErrorTexts::GivenElsewhere(const ICalculationSet& calcSet,
                                                  std::uint64_t since)
 {
     std::vector<LeftText> given;
-    if (!hasOthers)
-        return given;
-    std::ranges::copy_if(Others(), std::back_inserter(given), [&](const LeftText& text) {
-        return text.turn > since && text.calcSet != &calcSet;
-    });
+    if (hasOthers)
+        std::ranges::copy_if(Others(), std::back_inserter(given), [&](const LeftText& text) {
+            return text.turn > since && text.calcSet != &calcSet;
+        });
     if (last.turn > since && last.calcSet && last.calcSet != &calcSet)
         given.push_back(last);
     return given;
@@ -53,17 +52,6 @@ void ErrorTexts::Note(ICalculationSet& calcSet, RuntimeError error)
         hasOthers = true;
     }
     last = {&calcSet, error, ++turns};
-}
-
-void ErrorTexts::NoteOnce(std::uint64_t since)
-{
-    const auto note = [since](LeftText& text) {
-        if (text.turn > since)
-            text.turn = 0;
-    };
-    note(last);
-    if (hasOthers)
-        std::ranges::for_each(Others(), note);
 }
 
 void ErrorTexts::ForgetOthers()

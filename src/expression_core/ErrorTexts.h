@@ -30,8 +30,10 @@ public:
     static std::vector<LeftText> GivenElsewhere(const ICalculationSet& calcSet,
                                                 std::uint64_t since);
     static std::uint64_t Turn() { return turns; }
-    // What was given since the turn would not be given again.
-    static void NoteOnce(std::uint64_t since);
+    // For whoever would not give the same texts again. Whatever has come by it leaves other texts
+    // the next time.
+    static void NoteOnce() { once = turns; }
+    static bool HasOnce(std::uint64_t since) { return once > since; }
 
     // Forgets what was given, for the sets may be gone.
     static void BeginPass()
@@ -48,6 +50,7 @@ private:
 
     static inline constinit thread_local LeftText last = {};
     static inline constinit thread_local std::uint64_t turns = 0;
+    static inline constinit thread_local std::uint64_t once = 0; // the turn of the last such text
     static inline constinit thread_local bool hasOthers = false;
 };
 

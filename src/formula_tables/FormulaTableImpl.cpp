@@ -160,7 +160,6 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
         return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
     if (underWay.IsTooDeep())
         return FailOnTable(MSG_GENERAL_FAILURE, message);
-    const std::uint64_t turn = ErrorTexts::Turn();
     // What was remembered may rest on the table's having answered from its value.
     std::optional<PassApart> apart;
     if (m_Calculated)
@@ -180,7 +179,7 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
         Pass::NoteChange();
     m_Value = value;
     m_Calculated = 1;
-    ErrorTexts::NoteOnce(turn); // asked again, the table answers from its value
+    ErrorTexts::NoteOnce(); // asked again, the table answers from its value
     if (list) {
         m_Scanned = 1;
         if (CExprTree::InIfCondition())

@@ -41,6 +41,7 @@ int FormulaTableImpl::IsValid(unsigned int& message, int nested)
     if (!ValidateCells(message, nested))
         return 0;
     m_Validated = 1;
+    ErrorTexts::NoteOnce();
     return 1;
 }
 
