@@ -175,7 +175,7 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
     ExpressionState& state = State();
     if (IsChecked(name)) {
         NoteLoaded();
-        LeaveTexts();
+        LeaveTexts(&LeftElsewhere::byCheck);
         return 1;
     }
     std::optional<PassApart> apart;
@@ -487,7 +487,7 @@ int BoundWork::CheckAndCalculate(unsigned int& message, const CString& name,
     }
     if (IsChecked(name) && IsCalculated(list)) {
         NoteLoaded();
-        LeaveTexts();
+        LeaveTexts(&LeftElsewhere::byCalculation);
         return 1;
     }
     const Start start;
@@ -506,7 +506,7 @@ int BoundWork::Calculate(CScannedVariables* list)
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
     // In another set, the check may have left a text where a walk does not come by.
     if (IsCalculated(list) && !State().leftElsewhere) {
-        LeaveTexts();
+        LeaveTexts(&LeftElsewhere::byCalculation);
         return 1;
     }
     return Walk(list, Start(), nullptr);
@@ -572,18 +572,18 @@ void BoundWork::NoteLoaded()
 
 void BoundWork::NoteChecked(const CString& name, const Start& start)
 {
+    KeepText();
     // A table that has its value leaves another text the next time.
-    if (!KeepTexts(start) || Pass::Present() != start.pass || !Pass::IsRemembering() || EndsWithTable())
+    if (!KeepElsewhere(start, &LeftElsewhere::byCheck) || Pass::Present() != start.pass || !Pass::IsRemembering() || EndsWithTable())
         return;
     ExpressionState& state = State();
     state.checkedIn = start.pass;
     state.checkedName = name;
     state.value = m_Expression.GetValue();
-    if (EndsWithObject())
+    if (EndsWithObject() || state.leftElsewhere)
         return;
     state.calculatedIn = start.pass;
-    state.mayRunAgain =
-        state.isLoadedByProgram && state.program->IsClosed() && !state.leftElsewhere;
+    state.mayRunAgain = state.isLoadedByProgram && state.program->IsClosed();
 }
 
 void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,
@@ -592,7 +592,13 @@ void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,
     ExpressionState& state = State();
     state.reachedIn = Pass::First();
     // What a table leaves in a scan, it would not leave again.
-    if (list ? EndsWithTable() : !KeepTexts(start))
+    if (!list)
+        KeepText();
+    else if (EndsWithTable())
+        return;
+    const bool isKept = checkedName ? KeepElsewhere(start, &LeftElsewhere::byCalculation)
+                                    : !state.leftElsewhere;
+    if (!isKept)
         return;
     if (checkedName && !list && Pass::Present() == start.pass && Pass::IsRemembering()) {
         state.checkedIn = start.pass;
@@ -642,30 +648,38 @@ void BoundWork::GiveTextOfProgram()
         ErrorTexts::Give(State().calcSet, State().program->LeftText());
 }
 
-// Takes down what the same, done again, would leave as texts. False if that cannot be told: a table
-// that did something for once has given texts to other sets, or taken away what others have given.
-bool BoundWork::KeepTexts(const Start& start)
+// Takes down what the same, done again, would leave as the text of its own set.
+void BoundWork::KeepText()
 {
     ExpressionState& state = State();
     if (state.isLoadedByProgram && !state.program->EndsWithObject())
         state.leftText = state.program->LeftText();
     else
         state.leftText = ErrorTexts::LastOf(state.calcSet);
-    std::vector<LeftText> elsewhere = ErrorTexts::GivenElsewhere(state.calcSet, start.turn);
-    if (elsewhere.empty()) {
+}
+
+// The same for other sets. False if that cannot be told: a table that did something for once has
+// given texts, or taken away what others have given.
+bool BoundWork::KeepElsewhere(const Start& start, std::vector<LeftText> LeftElsewhere::*by)
+{
+    ExpressionState& state = State();
+    std::vector<LeftText> given = ErrorTexts::GivenElsewhere(state.calcSet, start.turn);
+    if (given.empty()) {
         state.leftElsewhere.reset();
         return true;
     }
-    state.leftElsewhere = std::make_unique<std::vector<LeftText>>(std::move(elsewhere));
+    if (!state.leftElsewhere)
+        state.leftElsewhere = std::make_unique<LeftElsewhere>();
+    (*state.leftElsewhere).*by = std::move(given);
     return !ErrorTexts::HasOnce(start.turn);
 }
 
-void BoundWork::LeaveTexts()
+void BoundWork::LeaveTexts(std::vector<LeftText> LeftElsewhere::*by)
 {
     const ExpressionState& state = State();
     ErrorTexts::Give(state.calcSet, state.leftText);
     if (state.leftElsewhere)
-        for (const LeftText& text : *state.leftElsewhere)
+        for (const LeftText& text : (*state.leftElsewhere).*by)
             ErrorTexts::Give(*text.calcSet, text.error);
 }
 

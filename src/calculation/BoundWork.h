@@ -78,9 +78,10 @@ private:
     void NoteLoaded();
     void NoteChecked(const CString& name, const Start& start);
     void NoteCalculated(CScannedVariables* list, const Start& start, const CString* checkedName);
-    bool KeepTexts(const Start& start);
+    void KeepText();
+    bool KeepElsewhere(const Start& start, std::vector<LeftText> LeftElsewhere::*by);
     void NoteDisturbed();
-    void LeaveTexts();
+    void LeaveTexts(std::vector<LeftText> LeftElsewhere::*by);
     bool EndsWithObject() const;
     bool EndsWithTable() const;
     static bool IsScanOf(const ExpressionState& state, const CScannedVariables& list);

@@ -24,6 +24,13 @@ namespace tovo::detail {
 
 class Program;
 
+// The texts that an expression leaves in other sets than its own. A check comes by all references, a
+// walk after it once more by those that conditions do not rule out.
+struct LeftElsewhere {
+    std::vector<LeftText> byCheck;
+    std::vector<LeftText> byCalculation; // which begins with a check
+};
+
 // What an expression keeps beside its text and its tree. What others look at who name the expression
 // comes first.
 struct ExpressionState {
@@ -41,7 +48,7 @@ struct ExpressionState {
     CString checkedName;              // under which it was checked
     int marks = 0;                    // how often it is being checked or calculated at present
     RuntimeError leftText = 0;
-    std::unique_ptr<std::vector<LeftText>> leftElsewhere; // null for none
+    std::unique_ptr<LeftElsewhere> leftElsewhere; // null for none
     // The program, and not the tree, is what was loaded last.
     bool isLoadedByProgram = false;
     // The program has succeeded under the checked name, and nothing of the expression has changed.
