@@ -51,8 +51,9 @@ void CFmlaExprBase::LoadNames()
     namesInForce = presentNames.get();
     areNamesEnglish = true;
     for (int code = 0; code < kTokenCount; ++code)
-        areNamesEnglish =
-            areNamesEnglish && m_ExprNames.GetAt(code).View() == Spelling().NameOf(code);
+        areNamesEnglish = areNamesEnglish && (CatalogueOf(code).nameId == kNoName ||
+                                              m_ExprNames.GetAt(code).View() ==
+                                                  CatalogueOf(code).englishName);
 }
 
 const std::shared_ptr<const CExpressionNames>& CFmlaExprBase::PresentNames()
