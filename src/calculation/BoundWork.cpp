@@ -115,8 +115,20 @@ private:
 BoundWork::BoundWork(CFmlaExpression& expression, const CString& formulaName)
     : m_Expression(expression)
 {
-    if (!expression.m_State || !expression.m_State->formulaName)
-        State().formulaName = &formulaName;
+    if (expression.m_State && expression.m_State->formulaName)
+        return;
+    ExpressionState& state = State();
+    state.formulaName = &formulaName;
+    if (!IsUnderOwnName(state.checkedName))
+        state.calculatedIn = kNeverInPass;
+}
+
+// Only what was checked under the name of its formula counts for those that refer to the formula: a
+// check under another one says nothing about the kind.
+bool BoundWork::IsUnderOwnName(const CString& name) const
+{
+    const CString* const own = m_Expression.m_State->formulaName;
+    return !own || own == &name || *own == name;
 }
 
 ExpressionState& BoundWork::State()
@@ -580,7 +592,7 @@ void BoundWork::NoteChecked(const CString& name, const Start& start)
     state.checkedIn = start.pass;
     state.checkedName = name;
     state.value = m_Expression.GetValue();
-    if (EndsWithObject() || state.leftElsewhere)
+    if (EndsWithObject() || state.leftElsewhere || !IsUnderOwnName(name))
         return;
     state.calculatedIn = start.pass;
     state.mayRunAgain = state.isLoadedByProgram && state.program->IsClosed();
@@ -608,7 +620,8 @@ void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,
     // meanwhile has left a message, which a check takes away.
     if (Pass::Present() != start.pass || state.checkedIn != start.pass || m_Expression.m_MessageNum)
         return;
-    state.calculatedIn = start.pass;
+    if (IsUnderOwnName(checkedName ? *checkedName : state.checkedName))
+        state.calculatedIn = start.pass;
     state.value = m_Expression.GetValue();
     if (!list || Pass::Scan() != start.scan)
         return;

@@ -73,6 +73,7 @@ private:
     // The name is that of a check that has just succeeded, null for none.
     int Walk(CScannedVariables* list, const Start& start, const CString* checkedName);
 
+    bool IsUnderOwnName(const CString& name) const;
     bool IsChecked(const CString& name) const;
     bool IsCalculated(CScannedVariables* list) const;
     void NoteLoaded();
