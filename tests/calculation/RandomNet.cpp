@@ -327,11 +327,18 @@ private:
             Put(" thrown");
             TidyUp();
         }
-        if (Has(NET_CHANGES)) {
+        CalculateEdited();
+        LookAtExpressions();
+    }
+    void CalculateEdited()
+    {
+        if (!Has(NET_CHANGES))
+            return;
+        try {
             unsigned int message = 0;
             m_Edited->Calculate(message, nullptr);
+        } catch (const HostTrouble&) { // a variable that throws may have the name of one it reads
         }
-        LookAtExpressions();
     }
     void BeginAnew()
     {
