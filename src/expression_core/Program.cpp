@@ -290,10 +290,13 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
                           CScannedVariables* list, double& value)
 {
     if (!binding.isHost && purpose != Purpose::Scan) {
-        if (!ObjectCalls::CalculateByProgram(*binding.state, binding.name))
+        if (ObjectCalls::CalculateByProgram(*binding.state, binding.name)) {
+            value = binding.state->value;
+            return IsBoundStill() || BindAll(state);
+        }
+        if (binding.state->gaveUpIn == Pass::Present())
             return false;
-        value = binding.state->value;
-        return IsBoundStill() || BindAll(state);
+        // It has not run, and may succeed by way of its own operations.
     }
     if (binding.state)
         ObjectCalls::NoteFound(*binding.state, binding.name);
