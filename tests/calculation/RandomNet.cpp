@@ -91,6 +91,18 @@ private:
         }
         return level;
     }
+    // A scan does not tell whether it has failed; the messages do.
+    int HasScanned()
+    {
+        if (!Has(NET_CHANGES))
+            return 1;
+        const auto isClear = [](const auto& holder) {
+            return holder->GetExpression().GetMessageNum() == 0;
+        };
+        return std::ranges::all_of(m_Formulas, isClear) &&
+               m_HostFormula->m_Expression.GetMessageNum() == 0 &&
+               m_HostTable->m_Expression.GetMessageNum() == 0;
+    }
     int Calculate()
     {
         m_Top = One(m_Formulas).get();
@@ -118,7 +130,7 @@ private:
         CScannedVariables& list = List();
         if (m_Dice.OneIn(3)) {
             formula.GetVariables(list, m_Dice.Below(2), m_Dice.Below(2));
-            return 1;
+            return HasScanned();
         }
         m_Top = &formula;
         return formula.Calculate(m_Message, &list);
@@ -134,7 +146,7 @@ private:
         case 2:
         case 3:
             table.GetVariables(List(), m_Dice.Below(2), m_Dice.Below(2));
-            return 1;
+            return HasScanned();
         case 4:
         case 5:
         case 6:
@@ -194,7 +206,7 @@ private:
             return m_HostTable->Calculate(m_Message, list);
         default:
             m_HostFormula->GetVariables(List(), m_Dice.Below(2), m_Dice.Below(2));
-            return 1;
+            return HasScanned();
         }
     }
     int HoldPass()
@@ -223,7 +235,7 @@ private:
             return bare.IsValid(m_Message, m_Dice.Of({"", "f0", "bare", "bare?"}), m_Dice.Below(2));
         case 4:
             bare.GetVariables(List(), m_Dice.Below(2), m_Dice.Below(2));
-            return 1;
+            return HasScanned();
         case 5:
         case 6:
             return EditBare(bare);
