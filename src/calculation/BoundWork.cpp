@@ -410,6 +410,13 @@ bool BoundWork::CalculateByProgram(const CString& name)
         return false;
     if (RunAgain(name))
         return true;
+    return CalculateWithCare(name);
+}
+
+// Apart from its caller, whose frame is on the stack for each formula of a chain.
+bool BoundWork::CalculateWithCare(const CString& name)
+{
+    ExpressionState& state = *m_Expression.m_State;
     if (!state.formulaName || *state.formulaName != name)
         return false;
     if (state.calculatedIn == Pass::Present() && state.marks == 0)

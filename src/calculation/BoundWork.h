@@ -65,6 +65,7 @@ private:
     class Rerun;
 
     bool RunAgain(const CString& name);
+    [[gnu::noinline]] bool CalculateWithCare(const CString& name);
     bool CheckByProgram(const CString& name);
     bool HasProgramFor(const CString& name);
     std::unique_ptr<Program> Compile();

@@ -74,7 +74,7 @@ struct ReferencePlace {
 };
 
 // Most expressions keep no more numbers at a time, and need no memory for them.
-inline constexpr std::size_t kStackAtHand = 6;
+inline constexpr std::size_t kStackAtHand = 4;
 // One place for what is on top and kept apart, one for handing it to a function with the others.
 inline constexpr std::size_t kSpareOfStack = 2;
 
