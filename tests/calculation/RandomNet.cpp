@@ -276,9 +276,10 @@ private:
         case 2:
             return operand.GetVariables(List(), m_Dice.OneIn(2), m_Dice.OneIn(2));
         default:
-            Put(operand.Calculate() ? 1 : 0);
-            Put(operand.GetValue());
-            return operand.GetCalculated();
+            const int isDone = operand.Calculate() ? 1 : 0;
+            Put(isDone);
+            Put(operand.GetValue(), operand.GetCalculated() ? 1 : 0);
+            return isDone;
         }
     }
     int LoadOperand(CalculationOperand& operand)
@@ -355,10 +356,17 @@ private:
     void BeginAnew()
     {
         TidyUp();
+        m_Thrower = 0;
+        const auto load = [](CFmlaExpression& expression) { expression.LoadExpressionTree(0); };
         for (const auto& formula : m_Formulas)
-            formula->GetExpression().LoadExpressionTree(0);
-        for (CFmlaExpression* const expression : {&m_HostFormula->m_Expression, &m_HostTable->m_Expression})
-            expression->LoadExpressionTree(0);
+            load(formula->GetExpression());
+        load(m_HostFormula->m_Expression);
+        load(m_HostTable->m_Expression);
+        for (const auto& bare : m_Bare)
+            load(*bare);
+        for (const auto& operand : m_Operands)
+            if (operand->IsExpression())
+                load(operand->GetFmlaExpression());
     }
     // After an exception only the expressions are looked at; whatever else it may have left half
     // done begins anew.
@@ -424,8 +432,11 @@ private:
     }
     void See(const std::string& name, const CFmlaExpression& expression)
     {
+        // What has failed keeps the value of its last check. In a scan that fails, tables have been
+        // calculated anew, and what is asked once more finds them so.
+        const bool isOfOnce = Has(NET_TABLES) && Has(NET_HOSTS) && expression.GetMessageNum() != 0;
         Put("\n" + name);
-        Put(expression.GetValue());
+        Put(isOfOnce ? 0.0 : expression.GetValue());
         Put(expression.GetMessageNum(), expression.GetInvalidPos(), expression.IsLoaded(),
             expression.IsCalculated(), expression.IsBoolean(), expression.IsNumeric());
     }
