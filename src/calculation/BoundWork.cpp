@@ -688,10 +688,12 @@ bool BoundWork::KeepElsewhere(const Start& start, std::vector<LeftText> LeftElse
         state.leftElsewhere.reset();
         return true;
     }
+    if (ErrorTexts::HasOnce(start.turn))
+        return false;
     if (!state.leftElsewhere)
         state.leftElsewhere = std::make_unique<LeftElsewhere>();
     (*state.leftElsewhere).*by = std::move(given);
-    return !ErrorTexts::HasOnce(start.turn);
+    return true;
 }
 
 void BoundWork::LeaveTexts(std::vector<LeftText> LeftElsewhere::*by)
