@@ -333,6 +333,12 @@ private:
                 BeginAnew();
             else
                 Look(answer != 0);
+            // In a scan that fails, tables were calculated anew, and who is asked once more finds
+            // them so.
+            if (answer == 0 && Has(NET_TABLES) && Has(NET_HOSTS)) {
+                m_HostFormula->m_Expression.LoadExpressionTree(0);
+                m_HostTable->m_Expression.LoadExpressionTree(0);
+            }
             if (answer == 0)
                 for (const auto& set : m_Sets)
                     set->SetStrError(CString());
@@ -432,11 +438,8 @@ private:
     }
     void See(const std::string& name, const CFmlaExpression& expression)
     {
-        // What has failed keeps the value of its last check. In a scan that fails, tables have been
-        // calculated anew, and what is asked once more finds them so.
-        const bool isOfOnce = Has(NET_TABLES) && Has(NET_HOSTS) && expression.GetMessageNum() != 0;
         Put("\n" + name);
-        Put(isOfOnce ? 0.0 : expression.GetValue());
+        Put(expression.GetValue());
         Put(expression.GetMessageNum(), expression.GetInvalidPos(), expression.IsLoaded(),
             expression.IsCalculated(), expression.IsBoolean(), expression.IsNumeric());
     }
