@@ -239,7 +239,8 @@ private:
     }
 
     std::uint64_t m_TextVersion = 1; // grows with every change of text or table
-    // Becomes false when a field changes otherwise than by a check; null for nobody who looks at it.
+    // Becomes false when a field changes otherwise than by a check; null for nobody who looks at
+    // it.
     bool* m_Untouched = nullptr;
     // How many references the scan has passed when it stood at a position, so that a scan token by
     // token does not look through the whole table each time.

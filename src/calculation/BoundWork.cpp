@@ -62,8 +62,11 @@ private:
 class BoundWork::Rerun {
 public:
     explicit Rerun(BoundWork& work)
-        : m_Throwing(work), m_State(*work.m_Expression.m_State), m_Mark(m_State.marks),
-          m_Outer(innermost), m_Outermost(m_Outer ? m_Outer->m_Outermost : this)
+        : m_Throwing(work),
+          m_State(*work.m_Expression.m_State),
+          m_Mark(m_State.marks),
+          m_Outer(innermost),
+          m_Outermost(m_Outer ? m_Outer->m_Outermost : this)
     {
         innermost = this;
     }
@@ -354,8 +357,8 @@ bool BoundWork::RunAgain(const CString& name)
         return false;
     Program& program = *state.program;
     CStringList& names = CFmlaExpression::m_NestedFmlaNames;
-    if (&program.Names() != namesInForce || !program.IsBound() ||
-        UnderWay::IsDeepest() || Rerun::IsNamed(name) || (!names.IsEmpty() && names.Find(name)))
+    if (&program.Names() != namesInForce || !program.IsBound() || UnderWay::IsDeepest() ||
+        Rerun::IsNamed(name) || (!names.IsEmpty() && names.Find(name)))
         return false;
     const PassNumber began = Pass::Present();
     if (program.HasNested()) {
@@ -473,20 +476,19 @@ bool BoundWork::HasProgramFor(const CString& name)
 std::unique_ptr<Program> BoundWork::Compile()
 {
     const std::vector<Reference> references = ReferencesOf(m_Expression.m_VarPtrs);
-    TokenScanner scanner(m_Expression.m_ExprText, references,
-                         CFmlaExpression::SpellingOf(TL_LOCAL), 0);
+    TokenScanner scanner(m_Expression.m_ExprText, references, CFmlaExpression::SpellingOf(TL_LOCAL),
+                         0);
     ProgramBuilder builder(m_Expression.CalcSet(), m_Expression.m_ExprText.GetLength());
     TokenScanner::Outcome outcome;
     while ((outcome = scanner.Next()) == TokenScanner::Outcome::Token) {
         const int code = scanner.TokenCode();
         const WideView text = scanner.TokenText();
-        const bool isTaken =
-            code < kReferenceKindCount
-                ? builder.TakeReference({scanner.TokenPos(),
-                                         static_cast<std::uint16_t>(text.size()),
-                                         static_cast<std::uint16_t>(code)},
-                                        text)
-                : builder.Take(code, text);
+        const bool isTaken = code < kReferenceKindCount
+                                 ? builder.TakeReference({scanner.TokenPos(),
+                                                          static_cast<std::uint16_t>(text.size()),
+                                                          static_cast<std::uint16_t>(code)},
+                                                         text)
+                                 : builder.Take(code, text);
         if (!isTaken)
             return nullptr;
     }
@@ -593,7 +595,8 @@ void BoundWork::NoteChecked(const CString& name, const Start& start)
 {
     KeepText();
     // A table that has its value leaves another text the next time.
-    if (!KeepElsewhere(start, &LeftElsewhere::byCheck) || Pass::Present() != start.pass || !Pass::IsRemembering() || EndsWithTable())
+    if (!KeepElsewhere(start, &LeftElsewhere::byCheck) || Pass::Present() != start.pass ||
+        !Pass::IsRemembering() || EndsWithTable())
         return;
     ExpressionState& state = State();
     state.checkedIn = start.pass;
@@ -615,8 +618,8 @@ void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,
         KeepText();
     else if (EndsWithTable())
         return;
-    const bool isKept = checkedName ? KeepElsewhere(start, &LeftElsewhere::byCalculation)
-                                    : !state.leftElsewhere;
+    const bool isKept =
+        checkedName ? KeepElsewhere(start, &LeftElsewhere::byCalculation) : !state.leftElsewhere;
     if (!isKept)
         return;
     if (checkedName && !list && Pass::Present() == start.pass && Pass::IsRemembering()) {

@@ -73,7 +73,8 @@ IVarObj* CalcSetImpl::GetVarObj(CExString name, int, long)
         return variable;
     if (VariableImpl* const variable = Find(*m_MissingVariables, name))
         return variable;
-    // Whoever has read the name before has had the variable created, so no pass is told of a change.
+    // Whoever has read the name before has had the variable created, so no pass is told of a
+    // change.
     auto variable = std::make_unique<VariableImpl>(this);
     variable->SetName(name);
     m_MissingVariables->SetAt(name, variable.get());

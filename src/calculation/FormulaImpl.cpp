@@ -21,8 +21,7 @@ ICalculationSet* Checked(ICalculationSet* calcSet)
 } // namespace
 
 FormulaImpl::FormulaImpl(ICalculationSet* calcSet)
-    : m_CalcSet(Checked(calcSet)),
-      m_Expression(*m_CalcSet)
+    : m_CalcSet(Checked(calcSet)), m_Expression(*m_CalcSet)
 {}
 
 FormulaImpl::~FormulaImpl() = default;

@@ -64,8 +64,7 @@ bool Namesakes::AreThere(const ExpressionState& state, const CString& name)
     }
     knownIn = Pass::First();
     const auto [stray, isNew] = strays.byName.emplace(name, &state);
-    if (stray->second != &state ||
-        (isNew && HasAnotherFormula(*strays.calcSet, state, name)))
+    if (stray->second != &state || (isNew && HasAnotherFormula(*strays.calcSet, state, name)))
         stray->second = nullptr;
     return !stray->second;
 }

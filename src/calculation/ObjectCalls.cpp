@@ -73,8 +73,7 @@ bool IsStock(const ICalculationSet& calcSet)
 
 bool IsStrErrorClear(const ICalculationSet& calcSet)
 {
-    return IsStock(calcSet) &&
-           !StockObjects::HasStrError(static_cast<const CalcSetImpl&>(calcSet));
+    return IsStock(calcSet) && !StockObjects::HasStrError(static_cast<const CalcSetImpl&>(calcSet));
 }
 
 const double* ValueOf(const IVarObj& variable)
@@ -93,7 +92,7 @@ ExpressionState* StateOf(IFormulaObj& formula, bool& isHost)
 
 void NoteFound(ExpressionState& formula, const CString& name)
 {
-    if (formula.formulaName && *formula.formulaName == name)
+    if (formula.ownNameIn != Pass::Present() && formula.formulaName && *formula.formulaName == name)
         formula.ownNameIn = Pass::Present();
 }
 

@@ -18,9 +18,9 @@ struct LeftText {
     std::uint64_t turn; // grows with each text that is given
 };
 
-// Gives sets the texts of mathematical errors, and knows what it gave last within a pass: whoever is
-// answered from memory leaves the texts that its calculation would have left. A token gives its own
-// set a text, so with formulas of several sets there are several. Kept for each thread.
+// Gives sets the texts of mathematical errors, and knows what it gave last within a pass: whoever
+// is answered from memory leaves the texts that its calculation would have left. A token gives its
+// own set a text, so with formulas of several sets there are several. Kept for each thread.
 class ErrorTexts {
 public:
     static void Give(ICalculationSet& calcSet, RuntimeError error);

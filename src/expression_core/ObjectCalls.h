@@ -22,8 +22,8 @@ struct LookupState {
 };
 
 // What evaluation needs of named objects beyond their interfaces: what can be known of an object
-// that is exactly a stock one. A class derived from a stock one may do anything, so nothing is known
-// of it. Declared here and defined by the layer that has the stock classes.
+// that is exactly a stock one. A class derived from a stock one may do anything, so nothing is
+// known of it. Declared here and defined by the layer that has the stock classes.
 namespace ObjectCalls {
 
 // The set as a stock one, if it finds names in its own entries only; else null.

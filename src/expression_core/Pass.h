@@ -7,8 +7,9 @@
 
 namespace tovo::detail {
 
-// Names a state of everything that calculations rest on. Equal numbers mean that nothing has changed
-// in between. No two threads have a number in common, since a set may be handed from one to another.
+// Names a state of everything that calculations rest on. Equal numbers mean that nothing has
+// changed in between. No two threads have a number in common, since a set may be handed from one to
+// another.
 using PassNumber = std::uint64_t;
 inline constexpr PassNumber kNeverInPass = 0;
 inline constexpr PassNumber kNumbersInBlock = static_cast<PassNumber>(1) << 32;

@@ -24,15 +24,15 @@ namespace tovo::detail {
 
 class Program;
 
-// The texts that an expression leaves in other sets than its own. A check comes by all references, a
-// walk after it once more by those that conditions do not rule out.
+// The texts that an expression leaves in other sets than its own. A check comes by all references,
+// a walk after it once more by those that conditions do not rule out.
 struct LeftElsewhere {
     std::vector<LeftText> byCheck;
     std::vector<LeftText> byCalculation; // which begins with a check
 };
 
-// What an expression keeps beside its text and its tree. What others look at who name the expression
-// comes first.
+// What an expression keeps beside its text and its tree. What others look at who name the
+// expression comes first.
 struct ExpressionState {
     explicit ExpressionState(CFmlaExpression& owner, ICalculationSet& set)
         : calcSet(set), expression(owner)
@@ -160,8 +160,8 @@ private:
     template <Purpose kPurpose, bool kReadsHost>
     bool Execute(ExpressionState& state, CScannedVariables* list);
     bool ReadVariable(ExpressionState& state, Binding& binding, CScannedVariables* list);
-    bool Compute(ICalculationSet& calcSet, const Instruction& instruction,
-                 std::span<double> others, double& value);
+    bool Compute(ICalculationSet& calcSet, const Instruction& instruction, std::span<double> others,
+                 double& value);
     bool CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
                      CScannedVariables* list, double& value);
     template <typename Object>

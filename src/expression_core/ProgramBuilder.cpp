@@ -84,9 +84,8 @@ bool ProgramBuilder::Take(int code, WideView text)
     Instruction instruction = {};
     switch (row.type) {
     case TT_CONSTANT:
-        instruction.number = code == TOK_NUMBER
-                                 ? tovo::ParseDouble(text, LocalDecimalSeparator())
-                                 : ValueOfConstant(code);
+        instruction.number = code == TOK_NUMBER ? tovo::ParseDouble(text, LocalDecimalSeparator())
+                                                : ValueOfConstant(code);
         return TakeOperand(Operation::Number, row.returns, instruction);
     case TT_VARVALUE:
         instruction.index = static_cast<std::uint32_t>(code);
@@ -112,8 +111,7 @@ bool ProgramBuilder::TakeReference(const ReferencePlace& place, WideView text)
     const RESULT_KIND kind = KindOfReference(text);
     if (kind == RT_ANY)
         return false;
-    constexpr Operation kOperations[] = {Operation::Variable, Operation::Formula,
-                                         Operation::Table};
+    constexpr Operation kOperations[] = {Operation::Variable, Operation::Formula, Operation::Table};
     Instruction instruction = {};
     instruction.index = BindingOf(place, BareName(text));
     m_Program->m_Places.push_back(place);
@@ -215,7 +213,8 @@ bool ProgramBuilder::CloseParenthesis()
     return true;
 }
 
-// Closes the operators that bind at least as tightly; those of equal precedence group from the left.
+// Closes the operators that bind at least as tightly; those of equal precedence group from the
+// left.
 bool ProgramBuilder::CloseOperators(int precedence)
 {
     while (!m_Open.empty() && m_Open.back().precedence > 0 &&

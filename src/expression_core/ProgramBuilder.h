@@ -12,8 +12,8 @@ namespace tovo::detail {
 //
 // Operators wait on a stack until what follows binds less tightly, functions until they are closed;
 // what is complete is written behind its arguments. The places and the kinds of all elements are
-// those of the catalogue, so whatever is accepted here would be accepted as a tree, and comes to the
-// same value. What is refused may still be a good text: the tree decides.
+// those of the catalogue, so whatever is accepted here would be accepted as a tree, and comes to
+// the same value. What is refused may still be a good text: the tree decides.
 class ProgramBuilder {
 public:
     // The length is that of the text, in characters.
@@ -23,8 +23,8 @@ public:
     // refused, and nothing but destroying the builder is of use then.
     bool Take(int code, WideView text);
     bool TakeReference(const ReferencePlace& place, WideView text);
-    // The program of the text and the names that its tokens were scanned from; null if the text ends
-    // too early.
+    // The program of the text and the names that its tokens were scanned from; null if the text
+    // ends too early.
     std::unique_ptr<Program> Finish(const CString& text,
                                     std::shared_ptr<const CExpressionNames> names);
 

@@ -51,9 +51,9 @@ void CFmlaExprBase::LoadNames()
     namesInForce = presentNames.get();
     areNamesEnglish = true;
     for (int code = 0; code < kTokenCount; ++code)
-        areNamesEnglish = areNamesEnglish && (CatalogueOf(code).nameId == kNoName ||
-                                              m_ExprNames.GetAt(code).View() ==
-                                                  CatalogueOf(code).englishName);
+        areNamesEnglish =
+            areNamesEnglish && (CatalogueOf(code).nameId == kNoName ||
+                                m_ExprNames.GetAt(code).View() == CatalogueOf(code).englishName);
 }
 
 const std::shared_ptr<const CExpressionNames>& CFmlaExprBase::PresentNames()

@@ -175,7 +175,8 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
         return 0;
     const double value = cell->value();
     // Formulas may have been calculated from the former value in this pass.
-    if (m_Calculated && std::bit_cast<std::uint64_t>(value) != std::bit_cast<std::uint64_t>(m_Value))
+    if (m_Calculated &&
+        std::bit_cast<std::uint64_t>(value) != std::bit_cast<std::uint64_t>(m_Value))
         Pass::NoteChange();
     m_Value = value;
     m_Calculated = 1;

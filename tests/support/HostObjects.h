@@ -84,7 +84,7 @@ public:
     CString m_Name;
     double m_Value;
     bool m_Succeeds = true;
-    bool m_Calculates = true; // false: passes its check and fails then
+    bool m_Calculates = true;   // false: passes its check and fails then
     unsigned int m_Message = 0; // written by a failure unless it is 0
     int m_Scanned = 0;
     std::function<void(CScannedVariables*)> m_OnCalculate;
@@ -96,10 +96,7 @@ public:
     CScannedVariables* m_LastList = nullptr;
 
 private:
-    int Verdict(unsigned int& message) const
-    {
-        return m_Succeeds ? 1 : Fail(message);
-    }
+    int Verdict(unsigned int& message) const { return m_Succeeds ? 1 : Fail(message); }
     int Fail(unsigned int& message) const
     {
         if (m_Message != 0)
