@@ -321,6 +321,7 @@ private:
         m_Fresh.emplace();
         m_Message = 77;
         m_Top = nullptr;
+        const std::vector<double> tables = ValuesOfTables();
         const Deed& deed = m_Dice.Of(m_Deeds);
         Put("\n> ");
         Put(deed.name);
@@ -333,12 +334,9 @@ private:
                 BeginAnew();
             else
                 Look(answer != 0);
-            // In a scan that fails, tables were calculated anew, and who is asked once more finds
-            // them so.
-            if (answer == 0 && Has(NET_TABLES) && Has(NET_HOSTS)) {
-                m_HostFormula->m_Expression.LoadExpressionTree(0);
-                m_HostTable->m_Expression.LoadExpressionTree(0);
-            }
+            // In a scan that fails, who is asked once more finds a table that was calculated anew.
+            if (answer == 0 && ValuesOfTables() != tables)
+                LoadNestedAnew();
             if (answer == 0)
                 for (const auto& set : m_Sets)
                     set->SetStrError(CString());
@@ -363,16 +361,28 @@ private:
     {
         TidyUp();
         m_Thrower = 0;
-        const auto load = [](CFmlaExpression& expression) { expression.LoadExpressionTree(0); };
-        for (const auto& formula : m_Formulas)
-            load(formula->GetExpression());
-        load(m_HostFormula->m_Expression);
-        load(m_HostTable->m_Expression);
+        LoadNestedAnew();
         for (const auto& bare : m_Bare)
-            load(*bare);
+            bare->LoadExpressionTree(0);
         for (const auto& operand : m_Operands)
             if (operand->IsExpression())
-                load(operand->GetFmlaExpression());
+                operand->GetFmlaExpression().LoadExpressionTree(0);
+    }
+    void LoadNestedAnew()
+    {
+        for (const auto& formula : m_Formulas)
+            formula->GetExpression().LoadExpressionTree(0);
+        if (!Has(NET_HOSTS))
+            return;
+        m_HostFormula->m_Expression.LoadExpressionTree(0);
+        m_HostTable->m_Expression.LoadExpressionTree(0);
+    }
+    std::vector<double> ValuesOfTables() const
+    {
+        std::vector<double> values;
+        for (const auto& table : m_Tables)
+            values.push_back(table->FormulaTableImpl::GetValue());
+        return values;
     }
     // After an exception only the expressions are looked at; whatever else it may have left half
     // done begins anew.
