@@ -276,6 +276,37 @@ TEST_F(PassJob, EachSetKeepsTheErrorTextOfItsOwnTokens)
     }
 }
 
+// Without a name a yes/no formula may come to a number, under its own it may not.
+TEST_F(PassJob, CheckUnderNoNameSaysNothingAboutTheKind)
+{
+    FormulaImpl& wrong = Formula(u"wrong?", "1");
+    FormulaImpl& top = Formula(u"top", "IF(F(wrong?),1,2)");
+    const CalculationPass pass;
+    unsigned int message = 0;
+    EXPECT_EQ(wrong.GetExpression().IsValid(message, CString(), 1), 1);
+    EXPECT_EQ(MessageOfCalculation(top), 6609u);
+}
+
+// The check comes by both formulas, the walk after it by the first one only.
+TEST_F(PassJob, TextInAnotherSetIsThatOfTheLastWalk)
+{
+    Formula(u"plain", "1");
+    Formula(u"faulty", "COSH(1000)");
+    CalcSetImpl other;
+    FormulaImpl top(&other);
+    other.AddFormula(dynamic_cast<FormulaImpl*>(m_Set.GetFormulaObj(u"plain")));
+    other.AddFormula(dynamic_cast<FormulaImpl*>(m_Set.GetFormulaObj(u"faulty")));
+    top.SetFromEncodedString(u"IF(F(plain)>0,1,F(faulty))");
+    const CalculationPass pass;
+    unsigned int message = 0;
+    for (int count = 0; count < 3; ++count) {
+        EXPECT_EQ(MessageOfCalculation(top), 0u);
+        EXPECT_EQ(m_Set.GetStrError().ToUtf8(), "");
+        EXPECT_EQ(top.IsValid(message, 1), 1);
+        EXPECT_NE(m_Set.GetStrError().ToUtf8(), "");
+    }
+}
+
 // Three layers of five formulas, each over the whole layer below; the lowest reads own and x.
 TEST_F(PassJob, HeldPassCalculatesEachFormulaOnce)
 {
