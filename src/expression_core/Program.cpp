@@ -294,7 +294,8 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
             value = binding.state->value;
             return IsBoundStill() || BindAll(state);
         }
-        if (binding.state->gaveUpIn == Pass::Present())
+        const CString* const own = binding.state->formulaName;
+        if (binding.state->gaveUpIn == Pass::Present() || !own || *own != binding.name)
             return false;
         // It has not run, and may succeed by way of its own operations.
     }
