@@ -65,9 +65,10 @@ public:
         : m_Throwing(work),
           m_State(*work.m_Expression.m_State),
           m_Mark(m_State.marks),
-          m_Outer(innermost),
-          m_Outermost(m_Outer ? m_Outer->m_Outermost : this)
+          m_Outer(innermost)
     {
+        if (!m_Outer)
+            outermost = this;
         innermost = this;
     }
     ~Rerun()
@@ -85,7 +86,7 @@ public:
     // Whether the outermost one, which need not be in its set, bears the name.
     static bool IsNamed(const CString& name)
     {
-        return innermost && innermost->m_Outermost->m_State.checkedName == name;
+        return innermost && outermost->m_State.checkedName == name;
     }
     // To be called before names are looked for or entered.
     static void EnterNames()
@@ -105,12 +106,12 @@ private:
     }
 
     static inline constinit thread_local Rerun* innermost = nullptr;
+    static inline constinit thread_local Rerun* outermost = nullptr;
 
     Throwing m_Throwing;
     ExpressionState& m_State;
     UnderWay m_Mark;
     Rerun* const m_Outer;
-    Rerun* const m_Outermost;
     POSITION m_Entry = nullptr;
     bool m_IsEntered = false;
 };
@@ -191,6 +192,11 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
     if (IsChecked(name)) {
         NoteLoaded();
         LeaveTexts(&LeftElsewhere::byCheck);
+        return 1;
+    }
+    if (Namesakes::AreNone(state) && RunAgain(name)) {
+        GiveTextOfProgram();
+        m_IsNamesake = false;
         return 1;
     }
     std::optional<PassApart> apart;
@@ -347,40 +353,52 @@ void BoundWork::BuildTreeOfProgram()
     State().isLoadedByProgram = false;
 }
 
-// The shortest road, for a program that is as good as it was and calls nothing of a host. False,
-// with nothing done that shows, if the expression has to be looked at again.
+// With what is needed where an object may come back to the expression. A part of its caller, so
+// that a chain of formulas takes less of the stack.
+[[gnu::always_inline]] inline bool BoundWork::RerunMarked()
+{
+    ExpressionState& state = *m_Expression.m_State;
+    Rerun rerun(*this);
+    state.isLoadedByProgram = false;
+    const bool isDone = state.program->Run(state, Program::Purpose::Check, nullptr);
+    rerun.End();
+    if (isDone) {
+        state.isLoadedByProgram = true;
+    } else {
+        Forget();
+        state.gaveUpIn = Pass::Present();
+    }
+    return isDone;
+}
+
+// The shortest road, for a program that is as good as it was. False, with nothing done that shows,
+// if the expression has to be looked at again.
 bool BoundWork::RunAgain(const CString& name)
 {
     ExpressionState& state = *m_Expression.m_State;
     if (!state.mayRunAgain || state.marks > 0 || state.checkedName != name ||
         !Pass::IsRemembering())
         return false;
-    Program& program = *state.program;
-    CStringList& names = CFmlaExpression::m_NestedFmlaNames;
-    if (&program.Names() != namesInForce || !program.IsBound() || UnderWay::IsDeepest() ||
-        Rerun::IsNamed(name) || (!names.IsEmpty() && names.Find(name)))
+    const Program& program = *state.program;
+    const CStringList& names = CFmlaExpression::m_NestedFmlaNames;
+    if (&program.Names() != namesInForce || UnderWay::IsDeepest() || Rerun::IsNamed(name) ||
+        (!names.IsEmpty() && names.Find(name)))
         return false;
-    const PassNumber began = Pass::Present();
-    if (program.HasNested()) {
-        Rerun rerun(*this);
-        state.isLoadedByProgram = false;
-        const bool isDone = program.Run(state, Program::Purpose::Check, nullptr);
-        rerun.End();
-        if (!isDone) {
-            Forget();
-            state.gaveUpIn = Pass::Present();
-            return false;
-        }
-        state.isLoadedByProgram = true;
-    } else if (!program.Run(state, Program::Purpose::Check, nullptr)) {
+    const Start start;
+    const bool callsNothing = program.IsClosed() && !program.HasNested() && program.IsBound();
+    if (!(callsNothing ? state.program->Run(state, Program::Purpose::Check, nullptr)
+                       : RerunMarked()))
         return false;
-    }
-    state.leftText = program.LeftText();
     state.reachedIn = Pass::First();
-    if (Pass::Present() != began)
-        return false;
-    state.checkedIn = state.calculatedIn = began;
-    return true;
+    if (ErrorTexts::HasOthers()) {
+        NoteChecked(name, start);
+    } else if (Pass::Present() == start.pass) {
+        state.leftText = program.LeftText();
+        state.checkedIn = state.calculatedIn = start.pass;
+    }
+    // What changes things while it is asked would be asked twice each time.
+    state.mayRunAgain = state.calculatedIn == Pass::Present();
+    return state.mayRunAgain;
 }
 
 // The road of the program, from the mark on the expression to the value.
@@ -605,7 +623,7 @@ void BoundWork::NoteChecked(const CString& name, const Start& start)
     if (EndsWithObject() || state.leftElsewhere || !IsUnderOwnName(name))
         return;
     state.calculatedIn = start.pass;
-    state.mayRunAgain = state.isLoadedByProgram && state.program->IsClosed();
+    state.mayRunAgain = state.isLoadedByProgram;
 }
 
 void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,

@@ -65,6 +65,7 @@ private:
     class Rerun;
 
     bool RunAgain(const CString& name);
+    bool RerunMarked();
     [[gnu::noinline]] bool CalculateWithCare(const CString& name);
     bool CheckByProgram(const CString& name);
     bool HasProgramFor(const CString& name);

@@ -5,7 +5,6 @@
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/FormulaImpl.h>
 
-#include "../expression_core/Program.h"
 #include "ObjectsOfSet.h"
 
 namespace tovo::detail {
@@ -55,6 +54,8 @@ bool Namesakes::AreThere(const ExpressionState& state, const CString& name)
     if (!strays.calcSet) {
         strays.calcSet = &state.calcSet;
         strays.names = NamesOfFormulas(state.calcSet);
+        plainIn = Pass::First();
+        plainSet = &state.calcSet;
     }
     if (strays.names == NamesOfFormulas(state.calcSet) && IsUnderOwnName(state, name)) {
         const auto found = strays.byName.find(name);

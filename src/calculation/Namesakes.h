@@ -2,12 +2,9 @@
 #define TOVOFORMULA_SRC_NAMESAKES_H
 
 #include "../expression_core/Pass.h"
-
-class CString;
+#include "../expression_core/Program.h"
 
 namespace tovo::detail {
-
-struct ExpressionState;
 
 // Detects two expressions that are checked under one name within a pass.
 //
@@ -23,11 +20,21 @@ public:
     static bool MayExist() { return Pass::HasHistory(); }
     // Whether strays have been taken down in this pass.
     static bool AreKnown() { return knownIn == Pass::First(); }
+    // Whether no other expression can bear the name of this one, as is known of a formula that was
+    // found under its own name in the set that the pass began with. May fail to know.
+    static bool AreNone(const ExpressionState& state)
+    {
+        return !MayExist() || (plainIn == Pass::First() && knownIn != plainIn &&
+                               plainSet == &state.calcSet && state.ownNameIn == Pass::Present());
+    }
     // Whether another expression bears the name under which this one is going to be checked.
     static bool AreThere(const ExpressionState& state, const CString& name);
 
 private:
     static inline constinit thread_local PassNumber knownIn = kNeverInPass;
+    // The pass whose first set is known, and that set.
+    static inline constinit thread_local PassNumber plainIn = kNeverInPass;
+    static inline constinit thread_local const ICalculationSet* plainSet = nullptr;
 };
 
 } // namespace tovo::detail

@@ -35,6 +35,9 @@ public:
     static void NoteOnce() { once = turns; }
     static bool HasOnce(std::uint64_t since) { return once > since; }
 
+    // Whether more sets than one were given texts.
+    static bool HasOthers() { return hasOthers; }
+
     // Forgets what was given, for the sets may be gone.
     static void BeginPass()
     {
