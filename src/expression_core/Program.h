@@ -74,7 +74,7 @@ struct ReferencePlace {
 };
 
 // Most expressions keep no more numbers at a time, and need no memory for them.
-inline constexpr std::size_t kStackAtHand = 4;
+inline constexpr std::size_t kStackAtHand = 3;
 // One place for what is on top and kept apart, one for handing it to a function with the others.
 inline constexpr std::size_t kSpareOfStack = 2;
 
@@ -164,9 +164,10 @@ private:
                  double& value);
     bool CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
                      CScannedVariables* list, double& value);
+    // Apart from its callers, which take less of the stack without it.
     template <typename Object>
-    bool CallObject(ExpressionState& state, Object& object, Purpose purpose,
-                    CScannedVariables* list, double& value);
+    [[gnu::noinline]] bool CallObject(ExpressionState& state, Object& object, Purpose purpose,
+                                      CScannedVariables* list, double& value);
 
     std::vector<Instruction> m_Code;
     std::vector<Binding> m_Bindings;

@@ -1,0 +1,182 @@
+#include <optional>
+#include <typeinfo>
+#include <utility>
+
+#include <TovoFormula/CalculationInterfaces.h>
+
+#include "../expression_core/LocalNumbers.h"
+#include "../expression_core/Names.h"
+#include "../expression_core/ProgramBuilder.h"
+#include "../expression_text/TokenScanner.h"
+#include "BoundGuards.h"
+#include "Namesakes.h"
+
+// The short road: the text is compiled once, and the program run from then on. It ends wherever
+// there is something to report or something that it cannot be sure of, with nothing done that
+// shows; the caller then takes the long road from the start.
+
+namespace tovo::detail {
+
+// With what is needed where an object may come back to the expression. A part of its caller, so
+// that a chain of formulas takes less of the stack.
+[[gnu::always_inline]] inline bool BoundWork::RerunMarked()
+{
+    ExpressionState& state = *m_Expression.m_State;
+    Rerun rerun(*this);
+    state.isLoadedByProgram = false;
+    const bool isDone = state.program->Run(state, Program::Purpose::Check, nullptr);
+    rerun.End();
+    if (isDone) {
+        state.isLoadedByProgram = true;
+    } else {
+        Forget();
+        state.gaveUpIn = Pass::Present();
+    }
+    return isDone;
+}
+
+// The shortest road, for a program that is as good as it was. False, with nothing done that shows,
+// if the expression has to be looked at again.
+bool BoundWork::RunAgain(const CString& name)
+{
+    ExpressionState& state = *m_Expression.m_State;
+    if (!state.mayRunAgain || state.marks > 0 || state.checkedName != name ||
+        !Pass::IsRemembering())
+        return false;
+    const Program& program = *state.program;
+    const CStringList& names = CFmlaExpression::m_NestedFmlaNames;
+    if (&program.Names() != namesInForce || UnderWay::IsDeepest() || Rerun::IsNamed(name) ||
+        (!names.IsEmpty() && names.Find(name)))
+        return false;
+    const Start start;
+    const bool callsNothing = program.IsClosed() && !program.HasNested() && program.IsBound();
+    if (!(callsNothing ? state.program->Run(state, Program::Purpose::Check, nullptr)
+                       : RerunMarked()))
+        return false;
+    state.reachedIn = Pass::First();
+    if (ErrorTexts::HasOthers()) {
+        NoteChecked(name, start);
+    } else if (Pass::Present() == start.pass) {
+        state.leftText = program.LeftText();
+        state.checkedIn = state.calculatedIn = start.pass;
+    }
+    // What changes things while it is asked would be asked twice each time.
+    state.mayRunAgain = state.calculatedIn == Pass::Present();
+    return state.mayRunAgain;
+}
+
+// The road of the program, from the mark on the expression to the value.
+bool BoundWork::CheckByProgram(const CString& name)
+{
+    ExpressionState& state = State();
+    if (state.marks > 0 || state.gaveUpIn == Pass::Present() || !HasProgramFor(name))
+        return false;
+    const UnderWay underWay(state.marks);
+    if (underWay.IsTooDeep())
+        return false;
+    // Whoever asks meanwhile finds an expression that is not loaded.
+    state.isLoadedByProgram = false;
+    m_Expression.m_Tree.Clear();
+    if (!state.program->Run(state, Program::Purpose::Check, nullptr)) {
+        Forget();
+        state.gaveUpIn = Pass::Present();
+        return false;
+    }
+    state.isLoadedByProgram = true;
+    m_Expression.m_Tree.m_Msg = MSG_NONE;
+    NoteLoaded();
+    return true;
+}
+
+bool BoundWork::CalculateByProgram(const CString& name)
+{
+    ExpressionState& state = *m_Expression.m_State;
+    if (state.leftElsewhere || Namesakes::AreKnown())
+        return false;
+    if (RunAgain(name))
+        return true;
+    return CalculateWithCare(name);
+}
+
+// Apart from its caller, whose frame is on the stack for each formula of a chain.
+bool BoundWork::CalculateWithCare(const CString& name)
+{
+    ExpressionState& state = *m_Expression.m_State;
+    if (!state.formulaName || *state.formulaName != name)
+        return false;
+    if (state.calculatedIn == Pass::Present() && state.marks == 0)
+        return true;
+    Rerun::EnterNames();
+    std::optional<NestedNameGuard> entry;
+    if (!name.IsEmpty()) {
+        entry.emplace(CFmlaExpression::m_NestedFmlaNames, name);
+        if (!entry->HasEntered())
+            return false;
+    }
+    Throwing throwing(*this);
+    const Start start;
+    const bool isChecked = CheckByProgram(name);
+    throwing.End();
+    if (!isChecked)
+        return false;
+    state.reachedIn = Pass::First();
+    NoteChecked(name, start);
+    entry.reset();
+    // The check has calculated all there is, unless something has changed meanwhile.
+    if (state.calculatedIn == Pass::Present())
+        return true;
+    const UnderWay underWay(state.marks);
+    if (!RunAsWalk(nullptr))
+        return false;
+    NoteCalculated(nullptr, start, &name);
+    return true;
+}
+
+// Whether there is a program for the present text, whose kind is what the name says.
+bool BoundWork::HasProgramFor(const CString& name)
+{
+    ExpressionState& state = State();
+    const bool isCurrent = state.program && state.textOfProgram == m_Expression.m_TextVersion &&
+                           &state.program->Names() == namesInForce;
+    if (!isCurrent) {
+        if (!Pass::IsRemembering() || state.textWithoutProgram == m_Expression.m_TextVersion ||
+            !MayUsePrograms())
+            return false;
+        std::unique_ptr<Program> program = Compile();
+        if (!program) {
+            state.textWithoutProgram = m_Expression.m_TextVersion;
+            return false;
+        }
+        Forget();
+        state.program = std::move(program);
+        state.textOfProgram = m_Expression.m_TextVersion;
+    }
+    return Pass::IsRemembering() &&
+           (name.IsEmpty() || state.program->IsBoolean() == IsYesNoName(name.View()));
+}
+
+std::unique_ptr<Program> BoundWork::Compile()
+{
+    const std::vector<Reference> references = ReferencesOf(m_Expression.m_VarPtrs);
+    TokenScanner scanner(m_Expression.m_ExprText, references, CFmlaExpression::SpellingOf(TL_LOCAL),
+                         0);
+    ProgramBuilder builder(m_Expression.CalcSet(), m_Expression.m_ExprText.GetLength());
+    TokenScanner::Outcome outcome;
+    while ((outcome = scanner.Next()) == TokenScanner::Outcome::Token) {
+        const int code = scanner.TokenCode();
+        const WideView text = scanner.TokenText();
+        const bool isTaken = code < kReferenceKindCount
+                                 ? builder.TakeReference({scanner.TokenPos(),
+                                                          static_cast<std::uint16_t>(text.size()),
+                                                          static_cast<std::uint16_t>(code)},
+                                                         text)
+                                 : builder.Take(code, text);
+        if (!isTaken)
+            return nullptr;
+    }
+    if (outcome == TokenScanner::Outcome::Fault)
+        return nullptr;
+    return builder.Finish(m_Expression.m_ExprText, CFmlaExprBase::PresentNames());
+}
+
+} // namespace tovo::detail
