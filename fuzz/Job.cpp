@@ -18,10 +18,6 @@ struct SetAccess : CalcSetImpl {
 };
 struct ExpressionAccess : CFmlaExpression {
     using CFmlaExpression::m_NestedFmlaNames;
-    static const CExprTree& TreeOf(const CFmlaExpression& expression)
-    {
-        return expression.*(&ExpressionAccess::m_Tree);
-    }
 };
 
 // A set that a host derived, and which has two objects that are not stock ones.
@@ -42,9 +38,6 @@ private:
     IVarObj& m_Variable;
     IFormulaObj& m_Formula;
 };
-
-// Without remembering, what formulas share is worked on at each place that names it.
-constexpr int kMostHostCalls = 50;
 
 std::string Names(const CStringList& list)
 {
@@ -94,7 +87,10 @@ Job::Job(bool isStockSet, bool isStrict)
         table->GetRowSelector().SetVariable(u"x");
         table->GetColumnSelector().SetVariable(u"y");
     }
-    m_HostFormula.m_OnCalculate = [this](CScannedVariables* list) { CalculateWithinHost(list); };
+    // The same for as long as nothing changes, however often it is asked.
+    m_HostFormula.m_OnCalculate = [this](CScannedVariables*) {
+        m_HostFormula.m_Value = Variable(0).GetValue() + 1.0;
+    };
 }
 
 CFormtblElem& Job::Element(FormulaTableImpl& table, int index)
@@ -128,24 +124,13 @@ std::string Job::Seen()
                 std::to_string(table->GetScannedInCondition()) + ' ';
     for (auto& variable : m_Variables)
         seen += "V " + Shown(variable->GetValue()) + std::to_string(variable->InCond()) + ' ';
-    seen += test::Dump(m_Set->ErrorTracker()) + m_Set->GetStrError().ToUtf8();
+    seen += test::Dump(m_Set->ErrorTracker());
     for (const int flag : {m_Set->GetDURATIONInCondition(), m_Set->GetJOBSIZEInCondition(),
                            m_Set->GetQuantityInCondition(), m_Set->GetQuantityInCalculations()})
         seen += std::to_string(flag);
     Require(!CExprTree::InIfCondition() && ExpressionAccess::m_NestedFmlaNames.IsEmpty(),
             "the state of the thread as it was");
     return seen;
-}
-
-void Job::CalculateWithinHost(CScannedVariables* list)
-{
-    Variable(0).SetValue(Variable(0).GetValue() + 1.0);
-    m_HostFormula.m_Value = 0.0;
-    if (++m_HostCalls > kMostHostCalls)
-        return;
-    unsigned int message = MSG_NONE;
-    if (Formula(0).Calculate(message, list))
-        m_HostFormula.m_Value = Formula(0).GetValue();
 }
 
 std::string Seen(CFmlaExpression& expression)
@@ -159,7 +144,7 @@ std::string Seen(CFmlaExpression& expression)
     for (const int answer : {expression.IsLoaded(), expression.IsCalculated(),
                              expression.IsBoolean(), expression.IsNumeric()})
         seen += std::to_string(answer);
-    return seen + ' ' + test::Dump(ExpressionAccess::TreeOf(expression));
+    return seen;
 }
 
 std::string Seen(const CScannedVariables& list)

@@ -36,11 +36,8 @@ public:
     std::string Seen();
 
 private:
-    void CalculateWithinHost(CScannedVariables* list);
-
     test::HostVariable m_HostVariable{u"own", 2.0};
     test::HostFormula m_HostFormula{u"host", 0.0};
-    int m_HostCalls = 0;
     std::unique_ptr<CalcSetImpl> m_Set;
     std::array<std::unique_ptr<VariableImpl>, kVariables> m_Variables;
     std::array<std::unique_ptr<FormulaImpl>, kFormulas> m_Formulas;
