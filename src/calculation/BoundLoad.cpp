@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include <TovoFormula/CalcErrorTracker.h>
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/MessageIds.h>
@@ -52,6 +54,7 @@ int BoundWork::Load(int nested)
 int BoundWork::BuildTree(int nested)
 {
     CFmlaExpression& expression = m_Expression;
+    assert(!expression.m_Tree.RootToken());
     expression.m_ScanPos = 0;
     const std::vector<Reference> references = ReferencesOf(expression.m_VarPtrs);
     TokenScanner scanner(expression.m_ExprText, references, CFmlaExpression::SpellingOf(TL_LOCAL),

@@ -17,21 +17,29 @@
 
 namespace tovo::detail {
 
-// With what is needed where an object may come back to the expression. A part of its caller, so
-// that a chain of formulas takes less of the stack.
-[[gnu::always_inline]] inline bool BoundWork::RerunMarked()
+// Whoever asks meanwhile finds an expression that is not loaded. A part of its callers, as the
+// next.
+[[gnu::always_inline]] inline bool BoundWork::RunAsCheck()
 {
     ExpressionState& state = *m_Expression.m_State;
-    Rerun rerun(*this);
     state.isLoadedByProgram = false;
     const bool isDone = state.program->Run(state, Program::Purpose::Check, nullptr);
-    rerun.End();
     if (isDone) {
         state.isLoadedByProgram = true;
     } else {
         Forget();
         state.gaveUpIn = Pass::Present();
     }
+    return isDone;
+}
+
+// With what is needed where an object may come back to the expression. A part of its caller, so
+// that a chain of formulas takes less of the stack.
+[[gnu::always_inline]] inline bool BoundWork::RerunMarked()
+{
+    Rerun rerun(*this);
+    const bool isDone = RunAsCheck();
+    rerun.End();
     return isDone;
 }
 
@@ -74,15 +82,9 @@ bool BoundWork::CheckByProgram(const CString& name)
     const UnderWay underWay(state.marks);
     if (underWay.IsTooDeep())
         return false;
-    // Whoever asks meanwhile finds an expression that is not loaded.
-    state.isLoadedByProgram = false;
     m_Expression.m_Tree.Clear();
-    if (!state.program->Run(state, Program::Purpose::Check, nullptr)) {
-        Forget();
-        state.gaveUpIn = Pass::Present();
+    if (!RunAsCheck())
         return false;
-    }
-    state.isLoadedByProgram = true;
     m_Expression.m_Tree.m_Msg = MSG_NONE;
     NoteLoaded();
     return true;

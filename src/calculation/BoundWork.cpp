@@ -12,6 +12,7 @@
 #include "Namesakes.h"
 
 namespace tovo::detail {
+
 BoundWork::BoundWork(CFmlaExpression& expression, const CString& formulaName)
     : m_Expression(expression)
 {

@@ -65,6 +65,7 @@ private:
     class Rerun;
 
     bool RunAgain(const CString& name);
+    bool RunAsCheck();
     bool RerunMarked();
     [[gnu::noinline]] bool CalculateWithCare(const CString& name);
     bool CheckByProgram(const CString& name);

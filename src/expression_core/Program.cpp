@@ -17,6 +17,7 @@
 #include "ScanRecord.h"
 
 namespace tovo::detail {
+
 CString Program::NameAt(const ReferencePlace& place) const
 {
     return CString(BareName(m_Text.View().substr(static_cast<std::size_t>(place.position),
@@ -26,6 +27,7 @@ CString Program::NameAt(const ReferencePlace& place) const
 bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* list)
 {
     assert((purpose == Purpose::Scan) == (list != nullptr));
+    assert(state.marks > 0 || (IsBound() && m_IsClosed && !m_HasNested));
     if (!IsBound() && !BindAll(state))
         return false;
     m_LeftText = 0;

@@ -94,7 +94,7 @@ public:
     };
 
     // Runs the program on the state that owns it. On success the state has the value. Requires: the
-    // state is marked as in progress.
+    // state is marked as in progress, unless the run calls nothing; a list for a scan alone.
     bool Run(ExpressionState& state, Purpose purpose, CScannedVariables* list);
 
     bool IsBoolean() const { return m_Kind == RT_BOOLEAN; }

@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_SRC_REFERENCEKINDS_H
 #define TOVOFORMULA_SRC_REFERENCEKINDS_H
 
+#include <cassert>
 #include <iterator>
 
 #include <TovoFormula/CalculationInterfaces.h>
@@ -52,14 +53,17 @@ constexpr bool IsNestedKind(int code)
 template <typename Visit>
 auto WithNested(ICalculationSet& calcSet, int kind, const CString& name, Visit visit)
 {
+    assert(IsNestedKind(kind));
     return kind == TOK_FORMULA ? visit(calcSet.GetFormulaObj(name))
                                : visit(calcSet.GetFormulaTableObj(name));
 }
 
-// The same for all kinds; the visitor may also be given an IVarObj *.
+// The same for all kinds; the visitor may also be given an IVarObj *. Requires: a kind of the
+// table.
 template <typename Visit>
 auto WithObject(ICalculationSet& calcSet, int kind, const CString& name, Visit visit)
 {
+    assert(kind >= 0 && kind < kReferenceKindCount);
     return IsNestedKind(kind) ? WithNested(calcSet, kind, name, visit)
                               : visit(calcSet.GetVarObj(name, 1, 0));
 }
