@@ -74,7 +74,7 @@ public:
     static void EndIfCondition() { --m_InIfConditionCount; }
 
 protected:
-    // The steps of building. Each answers 1, or 0 with GetMsg set if it says nothing else.
+    // The steps of building. Each returns 1, or 0 with GetMsg set if it says nothing else.
 
     // Whether the token may begin an expression, or follow m_LastToken. They settle a minus as
     // unary or binary. Requires: a last token, for the second.

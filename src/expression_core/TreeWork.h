@@ -8,10 +8,10 @@
 
 namespace tovo::detail {
 
-// What stands behind the operations of a tree: how it is built and how it is calculated.
+// The inside of the operations of a tree: how it is built and how it is calculated.
 //
-// What answers 0 or false has set the tree's message, unless it says otherwise. A token handed over
-// in a std::unique_ptr is released when it enters the tree, not before.
+// Whatever returns 0 or false has set the tree's message, unless it says otherwise. A token handed
+// over in a std::unique_ptr is released when it enters the tree, not before.
 //
 // A view on a tree, made where it is needed.
 class TreeWork {
@@ -41,7 +41,7 @@ private:
     // Inserts the nameless function of a left parenthesis that follows no function name.
     bool PutGroupBefore(const CExprToken& token, int pos, int nested);
     void PlantRoot(std::unique_ptr<CExprToken> token, int nested);
-    // These two may answer false without a message.
+    // These two may return false without a message.
     bool InsertOperator(std::unique_ptr<CExprToken>& token);
     bool InsertBelow(std::unique_ptr<CExprToken>& token);
     bool ClimbAbove(int precedence);
