@@ -17,7 +17,7 @@
 #include "JsonReport.h"
 #include "Oracles.h"
 #include "Reader.h"
-#include "RtfFile.h"
+#include "RtfReport.h"
 #include "TextReport.h"
 
 // Job files of any bytes: read, calculated, reported, edited and read again. The first line says
@@ -56,7 +56,7 @@ std::string Told(::Job& job, bool isStaticScan)
         Require(!formula.fault ||
                     (formula.faultPos >= -1 && formula.faultPos <= formula.text.GetLength()),
                 "an invalid position inside the text", formula.text.ToUtf8());
-    return TextReport(facts, {}) + JsonReport(facts) + RtfDocument(job);
+    return TextReport(facts, {}) + JsonReport(facts) + RtfReport(job);
 }
 
 nlohmann::json Text(const CString& text)

@@ -19,7 +19,7 @@
 #include "Language.h"
 #include "Options.h"
 #include "Rewrite.h"
-#include "RtfFile.h"
+#include "RtfReport.h"
 #include "TextReport.h"
 
 namespace {
@@ -83,7 +83,7 @@ int Run(const Options& options)
     const Facts facts = CalculateJob(job, options.isStaticScan);
     // A file that cannot be written fails the whole run, so it comes before anything is printed.
     if (!options.rtfFile.empty())
-        WriteFile(options.rtfFile, RtfDocument(job));
+        WriteFile(options.rtfFile, RtfReport(job));
     const TextManner manner{language.DecimalSeparator(), WantsColour()};
     Print(ReportOn(facts, options, manner));
     return HasFault(facts) ? kCalculationFailed : kAllCalculated;

@@ -19,6 +19,7 @@
 #include <TovoFormula/FormulaTableImpl.h>
 #include <TovoFormula/MessageIds.h>
 #include <TovoFormula/Module.h>
+#include <TovoFormula/RtfDocument.h>
 #include <TovoFormula/ScannedVariables.h>
 #include <TovoFormula/TokenCodes.h>
 #include <TovoFormula/Tree.h>

@@ -421,6 +421,23 @@ TEST_F(HostGuide, German)
     EXPECT_EQ(typed.IsValid(), 0) << "a text of another language";
 }
 
+TEST_F(HostGuide, RichText)
+{
+    CalcSetImpl job;
+    FormulaImpl area(&job);
+    Put(job, area, u"{Area}", u"V(Width)*2");
+
+    // [guide: rich text]
+    RtfDocument document(u"Arial", 22); // 11 points
+    document.AddText(area.GetName() + u" = ");
+    document.AddExpression(area.GetExpression());
+    document.EndParagraph();
+    const std::string file = document.GetRTFString().ToUtf8();
+    // [end]
+    EXPECT_NE(file.find(R"(\{Area\} = )"), std::string::npos) << file;
+    EXPECT_NE(file.find(R"(\cf1\b\ul  Width )"), std::string::npos) << file;
+}
+
 } // namespace
 
 } // namespace tovo::test

@@ -407,7 +407,7 @@ TEST_F(TovoCalc, RichTextIsPlainAscii)
         const char* part;
     } rows[] = {
         {{job}, R"(\cf0 m\u178? \{\\\} = \plain\f0\fs22\cf1\b\ul  \u-223? \plain)"},
-        {{"-e", "V(m²)"}, R"(\cf1\b\ul  m\u178?  \par)"},
+        {{"-e", "V(m²)"}, R"(\cf1\b\ul  m\u178? \par)"},
     };
     for (const auto& row : rows) {
         Arguments arguments = row.arguments;
