@@ -14,14 +14,6 @@ public:
     int GetReportFcnDomainErrors() override { return 1; }
 };
 
-VariableImpl MakeVariable(Shop& shop, CString name, double value)
-{
-    VariableImpl variable(&shop);
-    variable.SetName(name);
-    variable.SetValue(value);
-    return variable;
-}
-
 // What the carrier takes, by weight (up to 2, 5 and 31.5 kg) and by distance (up to 100 km and
 // farther). Cells are in thousandths.
 void FillRates(FormulaTableImpl& rates, Shop& shop)
@@ -29,8 +21,7 @@ void FillRates(FormulaTableImpl& rates, Shop& shop)
     const double weights[] = {2, 5, 31.5};
     const char* const cells[][2] = {{"4500", "5200"}, {"6900", "8400"}, {"12000", "15500"}};
 
-    CString name = u"Rate";
-    rates.SetName(name);
+    rates.SetName("Rate");
     rates.GetRowSelector().SetVariable(u"Weight");
     rates.GetColumnSelector().SetVariable(u"Distance");
     rates.SetColumnLimit(0, 100);
@@ -46,11 +37,11 @@ void ShowFault(const CFmlaExprBase& expression, unsigned int message)
 {
     CString words;
     words.LoadString(message);
-    std::cout << expression.GetTextStr().ToUtf8() << '\n';
+    std::cout << expression.GetTextStr() << '\n';
     if (expression.GetInvalidPos() >= 0)
         std::cout << std::string(static_cast<std::size_t>(expression.GetInvalidPos()), ' ')
                   << "^\n";
-    std::cout << words.ToUtf8() << " (" << message << ")\n\n";
+    std::cout << words << " (" << message << ")\n\n";
 }
 
 void ShowDependencies(FormulaImpl& formula, Shop& shop)
@@ -60,11 +51,9 @@ void ShowDependencies(FormulaImpl& formula, Shop& shop)
     formula.GetVariables(met, 0, 1);
 
     std::cout << "It depends on\n";
-    const CStringList& names = met.VariableList();
-    for (POSITION place = names.GetHeadPosition(); place;) {
-        const CString& name = names.GetNext(place);
+    for (const CString& name : met.VariableList()) {
         const bool inCondition = shop.GetVarObj(name, 0, 0)->InCond() != 0;
-        std::cout << "  " << name.ToUtf8() << (inCondition ? ", to choose by\n" : "\n");
+        std::cout << "  " << name << (inCondition ? ", to choose by\n" : "\n");
     }
     if (met.QuantityScanned())
         std::cout << "  QUANTITY\n";
@@ -74,16 +63,15 @@ void ShowDependencies(FormulaImpl& formula, Shop& shop)
 
 int main()
 {
-    InitTovoFormulaDLL(0);
+    InitTovoFormulaDLL();
 
     Shop shop;
-    VariableImpl weight = MakeVariable(shop, u"Weight", 3.2);
-    VariableImpl distance = MakeVariable(shop, u"Distance", 240);
-    VariableImpl express = MakeVariable(shop, u"Express?", 1);
+    VariableImpl weight(&shop, "Weight", 3.2);
+    VariableImpl distance(&shop, "Distance", 240);
+    VariableImpl express(&shop, "Express?", 1);
     FormulaTableImpl rates(&shop, 3, 2);
     FormulaImpl postage(&shop);
-    CString name = u"Postage";
-    postage.SetName(name);
+    postage.SetName("Postage");
     FillRates(rates, shop);
     shop.AddVariable(&weight);
     shop.AddVariable(&distance);
@@ -107,12 +95,12 @@ int main()
         ShowFault(typed, message);
         return 1;
     }
-    std::cout << typed.GetTextStr().ToUtf8() << "\nPostage: " << postage.GetValue() << '\n';
+    std::cout << typed.GetTextStr() << "\nPostage: " << postage.GetValue() << '\n';
     ShowDependencies(postage, shop);
 
     // What is stored is English, and reads back under any language of the user.
     const CString stored = typed.GetEncodedString();
-    std::cout << "Stored as " << stored.ToUtf8() << '\n';
+    std::cout << "Stored as " << stored << '\n';
     weight.SetValue(12);
     shop.StartNewPass();
     postage.SetFromEncodedString(stored);

@@ -55,7 +55,7 @@ public:
     unsigned int GetMsgId() const { return m_MsgId; }
 
     // Nested also checks what is referred to, and looks for circles.
-    bool IsValid(bool nested);
+    bool IsValid(bool nested = true);
     // Validates first.
     bool Calculate();
     // Adds what the content refers to; all and clear as IFormulaObj::GetVariables takes them.

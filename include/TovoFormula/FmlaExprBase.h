@@ -1,8 +1,10 @@
 #ifndef TOVOFORMULA_FMLAEXPRBASE_H
 #define TOVOFORMULA_FMLAEXPRBASE_H
 
+#include <concepts>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <TovoFormula/ExpressionNames.h>
@@ -125,6 +127,11 @@ public:
     // Reads what GetEncodedString writes, under the present language. Never fails: what is no
     // reference stays literal text.
     void SetFromEncodedString(CString encoded);
+    template <std::same_as<std::string> Text>
+    void SetFromEncodedString(const Text& encoded)
+    {
+        SetFromEncodedString(CString(encoded));
+    }
     // One reference as it is encoded. A kind other than 0, 1 and 2 gives no letter.
     static CString EncodeVariable(const CString& name, int kind);
     static CString EncodeFormula(const CString& name);

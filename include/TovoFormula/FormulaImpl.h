@@ -1,6 +1,9 @@
 #ifndef TOVOFORMULA_FORMULAIMPL_H
 #define TOVOFORMULA_FORMULAIMPL_H
 
+#include <concepts>
+#include <string>
+
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/FmlaExpression.h>
 
@@ -18,6 +21,8 @@ class TOVO_API FormulaImpl : public CObject, public IFormulaObj {
 public:
     // The set must outlive every calculation. A null pointer throws CInvalidArgException.
     explicit FormulaImpl(ICalculationSet* calcSet);
+    // The same with its name and its encoded string.
+    FormulaImpl(ICalculationSet* calcSet, const CExString& name, const CExString& encoded);
     ~FormulaImpl() override;
 
     FormulaImpl(const FormulaImpl&) = delete;
@@ -31,6 +36,8 @@ public:
     // Requires: a tree that IsValid or Calculate has built.
     void GetVariables(CScannedVariables& list, int all, int clear) override;
     int IsValid(unsigned int& message, int nested) override;
+    // With nested checks. The message is in GetMessageNum of the expression.
+    int IsValid();
     int GetScanned() override { return m_Scanned; }
     bool IsNumeric() override { return m_ValueType == VALUE_NUMERIC; }
     bool IsBoolean() override { return m_ValueType == VALUE_BOOLEAN; }
@@ -39,12 +46,23 @@ public:
     int GetValidated() override { return m_Validated; }
 
     virtual void SetName(CString& name);
+    // The same for any other text, such as a literal.
+    void SetName(const CExString& name)
+    {
+        CString copy = name;
+        SetName(copy);
+    }
 
     void SetUnit(const CString& unit);
     // Text and pointer string, in the user's language.
     void SetExpression(const CString& text, const CString& references);
     // The encoded string, good in any language.
     void SetFromEncodedString(const CString& encoded);
+    template <std::same_as<std::string> Text>
+    void SetFromEncodedString(const Text& encoded)
+    {
+        SetFromEncodedString(CString(encoded));
+    }
     // The expression itself, for display and editing; lives as long as the formula.
     CFmlaExpression& GetExpression() { return m_Expression; }
 

@@ -42,10 +42,18 @@ public:
     // The row limits must rise strictly, and the column limits but for the last one; the selectors
     // that count and every cell must be sound. The chain leads from the fault to the table.
     int IsValid(unsigned int& message, int nested) override;
+    // With nested checks. The message is in the set's tracker.
+    int IsValid();
     bool IsBoolean() override { return m_ValueType == VALUE_BOOLEAN; }
     int GetCalculated() override { return m_Calculated; }
 
     virtual void SetName(CString& name);
+    // The same for any other text, such as a literal.
+    void SetName(const CExString& name)
+    {
+        CString copy = name;
+        SetName(copy);
+    }
     virtual bool IsNumeric() { return m_ValueType == VALUE_NUMERIC; }
     // Nonzero: a scan has passed through the table inside a condition.
     virtual int GetScannedInCondition() { return m_ScannedInCondition; }

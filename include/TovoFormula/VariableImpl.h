@@ -14,11 +14,19 @@ class TOVO_API VariableImpl : public CObject, public IVarObj {
 public:
     // The set is not kept. A null pointer throws CInvalidArgException.
     explicit VariableImpl(ICalculationSet* calcSet);
+    // The same with its name and its value.
+    VariableImpl(ICalculationSet* calcSet, const CExString& name, double value);
     ~VariableImpl() override;
 
     CString& GetName() override { return m_Name; }
     // The name is stored unchanged; "?" counts only as its very last character.
     void SetName(CString& name) override;
+    // The same for any other text, such as a literal.
+    void SetName(const CExString& name)
+    {
+        CString copy = name;
+        SetName(copy);
+    }
     double GetValue() override { return m_Value; }
     // Stored unchanged, also for a yes/no variable.
     void SetValue(double value) override;

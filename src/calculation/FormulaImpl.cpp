@@ -1,5 +1,6 @@
 #include <TovoFormula/FormulaImpl.h>
 
+#include <TovoFormula/MessageIds.h>
 #include <TovoPlatform/ArgumentValidator.h>
 
 #include "../expression_core/Names.h"
@@ -24,6 +25,14 @@ FormulaImpl::FormulaImpl(ICalculationSet* calcSet)
     : m_CalcSet(Checked(calcSet)), m_Expression(*m_CalcSet)
 {}
 
+FormulaImpl::FormulaImpl(ICalculationSet* calcSet, const CExString& name, const CExString& encoded)
+    : FormulaImpl(calcSet)
+{
+    m_Name = name;
+    m_ValueType = ValueTypeOfName(m_Name.View());
+    m_Expression.SetFromEncodedString(encoded);
+}
+
 FormulaImpl::~FormulaImpl() = default;
 
 int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
@@ -41,6 +50,12 @@ int FormulaImpl::IsValid(unsigned int& message, int nested)
 {
     const Pass pass;
     return BoundWork(m_Expression, m_Name).Validate(message, m_Name, nested);
+}
+
+int FormulaImpl::IsValid()
+{
+    unsigned int message = MSG_NONE;
+    return IsValid(message, 1);
 }
 
 void FormulaImpl::SetName(CString& name)

@@ -14,6 +14,14 @@ VariableImpl::VariableImpl(ICalculationSet* calcSet)
                                                "VariableImpl::VariableImpl");
 }
 
+VariableImpl::VariableImpl(ICalculationSet* calcSet, const CExString& name, double value)
+    : VariableImpl(calcSet)
+{
+    m_Name = name;
+    m_Value = value;
+    m_ValueType = tovo::detail::ValueTypeOfName(m_Name.View());
+}
+
 VariableImpl::~VariableImpl() = default;
 
 void VariableImpl::SetName(CString& name)

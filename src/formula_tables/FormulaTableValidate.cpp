@@ -22,6 +22,12 @@ bool Rise(const CArray<double, double>& limits, int count)
 
 } // namespace
 
+int FormulaTableImpl::IsValid()
+{
+    unsigned int message = MSG_NONE;
+    return IsValid(message, 1);
+}
+
 int FormulaTableImpl::IsValid(unsigned int& message, int nested)
 {
     const Pass pass;

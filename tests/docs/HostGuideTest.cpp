@@ -3,9 +3,11 @@
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <TovoFormula/TovoFormula.h>
+#include <TovoPlatform/Fmt.h>
 #include <TovoPlatform/LocaleSettings.h>
 #include <TovoPlatform/StringResources.h>
 #include <support/Dump.h>
@@ -18,23 +20,18 @@ namespace tovo::test {
 
 namespace {
 
-template <typename Object>
-Object& Named(Object& object, CString name)
-{
-    object.SetName(name);
-    return object;
-}
-
 void Put(CalcSetImpl& job, VariableImpl& variable, const CString& name, double value)
 {
+    variable.SetName(name);
     variable.SetValue(value);
-    job.AddVariable(&Named(variable, name));
+    job.AddVariable(&variable);
 }
 
 void Put(CalcSetImpl& job, FormulaImpl& formula, const CString& name, const CString& encoded)
 {
+    formula.SetName(name);
     formula.SetFromEncodedString(encoded);
-    job.AddFormula(&Named(formula, name));
+    job.AddFormula(&formula);
 }
 
 // Without the indentation that all lines of the region share, which is that of its first line.
@@ -63,7 +60,7 @@ std::vector<std::string> RegionsOf(const std::string& source)
 // Most blocks of the guide need the messages.
 class HostGuide : public testing::Test {
 protected:
-    HostGuide() { InitTovoFormulaDLL(0); }
+    HostGuide() { InitTovoFormulaDLL(); }
 };
 
 TEST_F(HostGuide, CodeIsWhatIsCompiledHere)
@@ -79,26 +76,35 @@ TEST_F(HostGuide, CodeIsWhatIsCompiledHere)
 TEST_F(HostGuide, FirstCalculation)
 {
     // [guide: start]
-    InitTovoFormulaDLL(0); // once, before the first expression
+    InitTovoFormulaDLL(); // once, before the first expression
 
     CalcSetImpl job;
-    VariableImpl width(&job);
-    CString name = u"Width";
-    width.SetName(name);
-    width.SetValue(2.5);
+    VariableImpl width(&job, "Width", 2.5);
     job.AddVariable(&width); // by the name that it has now
     job.SetQuantity(3);
 
-    FormulaImpl area(&job);
-    name = u"Area";
-    area.SetName(name);
-    area.SetFromEncodedString("V(Width)*QUANTITY");
+    FormulaImpl area(&job, "Area", "V(Width)*QUANTITY");
     job.AddFormula(&area);
 
     unsigned int message = MSG_NONE;
     const double value = area.Calculate(message, nullptr) ? area.GetValue() : 0.0; // 7.5
     // [end]
     EXPECT_EQ(value, 7.5);
+
+    using namespace std::string_view_literals;
+    // [guide: texts]
+    const std::string typed = "Länge"; // UTF-8
+    VariableImpl length(&job);
+    length.SetName(typed); // or u"Länge", "Länge", a view, another CString
+    job.AddVariable(&length);
+
+    std::string found;
+    if (job.GetVarObj(typed, 1, 0)->GetName() == u"Länge"sv)
+        found = fmt::format("{:>6}", length.GetName()); // with TovoPlatform/Fmt.h
+    std::ostringstream out;
+    out << length.GetName() << ":" << found; // Länge: Länge
+    // [end]
+    EXPECT_EQ(out.str(), "Länge: Länge");
 }
 
 TEST_F(HostGuide, TypingAndMarking)
@@ -218,11 +224,9 @@ TEST_F(HostGuide, Dependencies)
     CScannedVariables met;
     job.StartNewPass();
     price.GetVariables(met, 0, 1); // what a calculation reaches; 1, 1 for the whole text
-    const CStringList& names = met.VariableList();
-    for (POSITION place = names.GetHeadPosition(); place;) {
-        const CString& name = names.GetNext(place);
+    for (const CString& name : met.VariableList())
         found += name.ToUtf8() + (job.GetVarObj(name, 1, 0)->InCond() ? "* " : " ");
-    } // Width* Limit*
+    // Width* Limit*
     // [end]
     EXPECT_EQ(found, "Width* Limit* ");
     EXPECT_EQ(met.QuantityScanned(), 1);
@@ -241,8 +245,7 @@ TEST_F(HostGuide, TableAndPass)
     Put(job, postage, u"Postage", "T(Rate)*2");
     // [guide: table]
     FormulaTableImpl rate(&job, 2, 1); // up to 5 kg, and above
-    CString name = u"Rate";
-    rate.SetName(name);
+    rate.SetName("Rate");
     rate.GetRowSelector().SetVariable(u"Weight");
     rate.SetRowLimit(0, 5);
     rate.SetRowLimit(1, 20); // must rise, though everything above 5 falls here

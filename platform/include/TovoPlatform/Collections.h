@@ -5,6 +5,7 @@
 #include <deque>
 #include <iterator>
 #include <list>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -22,6 +23,44 @@ struct __POSITION {};
 // A place in a list or a map. Opaque; null is the end. It stays good until its element is removed.
 using POSITION = __POSITION*;
 
+// Goes through a collection by its places, for a loop over a range. As good as a place: until the
+// element that it stands at is removed.
+template <typename COLLECTION>
+class CPlaceIterator {
+public:
+    using difference_type = std::ptrdiff_t;
+    using reference =
+        decltype(std::declval<const COLLECTION&>().GetNext(std::declval<POSITION&>()));
+    using value_type = std::remove_cvref_t<reference>;
+
+    CPlaceIterator() = default;
+    CPlaceIterator(const COLLECTION& collection, POSITION position)
+        : m_Collection(&collection), m_Position(position)
+    {}
+
+    reference operator*() const
+    {
+        POSITION position = m_Position;
+        return m_Collection->GetNext(position);
+    }
+    CPlaceIterator& operator++()
+    {
+        static_cast<void>(m_Collection->GetNext(m_Position));
+        return *this;
+    }
+    CPlaceIterator operator++(int)
+    {
+        CPlaceIterator before = *this;
+        ++*this;
+        return before;
+    }
+    friend bool operator==(const CPlaceIterator&, const CPlaceIterator&) = default;
+
+private:
+    const COLLECTION* m_Collection = nullptr;
+    POSITION m_Position = nullptr;
+};
+
 // A sequence read and written by index. An index outside it throws CInvalidArgException.
 template <typename TYPE, typename ARG_TYPE = const TYPE&>
 class CArray : public CObject {
@@ -36,6 +75,10 @@ public:
     void SetAt(int index, ARG_TYPE element) { m_Elements[Checked(index)] = element; }
     // The elements in a row, until the array is changed; null for an empty one.
     const TYPE* GetData() const { return m_Elements.empty() ? nullptr : m_Elements.data(); }
+    auto begin() { return m_Elements.begin(); }
+    auto end() { return m_Elements.end(); }
+    auto begin() const { return m_Elements.begin(); }
+    auto end() const { return m_Elements.end(); }
 
     // Appends and gives the index of the new element.
     int Add(ARG_TYPE element)
@@ -140,6 +183,8 @@ public:
     // Requires: a place of this list; null throws CInvalidArgException.
     const CString& GetNext(POSITION& position) const;
     const CString& GetAt(POSITION position) const;
+    CPlaceIterator<CStringList> begin() const { return {*this, GetHeadPosition()}; }
+    CPlaceIterator<CStringList> end() const { return {*this, nullptr}; }
 
     POSITION AddHead(const CString& text);
     // Null, with nothing added, if the list holds exactly the text already.
@@ -261,6 +306,15 @@ public:
         const auto next = std::next(typename Entries::const_iterator(entry.self));
         position = next == m_Entries.end() ? nullptr : const_cast<Entry*>(&*next);
     }
+    // The same as a pair, and a loop over all pairs.
+    std::pair<KEY, VALUE> GetNext(POSITION& position) const
+    {
+        std::pair<KEY, VALUE> entry;
+        GetNextAssoc(position, entry.first, entry.second);
+        return entry;
+    }
+    CPlaceIterator<CMap> begin() const { return {*this, GetStartPosition()}; }
+    CPlaceIterator<CMap> end() const { return {*this, nullptr}; }
 
 private:
     struct Entry;

@@ -2,10 +2,12 @@
 #define TOVOPLATFORM_WIDESTRING_H
 
 #include <compare>
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -41,11 +43,18 @@ public:
     CString(const WCHAR* text);
     // The character, count times; a count of 0 or below gives an empty string.
     explicit CString(WCHAR character, int count = 1);
-    explicit CString(WideView text);
+    CString(WideView text);
     explicit CString(WideText text);
     // From UTF-8: each byte that belongs to no well-formed sequence becomes U+FFFD.
     CString(const char* utf8);
-    explicit CString(std::string_view utf8);
+    CString(std::string_view utf8);
+    // A std::string is taken by CString(utf8) and here. An implicit constructor would make a call
+    // ambiguous where a host has a function for CString and one for std::string_view.
+    template <std::same_as<std::string> Text>
+    CString& operator=(const Text& utf8)
+    {
+        return *this = CString(utf8);
+    }
 
     // In UTF-8; a lone surrogate becomes U+FFFD.
     std::string ToUtf8() const;
@@ -109,6 +118,37 @@ public:
     {
         return a.View() <=> b.View();
     }
+    // With the standard library's texts. Those of 16-bit characters are not copied for it.
+    template <typename Text>
+    requires std::same_as<Text, WideView> || std::same_as<Text, WideText>
+    friend bool operator==(const CString& a, const Text& b) noexcept
+    {
+        return a.View() == WideView(b);
+    }
+    template <typename Text>
+    requires std::same_as<Text, WideView> || std::same_as<Text, WideText>
+    friend std::strong_ordering operator<=>(const CString& a, const Text& b) noexcept
+    {
+        return a.View() <=> WideView(b);
+    }
+    template <std::same_as<std::string> Text>
+    friend bool operator==(const CString& a, const Text& utf8)
+    {
+        return a == CString(utf8);
+    }
+    template <std::same_as<std::string> Text>
+    friend std::strong_ordering operator<=>(const CString& a, const Text& utf8)
+    {
+        return a <=> CString(utf8);
+    }
+
+    // Writes the text in UTF-8. A template, so that a host's own operator goes before it.
+    template <typename Traits>
+    friend std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
+                                                        const CString& text)
+    {
+        return out << text.ToUtf8();
+    }
 
 private:
     void FormatList(const WCHAR* format, std::initializer_list<CFormatArgument> arguments);
@@ -159,13 +199,19 @@ TOVO_API WideView TrimmedRight(WideView text);
 
 } // namespace tovo
 
-// The string in which names are passed to a calculation set.
+// The string in which names are passed to a calculation set: made from any text, a std::string
+// included.
 class TOVO_API CExString : public CString {
 public:
     CExString() = default;
     CExString(const CString& text) : CString(text) {}
     CExString(CString&& text) noexcept : CString(std::move(text)) {}
     CExString(const WCHAR* text) : CString(text) {}
+    template <typename Text>
+    requires std::same_as<Text, std::string> || std::same_as<Text, WideText>
+    CExString(const Text& text) : CString(text)
+    {}
+    using CString::CString; // and from whatever else a CString is made from
 };
 
 #endif
