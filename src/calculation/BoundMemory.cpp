@@ -57,10 +57,11 @@ void BoundWork::NoteChecked(const CString& name, const Start& start)
     state.checkedIn = start.pass;
     state.checkedName = name;
     state.value = m_Expression.GetValue();
-    if (EndsWithObject() || state.leftElsewhere || !IsUnderOwnName(name))
-        return;
-    state.calculatedIn = start.pass;
-    state.mayRunAgain = state.isLoadedByProgram;
+    const bool isCalculated =
+        !EndsWithObject() && !state.leftElsewhere && IsUnderOwnName(name);
+    state.mayRunAgain = isCalculated && state.isLoadedByProgram;
+    if (isCalculated)
+        state.calculatedIn = start.pass;
 }
 
 void BoundWork::NoteCalculated(CScannedVariables* list, const Start& start,
