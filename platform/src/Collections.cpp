@@ -1,15 +1,10 @@
 #include <TovoPlatform/Collections.h>
 
 #include <algorithm>
-#include <atomic>
 #include <bit>
 #include <utility>
 
-std::uint64_t NextMapVersion()
-{
-    static std::atomic<std::uint64_t> last = 0;
-    return ++last;
-}
+constinit std::atomic<std::uint64_t> MapVersions::s_Last = 0;
 
 namespace {
 

@@ -43,7 +43,24 @@ namespace tovo::detail {
     return isDone;
 }
 
-// The shortest road, for a program that is as good as it was. False, with nothing done that shows,
+// Shorter still: what calls nothing has nobody who could use what a pass remembers.
+bool BoundWork::RunAlone(CFmlaExpression& expression, const CString& name)
+{
+    ExpressionState* const state = expression.m_State.get();
+    if (!Pass::IsAtRest() || !state || !state->mayRunAgain || state->checkedName != name ||
+        !CFmlaExpression::m_NestedFmlaNames.IsEmpty())
+        return false;
+    Program& program = *state->program;
+    if (&program.Names() != namesInForce || !program.CallsNothing() ||
+        !program.Run(*state, Program::Purpose::Check, nullptr))
+        return false;
+    state->leftText = program.LeftText();
+    if (state->leftText != 0 || !ObjectCalls::IsStrErrorClear(state->calcSet))
+        ErrorTexts::Give(state->calcSet, state->leftText);
+    return true;
+}
+
+// A short road, for a program that is as good as it was. False, with nothing done that shows,
 // if the expression has to be looked at again.
 bool BoundWork::RunAgain(const CString& name)
 {
@@ -57,9 +74,8 @@ bool BoundWork::RunAgain(const CString& name)
         (!names.IsEmpty() && names.Find(name)))
         return false;
     const Start start;
-    const bool callsNothing = program.IsClosed() && !program.HasNested() && program.IsBound();
-    if (!(callsNothing ? state.program->Run(state, Program::Purpose::Check, nullptr)
-                       : RerunMarked()))
+    if (!(program.CallsNothing() ? state.program->Run(state, Program::Purpose::Check, nullptr)
+                                 : RerunMarked()))
         return false;
     state.reachedIn = Pass::First();
     if (ErrorTexts::HasOthers()) {

@@ -137,12 +137,6 @@ int BoundWork::ValidateAfresh(unsigned int& message, const CString& name, int ne
 int BoundWork::CheckAndCalculate(unsigned int& message, const CString& name,
                                  CScannedVariables* list)
 {
-    if (!list && !Pass::HasHistory() && RunAgain(name)) {
-        const ExpressionState& state = *m_Expression.m_State;
-        if (state.leftText != 0 || !ObjectCalls::IsStrErrorClear(state.calcSet))
-            ErrorTexts::Give(state.calcSet, state.leftText);
-        return 1;
-    }
     if (IsChecked(name) && IsCalculated(list)) {
         NoteLoaded();
         LeaveTexts(&LeftElsewhere::byCalculation);

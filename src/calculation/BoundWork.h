@@ -22,6 +22,10 @@ public:
     // The name is that of the formula, whose member the expression is.
     BoundWork(CFmlaExpression& expression, const CString& formulaName);
 
+    // Calculates the formula whose expression it is, if that needs no pass. False, with nothing
+    // done that shows, if it does.
+    static bool RunAlone(CFmlaExpression& expression, const CString& name);
+
     // These are CFmlaExpression::IsValid, LoadExpressionTree and Calculate within a pass.
     int Validate(unsigned int& message, const CString& name, int nested);
     int Load(int nested);

@@ -27,7 +27,7 @@ CString Program::NameAt(const ReferencePlace& place) const
 bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* list)
 {
     assert((purpose == Purpose::Scan) == (list != nullptr));
-    assert(state.marks > 0 || (IsBound() && m_IsClosed && !m_HasNested));
+    assert(state.marks > 0 || CallsNothing());
     if (!IsBound() && !BindAll(state))
         return false;
     m_LeftText = 0;
@@ -44,11 +44,13 @@ bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* li
     return false;
 }
 
-// In the course of a run, a set that finds names elsewhere has changed only if the pass tells so.
-bool Program::IsBoundStill() const
+bool Program::HasSameEntries() const
 {
-    return m_StockLookup ? ObjectCalls::LookupStateOf(*m_StockLookup) == m_BoundIn
-                         : Pass::Present() == m_BoundInPass;
+    const std::uint64_t version = MapVersions::Last();
+    if (ObjectCalls::LookupStateOf(*m_StockLookup) != m_BoundIn)
+        return false;
+    m_SeenVersion = version;
+    return true;
 }
 
 // A set that finds names elsewhere than in its entries is asked for each name in each run.

@@ -8,6 +8,7 @@
 
 #include <TovoFormula/ExpressionNames.h>
 #include <TovoFormula/TokenCodes.h>
+#include <TovoPlatform/Collections.h>
 #include <TovoPlatform/WideString.h>
 
 #include "ErrorTexts.h"
@@ -107,11 +108,8 @@ public:
     }
     bool EndsWithTable() const { return m_LastCode == TOK_FORMTBL; }
     RuntimeError LeftText() const { return m_LeftText; }
-    // Whether a run calls no object but stock variables and stock formulas of its set.
-    bool IsClosed() const { return m_IsClosed; }
-    bool HasNested() const { return m_HasNested; }
-    // Whether the set still has the same objects under the names, as far as it can tell.
-    bool IsBound() const { return m_IsBound && m_StockLookup && IsBoundStill(); }
+    // Whether a run reads stock variables and calls no object.
+    bool CallsNothing() const { return m_IsClosed && !m_HasNested && IsBound(); }
 
     // What it was compiled from.
     const CString& Text() const { return m_Text; }
@@ -155,7 +153,17 @@ private:
     bool BindTo(ExpressionState&, Binding& binding, IVarObj* variable, bool& hasMoved);
     bool BindTo(ExpressionState& state, Binding& binding, IFormulaObj* formula, bool&);
     bool BindTo(ExpressionState&, Binding& binding, IFormulaTableObj* table, bool&);
-    bool IsBoundStill() const;
+    // Whether the set still has the same objects under the names, as far as it can tell.
+    bool IsBound() const { return m_IsBound && m_StockLookup && IsBoundStill(); }
+    // In the course of a run, a set that finds names elsewhere has changed only if the pass tells
+    // so.
+    bool IsBoundStill() const
+    {
+        if (!m_StockLookup)
+            return Pass::Present() == m_BoundInPass;
+        return MapVersions::Last() == m_SeenVersion || HasSameEntries();
+    }
+    bool HasSameEntries() const;
     void TakeAddresses();
     template <Purpose kPurpose, bool kReadsHost>
     bool Execute(ExpressionState& state, CScannedVariables* list);
@@ -173,6 +181,7 @@ private:
     std::vector<Binding> m_Bindings;
     const CalcSetImpl* m_StockLookup = nullptr; // the set, where its entries tell all
     LookupState m_BoundIn;
+    mutable std::uint64_t m_SeenVersion = 0; // of all maps, when the entries were the same
     std::shared_ptr<const CExpressionNames> m_Names;
     std::unique_ptr<double[]> m_DeepStack; // for a program that needs more than is at hand
     RuntimeError m_LeftText = 0;

@@ -1,6 +1,7 @@
 #ifndef TOVOPLATFORM_COLLECTIONS_H
 #define TOVOPLATFORM_COLLECTIONS_H
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <iterator>
@@ -232,8 +233,17 @@ private:
     std::vector<Node*> m_Buckets;
 };
 
-// A number that was never given before, on any thread.
-TOVO_API std::uint64_t NextMapVersion();
+// Numbers the changes of all maps of the process.
+class TOVO_API MapVersions {
+public:
+    // A number that was never given before, on any thread.
+    static std::uint64_t Next() { return ++s_Last; }
+    // The one given last. As long as it stays, no map has changed that this thread may use.
+    static std::uint64_t Last() { return s_Last.load(std::memory_order_relaxed); }
+
+private:
+    static std::atomic<std::uint64_t> s_Last;
+};
 
 // A map with unique keys. Lookups take constant time; a walk follows the order of insertion.
 template <typename KEY, typename ARG_KEY, typename VALUE, typename ARG_VALUE>
@@ -262,7 +272,7 @@ public:
     // Enters the value, or replaces the one that the key has.
     void SetAt(ARG_KEY key, ARG_VALUE value)
     {
-        m_Version = NextMapVersion();
+        m_Version = MapVersions::Next();
         if (const auto found = m_Index.find(key); found != m_Index.end()) {
             found->second->value = value;
             return;
@@ -277,14 +287,14 @@ public:
         const auto found = m_Index.find(key);
         if (found == m_Index.end())
             return false;
-        m_Version = NextMapVersion();
+        m_Version = MapVersions::Next();
         m_Entries.erase(found->second);
         m_Index.erase(found);
         return true;
     }
     void RemoveAll()
     {
-        m_Version = NextMapVersion();
+        m_Version = MapVersions::Next();
         m_Index.clear();
         m_Entries.clear();
     }
