@@ -1,11 +1,14 @@
 #ifndef TOVOFORMULA_FORMTBLELEM_H
 #define TOVOFORMULA_FORMTBLELEM_H
 
+#include <cstdint>
+
 #include <TovoPlatform/Object.h>
 #include <TovoPlatform/WideString.h>
 
 class CScannedVariables;
 struct ICalculationSet;
+struct IVarObj;
 
 // One position of a formula table, a cell or a selector: a variable, a formula or a table by name,
 // a constant, or empty.
@@ -70,6 +73,7 @@ protected:
 
 private:
     double Thousandths() const;
+    IVarObj* Variable() const;
 
 protected:
     int m_Valid = 0; // 1 once the element was given content
@@ -78,10 +82,13 @@ protected:
     ICalculationSet* m_CalcSet; // never null, not owned
 
 private:
-    // The constant as it was read last, and from what text, since a derived class may write the
-    // name.
-    mutable CString m_ReadText;
-    mutable double m_ReadThousandths = 0.0;
+    // What the name was read or found as, and how long that holds: as long as no map changes, for a
+    // variable. Kept for elements of this very class alone, since a derived one may write the name.
+    mutable std::uint64_t m_KnownIn = 0;
+    union {
+        mutable double m_ReadThousandths = 0.0;
+        mutable IVarObj* m_FoundVariable;
+    };
 };
 
 #endif

@@ -97,6 +97,7 @@ private:
     int FailOnTable(unsigned int error, unsigned int& message);
     int FailOnMissingCell(int cell, unsigned int& message);
     CString PlaceOfCell(int cell) const;
+    bool AreLimitsOwn() const;
     int CellIndex(int row, int column, int line, const char* function) const;
 
 protected:

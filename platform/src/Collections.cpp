@@ -4,7 +4,8 @@
 #include <bit>
 #include <utility>
 
-constinit std::atomic<std::uint64_t> MapVersions::s_Last = 0;
+// 0 stands for no change.
+constinit std::atomic<std::uint64_t> MapVersions::s_Last = 1;
 
 namespace {
 

@@ -57,8 +57,7 @@ void BoundWork::NoteChecked(const CString& name, const Start& start)
     state.checkedIn = start.pass;
     state.checkedName = name;
     state.value = m_Expression.GetValue();
-    const bool isCalculated =
-        !EndsWithObject() && !state.leftElsewhere && IsUnderOwnName(name);
+    const bool isCalculated = !EndsWithObject() && !state.leftElsewhere && IsUnderOwnName(name);
     state.mayRunAgain = isCalculated && state.isLoadedByProgram;
     if (isCalculated)
         state.calculatedIn = start.pass;

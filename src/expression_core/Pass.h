@@ -60,7 +60,8 @@ public:
     // For a scan that has taken back an in-condition flag which another one has raised.
     static void NoteFlagLowered() { ++state.scan; }
 
-    // Whether no call is under way and no pass is held, where tests have not turned remembering off.
+    // Whether no call is under way and no pass is held, where tests have not turned remembering
+    // off.
     static bool IsAtRest() { return state.depth == 0 && state.isRemembering; }
     // Whether something may have been remembered before this call: it is not the outermost one, or
     // a pass is held.

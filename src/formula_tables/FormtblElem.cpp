@@ -1,11 +1,15 @@
 #include <TovoFormula/FormtblElem.h>
 
+#include <limits>
+#include <typeinfo>
+
 #include <TovoFormula/CalcErrorTracker.h>
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/MessageIds.h>
 #include <TovoPlatform/NumberText.h>
 
 #include "../expression_core/Names.h"
+#include "../expression_core/ObjectCalls.h"
 #include "../expression_core/Pass.h"
 #include "../expression_core/ScanRecord.h"
 #include "../expression_text/ReferenceTable.h"
@@ -19,6 +23,9 @@ constexpr WCHAR kConstant = 0;
 constexpr WCHAR kVariable = kReferenceKinds[TOK_VARIABLE].letter;
 constexpr WCHAR kFormula = kReferenceKinds[TOK_FORMULA].letter;
 constexpr WCHAR kFormtbl = kReferenceKinds[TOK_FORMTBL].letter;
+
+// No map has had this version, nor 0, when something was found in it.
+constexpr std::uint64_t kForGood = std::numeric_limits<std::uint64_t>::max();
 
 // Constants are kept multiplied by this.
 constexpr double kThousandths = 1000.0;
@@ -42,13 +49,21 @@ CFormtblElem::CFormtblElem(const CString& combined, ICalculationSet& calcSet) : 
     init(combined);
 }
 
-CFormtblElem::CFormtblElem(const CFormtblElem& other) = default;
+// What is known of the name is not copied, since the copy may be part of a derived class.
+CFormtblElem::CFormtblElem(const CFormtblElem& other)
+    : CObject(other),
+      m_Valid(other.m_Valid),
+      m_Type(other.m_Type),
+      m_Name(other.m_Name),
+      m_CalcSet(other.m_CalcSet)
+{}
 
 CFormtblElem::~CFormtblElem() = default;
 
 CFormtblElem& CFormtblElem::operator=(const CFormtblElem& other)
 {
     Pass::NoteChange();
+    m_KnownIn = 0;
     m_Valid = other.m_Valid;
     m_Type = other.m_Type;
     m_Name = other.m_Name;
@@ -98,6 +113,7 @@ void CFormtblElem::SetFormtbl(const CString& name)
 void CFormtblElem::SetName(const CString& name)
 {
     Pass::NoteChange();
+    m_KnownIn = 0;
     m_Name = name;
     m_Valid = 1;
 }
@@ -128,12 +144,14 @@ CString CFormtblElem::XGetName() const
 void CFormtblElem::SetType(WCHAR type)
 {
     Pass::NoteChange();
+    m_KnownIn = 0;
     m_Type = type;
 }
 
 void CFormtblElem::ClearAll()
 {
     Pass::NoteChange();
+    m_KnownIn = 0;
     m_Type = kConstant;
     m_Name.Empty();
     m_Valid = 0;
@@ -166,17 +184,33 @@ double CFormtblElem::value() const
     const int kind = KindOfLetter(m_Type);
     if (kind == kNoKind)
         return 0.0;
+    if (kind == TOK_VARIABLE)
+        return ValueOf(Variable());
     return WithObject(CalcSet(), kind, m_Name, [](auto* object) { return ValueOf(object); });
 }
 
-// Most often the two are one shared text, which the comparison sees at once.
 double CFormtblElem::Thousandths() const
 {
-    if (m_ReadText != m_Name) {
-        m_ReadThousandths = tovo::ParseDouble(m_Name);
-        m_ReadText = m_Name;
+    if (m_KnownIn == kForGood)
+        return m_ReadThousandths;
+    const double thousandths = tovo::ParseDouble(m_Name);
+    if (typeid(*this) == typeid(CFormtblElem)) {
+        m_ReadThousandths = thousandths;
+        m_KnownIn = kForGood;
     }
-    return m_ReadThousandths;
+    return thousandths;
+}
+
+IVarObj* CFormtblElem::Variable() const
+{
+    if (m_KnownIn == MapVersions::Last())
+        return m_FoundVariable;
+    IVarObj* const variable = CalcSet().GetVarObj(m_Name, 1, 0);
+    if (typeid(*this) == typeid(CFormtblElem) && ObjectCalls::WithStockLookup(CalcSet())) {
+        m_FoundVariable = variable;
+        m_KnownIn = MapVersions::Last();
+    }
+    return variable;
 }
 
 int CFormtblElem::Calculate(unsigned int& message, CScannedVariables* list)
@@ -188,7 +222,7 @@ int CFormtblElem::Calculate(unsigned int& message, CScannedVariables* list)
         return WithNested(CalcSet(), kind, m_Name, [&](auto* object) {
             return object ? object->Calculate(message, list) : 0;
         });
-    IVarObj* const variable = CalcSet().GetVarObj(m_Name, 1, 0);
+    IVarObj* const variable = Variable();
     if (variable && list)
         RecordVariable(*list, m_Name, *variable);
     return variable ? 1 : 0;

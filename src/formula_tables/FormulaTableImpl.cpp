@@ -7,6 +7,7 @@
 #include <limits>
 #include <optional>
 #include <span>
+#include <typeinfo>
 
 #include <TovoFormula/CalcErrorTracker.h>
 #include <TovoFormula/ExprTree.h>
@@ -85,11 +86,12 @@ bool AreSameUpTo(std::size_t place, Limits limits, Limits others)
            std::memcmp(limits.data(), others.data(), count * sizeof(double)) == 0;
 }
 
-// Searches a copy of the limits that is known to rise. A derived class may write the limits and
-// tell nobody, so the copy is held against them, which takes a fraction of what a scan does.
-std::size_t Search(Limits limits, double value, std::vector<double>& rising)
+// Searches a copy of the limits that is known to rise. Where it may be out of date it is held
+// against them, which takes a fraction of what a scan does.
+std::size_t Search(Limits limits, double value, std::vector<double>& rising, bool isCurrent)
 {
-    if (const std::size_t place = SearchByHalves(rising, value); AreSameUpTo(place, limits, rising))
+    const std::size_t place = SearchByHalves(rising, value);
+    if ((isCurrent && !rising.empty()) || AreSameUpTo(place, limits, rising))
         return place;
     if (!Rise(limits)) {
         rising.clear();
@@ -101,12 +103,13 @@ std::size_t Search(Limits limits, double value, std::vector<double>& rising)
 
 // The first place whose limit is at or above the value; the last one has no limit. Rows and columns
 // that a short cannot name cannot be looked up.
-short LookUp(double value, const CArray<double, double>& array, std::vector<double>& rising)
+short LookUp(double value, const CArray<double, double>& array, std::vector<double>& rising,
+             bool isCurrent)
 {
     if (array.GetSize() < 2)
         return 0;
     const Limits consulted(array.GetData(), static_cast<std::size_t>(array.GetSize() - 1));
-    const std::size_t place = Search(consulted, value, rising);
+    const std::size_t place = Search(consulted, value, rising, isCurrent);
     if (place > std::numeric_limits<short>::max())
         AfxThrowInvalidArgException();
     return static_cast<short>(place);
@@ -227,6 +230,7 @@ void FormulaTableImpl::SetRowLimit(int row, double limit)
 {
     CheckIndex(row, m_NumRows, __LINE__, "row", "FormulaImpl::SetRowLimit");
     Pass::NoteChange();
+    m_RisingRowLimits.clear();
     m_RowLimits[row] = limit;
 }
 
@@ -240,6 +244,7 @@ void FormulaTableImpl::SetColumnLimit(int column, double limit)
 {
     CheckIndex(column, m_NumColumns, __LINE__, "column", "FormulaImpl::SetColumnLimit");
     Pass::NoteChange();
+    m_RisingColumnLimits.clear();
     m_ColumnLimits[column] = limit;
 }
 
@@ -288,16 +293,22 @@ void FormulaTableImpl::SetValidated(int validated)
     m_Validated = validated;
 }
 
+// A derived class may write the limits and tell nobody.
+bool FormulaTableImpl::AreLimitsOwn() const
+{
+    return typeid(*this) == typeid(FormulaTableImpl);
+}
+
 short FormulaTableImpl::GetRowIndex() const
 {
-    return LookUp(m_RowSelector.value(), m_RowLimits, m_RisingRowLimits);
+    return LookUp(m_RowSelector.value(), m_RowLimits, m_RisingRowLimits, AreLimitsOwn());
 }
 
 short FormulaTableImpl::GetColIndex() const
 {
     if (m_NumColumns == 1)
         return 0;
-    return LookUp(m_ColumnSelector.value(), m_ColumnLimits, m_RisingColumnLimits);
+    return LookUp(m_ColumnSelector.value(), m_ColumnLimits, m_RisingColumnLimits, AreLimitsOwn());
 }
 
 // A scan passes again through a table that was only calculated, and a scan inside a condition
