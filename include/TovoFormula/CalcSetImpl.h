@@ -57,8 +57,29 @@ public:
     void AddVariable(VariableImpl* variable);
     void AddFormula(FormulaImpl* formula);
     void AddFormulaTable(FormulaTableImpl* table);
+    // Take an entry out by its name, or every entry of an object, which is compared only and may be
+    // gone already; they return how many entries that were. What still refers to the name fails
+    // from then on, or gets a variable of 0.0 made up. A null pointer throws CInvalidArgException.
+    int RemoveVariable(const CExString& name);
+    int RemoveVariable(const VariableImpl* variable);
+    int RemoveFormula(const CExString& name);
+    int RemoveFormula(const FormulaImpl* formula);
+    int RemoveFormulaTable(const CExString& name);
+    int RemoveFormulaTable(const FormulaTableImpl* table);
     // Deletes the variables that the set made up; pointers to them die with this call.
     void ClearMissingVariables();
+    using VariableMap = CMap<CString, const CString&, VariableImpl*, VariableImpl*>;
+    using FormulaMap = CMap<CString, const CString&, FormulaImpl*, FormulaImpl*>;
+    using FormulaTableMap = CMap<CString, const CString&, FormulaTableImpl*, FormulaTableImpl*>;
+
+    // What the host added, as pairs of name and object in the order in which the names came; and
+    // the variables that the set made up, whose names nobody added. Valid as long as the set or a
+    // copy of it; a loop over one must not change it.
+    const VariableMap& Variables() const { return *m_Variables; }
+    const FormulaMap& Formulas() const { return *m_Formulas; }
+    const FormulaTableMap& FormulaTables() const { return *m_FormulaTables; }
+    const VariableMap& MissingVariables() const { return *m_MissingVariables; }
+
     // Clears the Calculated, Scanned and ScannedInCondition flags of the tables in this set, so
     // that each is calculated again from the present values. Call it between two passes.
     void StartNewPass();
@@ -83,10 +104,6 @@ protected:
     // names are then looked up once, and again only after an entry has changed. Any other derived
     // set is asked for each name in each call.
     void UseStockLookup() { m_UsesStockLookup = true; }
-
-    using VariableMap = CMap<CString, const CString&, VariableImpl*, VariableImpl*>;
-    using FormulaMap = CMap<CString, const CString&, FormulaImpl*, FormulaImpl*>;
-    using FormulaTableMap = CMap<CString, const CString&, FormulaTableImpl*, FormulaTableImpl*>;
 
     double m_Duration = 0.0;
     int m_DURATIONInCondition = 0;

@@ -1,5 +1,7 @@
 #include <TovoFormula/CalcSetImpl.h>
 
+#include <vector>
+
 #include <TovoFormula/CalcErrorTracker.h>
 #include <TovoFormula/FormulaImpl.h>
 #include <TovoFormula/FormulaTableImpl.h>
@@ -30,20 +32,32 @@ void Enter(CMap<CString, const CString&, Object*, Object*>& map, Object* object,
     map.SetAt(object->GetName(), object);
 }
 
-template <typename Object, typename Visit>
-void ForEach(const CMap<CString, const CString&, Object*, Object*>& map, Visit visit)
+template <typename Object>
+int TakeOut(CMap<CString, const CString&, Object*, Object*>& map, const CString& name)
 {
-    CString name;
-    Object* object = nullptr;
-    for (POSITION position = map.GetStartPosition(); position;) {
-        map.GetNextAssoc(position, name, object);
-        visit(*object);
-    }
+    Pass::NoteChange();
+    return map.RemoveKey(name) ? 1 : 0;
+}
+
+// Nothing is taken out before all names are known, so that a lack of memory leaves all entries.
+template <typename Object>
+int TakeOut(CMap<CString, const CString&, Object*, Object*>& map, const Object* object, int line,
+            const char* argument, const char* function)
+{
+    CArgumentValidator::ValidateNonNullPointer("CalcSetImpl", line, object, argument, function);
+    std::vector<CString> names;
+    for (const auto& [name, each] : map)
+        if (each == object)
+            names.push_back(name);
+    for (const CString& name : names)
+        TakeOut(map, name);
+    return static_cast<int>(names.size());
 }
 
 void DeleteVariables(CMap<CString, const CString&, VariableImpl*, VariableImpl*>& variables)
 {
-    ForEach(variables, [](VariableImpl& variable) { delete &variable; });
+    for (const auto& [name, variable] : variables)
+        delete variable;
     variables.RemoveAll();
 }
 
@@ -134,6 +148,36 @@ void CalcSetImpl::AddFormulaTable(FormulaTableImpl* table)
     Enter(*m_FormulaTables, table, __LINE__, "table", "CalcSetImpl::AddFormulaTable");
 }
 
+int CalcSetImpl::RemoveVariable(const CExString& name)
+{
+    return TakeOut(*m_Variables, name);
+}
+
+int CalcSetImpl::RemoveVariable(const VariableImpl* variable)
+{
+    return TakeOut(*m_Variables, variable, __LINE__, "variable", "CalcSetImpl::RemoveVariable");
+}
+
+int CalcSetImpl::RemoveFormula(const CExString& name)
+{
+    return TakeOut(*m_Formulas, name);
+}
+
+int CalcSetImpl::RemoveFormula(const FormulaImpl* formula)
+{
+    return TakeOut(*m_Formulas, formula, __LINE__, "formula", "CalcSetImpl::RemoveFormula");
+}
+
+int CalcSetImpl::RemoveFormulaTable(const CExString& name)
+{
+    return TakeOut(*m_FormulaTables, name);
+}
+
+int CalcSetImpl::RemoveFormulaTable(const FormulaTableImpl* table)
+{
+    return TakeOut(*m_FormulaTables, table, __LINE__, "table", "CalcSetImpl::RemoveFormulaTable");
+}
+
 void CalcSetImpl::ClearMissingVariables()
 {
     Pass::NoteChange();
@@ -142,11 +186,11 @@ void CalcSetImpl::ClearMissingVariables()
 
 void CalcSetImpl::StartNewPass()
 {
-    ForEach(*m_FormulaTables, [](FormulaTableImpl& table) {
-        table.SetCalculated(0);
-        table.SetScanned(0);
-        table.SetScannedInCondition(0);
-    });
+    for (const auto& [name, table] : *m_FormulaTables) {
+        table->SetCalculated(0);
+        table->SetScanned(0);
+        table->SetScannedInCondition(0);
+    }
 }
 
 void CalcSetImpl::SetReportFcnDomainErrors(int report)

@@ -39,6 +39,47 @@ TEST_F(CalcSet, ObjectIsFoundUnderTheNameThatItWasAddedWith)
     EXPECT_THROW(VariableImpl(nullptr), CInvalidArgException);
 }
 
+TEST_F(CalcSet, EntriesAreTakenOut)
+{
+    VariableImpl& width = Var("Width", 2);
+    FormulaImpl& area = Formula("Area", "V(Width)*3");
+    FormulaImpl& cost = Formula("Cost", "F(Area)*2");
+    EXPECT_EQ(cost.IsValid(), 1);
+    EXPECT_EQ(cost.GetValue(), 12.0);
+
+    const CalculationPass pass;
+    unsigned int message = MSG_NONE;
+    ASSERT_EQ(cost.Calculate(message, nullptr), 1);
+    width.SetName("Wide");
+    m_Set.AddVariable(&width);
+    EXPECT_EQ(m_Set.RemoveVariable(&width), 2) << "every entry";
+    EXPECT_EQ(m_Set.RemoveVariable(&width), 0);
+    EXPECT_EQ(cost.Calculate(message, nullptr), 1);
+    EXPECT_EQ(cost.GetValue(), 0.0) << "a variable made up";
+    std::string missing;
+    for (const auto& [name, variable] : m_Set.MissingVariables())
+        missing += name.ToUtf8();
+    EXPECT_EQ(missing, "Width");
+
+    EXPECT_EQ(m_Set.RemoveFormula("area"), 0);
+    EXPECT_EQ(m_Set.RemoveFormula("Area"), 1);
+    EXPECT_EQ(cost.Calculate(message, nullptr), 0);
+    EXPECT_EQ(message, MSG_FORMULA_NOT_FOUND);
+    m_Set.AddFormula(&area);
+    EXPECT_EQ(cost.Calculate(message, nullptr), 1);
+    std::string formulas;
+    for (const auto& [name, formula] : m_Set.Formulas())
+        formulas += name.ToUtf8() + " ";
+    EXPECT_EQ(formulas, "Cost Area ");
+
+    FormulaTableImpl rate(&m_Set, 2, 1);
+    m_Set.AddFormulaTable(&rate); // without a name
+    EXPECT_EQ(m_Set.FormulaTables().GetCount(), 1);
+    EXPECT_EQ(m_Set.RemoveFormulaTable(u""), 1);
+    EXPECT_EQ(m_Set.RemoveFormulaTable(&rate), 0);
+    EXPECT_THROW(m_Set.RemoveFormula(nullptr), CInvalidArgException);
+}
+
 TEST_F(CalcSet, CopiesShareTheirObjectsInAnyOrderOfDestruction)
 {
     VariableImpl& before = Var("Before", 1);

@@ -274,16 +274,41 @@ TEST_F(HostGuide, Renaming)
     FormulaImpl area(&job), cost(&job);
     Put(job, area, u"Area", "7");
     Put(job, cost, u"Cost", "F(Area)*V(Area)");
-    std::vector<FormulaImpl*> formulas{&area, &cost};
     // [guide: rename]
-    CString newName = u"Floor area";
+    const CString newName = u"Floor area";
     area.SetName(newName);
-    job.AddFormula(&area); // the entry under the old name stays until the set is made anew
-    for (FormulaImpl* formula : formulas)
+    job.RemoveFormula(&area); // the entry under the old name
+    job.AddFormula(&area);
+    for (const auto& [name, formula] : job.Formulas())
         formula->GetExpression().ChangeFormulaInExpression(u"Area", newName);
     // [end]
     EXPECT_EQ(cost.GetExpression().GetEncodedString().ToUtf8(), "F(Floor area)*V(Area)");
-    EXPECT_EQ(job.GetFormulaObj(u"Area"), job.GetFormulaObj(newName));
+    EXPECT_EQ(job.GetFormulaObj(u"Area"), nullptr);
+    EXPECT_EQ(job.GetFormulaObj(newName), &area);
+}
+
+TEST_F(HostGuide, EntriesOfASet)
+{
+    CalcSetImpl job;
+    VariableImpl width(&job, "Width", 2);
+    job.AddVariable(&width);
+    FormulaImpl cost(&job, "Cost", "V(Width)*V(Wage)");
+    cost.SetCalculated(1);
+    job.AddFormula(&cost);
+    EXPECT_EQ(cost.IsValid(), 1);
+    std::string unknown;
+    // [guide: entries]
+    for (const auto& [name, formula] : job.Formulas())
+        formula->SetCalculated(0);
+    for (const auto& [name, variable] : job.MissingVariables())
+        unknown += name.ToUtf8() + " ";
+
+    job.RemoveFormula("Cost");  // by its name
+    job.RemoveVariable(&width); // under whatever names it is there
+    // [end]
+    EXPECT_EQ(cost.GetCalculated(), 0);
+    EXPECT_EQ(unknown, "Wage ");
+    EXPECT_TRUE(job.Variables().IsEmpty() && job.Formulas().IsEmpty());
 }
 
 TEST_F(HostGuide, OwnVariable)
