@@ -1,4 +1,4 @@
-# What `cmake --install` lays down: both libraries, the public headers, and what CMake and
+# What `cmake --install` lays down: the libraries, the public headers, and what CMake and
 # pkg-config need to find them; with `--component Programs`, the programs. The tree may be moved as
 # a whole afterwards.
 
@@ -7,8 +7,9 @@ include(CMakePackageConfigHelpers)
 
 set_target_properties(TovoPlatform PROPERTIES EXPORT_NAME Platform)
 set_target_properties(TovoFormula PROPERTIES EXPORT_NAME Formula INSTALL_RPATH "$ORIGIN")
+set_target_properties(TovoJob PROPERTIES EXPORT_NAME Job INSTALL_RPATH "$ORIGIN")
 
-install(TARGETS TovoPlatform TovoFormula
+install(TARGETS TovoPlatform TovoFormula TovoJob
   EXPORT TovoFormulaTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     COMPONENT Runtime NAMELINK_COMPONENT Development
@@ -33,10 +34,12 @@ install(FILES
 set(pc_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH pc_dir_to_prefix ${pc_dir} ${CMAKE_INSTALL_PREFIX})
 file(RELATIVE_PATH pc_dir_to_include ${pc_dir} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
-configure_file(
-  ${CMAKE_CURRENT_LIST_DIR}/tovoformula.pc.in ${PROJECT_BINARY_DIR}/package/tovoformula.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/package/tovoformula.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
+foreach(library tovoformula tovojob)
+  configure_file(
+    ${CMAKE_CURRENT_LIST_DIR}/${library}.pc.in ${PROJECT_BINARY_DIR}/package/${library}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/package/${library}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
+endforeach()
 
 file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 foreach(program tovo-calc tovo-edit)

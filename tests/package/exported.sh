@@ -26,7 +26,7 @@ fi
 build=$1
 
 result=0
-for library in TovoPlatform TovoFormula; do
+for library in TovoPlatform TovoFormula TovoJob; do
     list=$here/exported/$library.txt
     if [ "$update" ]; then
         exported "$build/lib$library.so" >"$list"

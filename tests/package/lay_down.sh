@@ -30,10 +30,14 @@ cmake/TovoFormula/TovoFormulaTargets.cmake
 libTovoFormula.so
 libTovoFormula.so.0.1
 libTovoFormula.so.VERSION
+libTovoJob.so
+libTovoJob.so.0.1
+libTovoJob.so.VERSION
 libTovoPlatform.so
 libTovoPlatform.so.0.1
 libTovoPlatform.so.VERSION
 pkgconfig/tovoformula.pc
+pkgconfig/tovojob.pc
 END
 
 # Sanitizers name source files inside the libraries.

@@ -1,0 +1,17 @@
+#ifndef TOVOJOB_TOVOJOB_H
+#define TOVOJOB_TOVOJOB_H
+
+// Everything that hosts need of the job library.
+
+#include <TovoJob/Edit.h>
+#include <TovoJob/Fault.h>
+#include <TovoJob/Job.h>
+#include <TovoJob/ObjectList.h>
+#include <TovoJob/ObjectName.h>
+#include <TovoJob/Objects.h>
+#include <TovoJob/Options.h>
+#include <TovoJob/Report.h>
+#include <TovoJob/Result.h>
+#include <TovoJob/Span.h>
+
+#endif

@@ -1,0 +1,210 @@
+#include "Calculation.h"
+
+#include <algorithm>
+#include <type_traits>
+#include <utility>
+
+#include "TableParts.h"
+
+namespace tovo::job {
+
+namespace {
+
+constexpr std::array<std::string_view, 3> kJobValues = {"DURATION", "JOBSIZE", "QUANTITY"};
+
+// What is referred to in a text, with whether that is in a condition.
+std::vector<std::pair<ObjectName, bool>> ReferencesIn(const ScannedText& scanned)
+{
+    std::vector<std::pair<ObjectName, bool>> references;
+    for (const Token& token : scanned.tokens) {
+        if (!token.object.name.empty())
+            references.emplace_back(token.object, token.inCondition);
+    }
+    return references;
+}
+
+// A selector decides which cell is read, as a condition decides which branch.
+std::vector<std::pair<ObjectName, bool>> ReferencesIn(const Table& table)
+{
+    std::vector<std::pair<ObjectName, bool>> references;
+    ForEachElement(table, [&](const TablePart& part, const Element& element) {
+        if (const auto* const object = std::get_if<ObjectName>(&element))
+            references.emplace_back(*object, part.what != TablePart::What::Cell);
+    });
+    return references;
+}
+
+bool IsNull(const Record& record)
+{
+    return std::visit([](const auto& object) { return object == nullptr; }, record);
+}
+
+} // namespace
+
+Calculation::Calculation(const JobOptions& options)
+{
+    for (const std::string_view word : kJobValues)
+        Enter({Kind::JobValue, std::string(word)});
+    SetOptions(options);
+}
+
+void Calculation::SetRecord(const ObjectName& object, const Record& record)
+{
+    if (const auto* const values = std::get_if<Shared<JobValues>>(&record))
+        return Put(0, *values);
+    const NodeId id = Enter(object);
+    if (IsNull(record))
+        TakeOut(id);
+    else
+        std::visit([&](const auto& known) { Put(id, known); }, record);
+    m_Nodes[id].record = record;
+}
+
+void Calculation::SetOptions(const JobOptions& options)
+{
+    m_Options = options;
+    m_Set.SetReportFcnDomainErrors(options.domainErrorsAreFaults ? 1 : 0);
+    for (NodeId id = 0; id < m_Nodes.size(); ++id)
+        MarkDirty(id);
+}
+
+std::optional<double> Calculation::ValueOf(const ObjectName& object) const
+{
+    const auto id = m_Network.Find(object);
+    if (!id || !IsDefined(*id) || !HasValue(*id))
+        return std::nullopt;
+    return m_Nodes[*id].value;
+}
+
+CFmlaExpression* Calculation::ExpressionOf(const ObjectName& object) const
+{
+    const auto id = m_Network.Find(object);
+    const auto* const formula =
+        id ? std::get_if<std::unique_ptr<EngineFormula>>(&m_Nodes[*id].object) : nullptr;
+    return formula ? &(*formula)->GetExpression() : nullptr;
+}
+
+NodeId Calculation::Enter(const ObjectName& object)
+{
+    const NodeId id = m_Network.Enter(object);
+    if (id == m_Nodes.size()) {
+        m_Nodes.emplace_back();
+        MarkDirty(id);
+    }
+    return id;
+}
+
+void Calculation::Put(NodeId id, const Shared<Variable>& record)
+{
+    EngineObject& object = m_Nodes[id].object;
+    if (auto* const variable = std::get_if<std::unique_ptr<VariableImpl>>(&object)) {
+        (*variable)->SetValue(record->value);
+    } else {
+        auto made = MakeEngineVariable(m_Set, *record);
+        m_Set.AddVariable(made.get());
+        object = std::move(made);
+    }
+    std::erase(m_Sourced, id);
+    if (record->source)
+        m_Sourced.push_back(id);
+    MarkDirty(id);
+}
+
+void Calculation::Put(NodeId id, const Shared<Formula>& record)
+{
+    Node& node = m_Nodes[id];
+    const auto* const before = std::get_if<Shared<Formula>>(&node.record);
+    // Another unit or note changes no value.
+    if (before && *before && (*before)->expression == record->expression &&
+        (*before)->linked == record->linked)
+        return;
+    auto made = std::make_unique<EngineFormula>(m_Set, *record);
+    const ScannedText scanned = Scan(made->GetExpression());
+    node.steps = scanned.tokens.size();
+    node.nesting = scanned.nesting;
+    m_Set.AddFormula(made.get());
+    node.object = std::move(made);
+    std::erase(m_Sourced, id);
+    if (record->linked)
+        m_Sourced.push_back(id);
+    SetUses(id, ReferencesIn(scanned));
+    MarkDirty(id);
+}
+
+void Calculation::Put(NodeId id, const Shared<Table>& record)
+{
+    Node& node = m_Nodes[id];
+    auto made = std::make_unique<EngineTable>(m_Set, *record);
+    node.steps = record->cells.size() * (record->cells.empty() ? 0 : record->cells[0].size());
+    m_Set.AddFormulaTable(made.get());
+    node.object = std::move(made);
+    std::erase(m_Sourced, id);
+    if (record->linked)
+        m_Sourced.push_back(id);
+    SetUses(id, ReferencesIn(*record));
+    MarkDirty(id);
+}
+
+void Calculation::Put(NodeId, const Shared<JobValues>& record)
+{
+    m_Set.SetDuration(record->duration);
+    m_Set.SetJobSize(record->jobSize);
+    m_Set.SetQuantity(record->quantity);
+    for (NodeId id = 0; id < kJobValues.size(); ++id)
+        MarkDirty(id);
+}
+
+void Calculation::TakeOut(NodeId id)
+{
+    Node& node = m_Nodes[id];
+    const CString name = Wide(m_Network.NameOf(id).name);
+    switch (m_Network.NameOf(id).kind) {
+    case Kind::Variable:
+        m_Set.RemoveVariable(name);
+        break;
+    case Kind::Formula:
+        m_Set.RemoveFormula(name);
+        break;
+    case Kind::Table:
+        m_Set.RemoveTable(name);
+        break;
+    case Kind::JobValue:
+        break;
+    }
+    node.object = {};
+    std::erase(m_Sourced, id);
+    m_Network.SetUses(id, {});
+    MarkDirty(id);
+}
+
+// Each object once, and in the order in which it is met first.
+void Calculation::SetUses(NodeId id, const std::vector<std::pair<ObjectName, bool>>& references)
+{
+    std::vector<Use> uses;
+    std::unordered_map<NodeId, std::size_t> places;
+    for (const auto& [object, inCondition] : references) {
+        const NodeId used = Enter(object);
+        const auto [place, isNew] = places.try_emplace(used, uses.size());
+        if (isNew)
+            uses.push_back({used});
+        Use& use = uses[place->second];
+        (inCondition ? use.inCondition : use.asValue) = true;
+    }
+    m_Network.SetUses(id, uses);
+}
+
+void Calculation::MarkDirty(NodeId id)
+{
+    Node& node = m_Nodes[id];
+    node.verdict = Verdict::Pending;
+    if (!node.isDirty)
+        m_Dirty.push_back(id);
+    node.isDirty = true;
+}
+
+bool Calculation::IsDefined(NodeId id) const
+{
+    return m_Network.NameOf(id).kind == Kind::JobValue || !IsNull(m_Nodes[id].record);
+}
+
+} // namespace tovo::job

@@ -1,0 +1,160 @@
+#include "EngineObjects.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <system_error>
+
+#include <TovoJob/Fault.h>
+
+#include "ExpressionText.h"
+
+namespace tovo::job {
+
+namespace {
+
+// The engine keeps a cell's constant as a text in thousandths. The shortest decimal form of the
+// number with its point moved by three places is read back as that number.
+CString Thousandths(double value)
+{
+    char digits[32];
+    const auto written =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::scientific);
+    const std::string_view text(digits, static_cast<std::size_t>(written.ptr - digits));
+    const std::size_t mark = text.find('e');
+    const int exponent = std::atoi(text.data() + mark + 1);
+    return Wide(std::string(text.substr(0, mark)) + "e" + std::to_string(exponent + 3));
+}
+
+CString CombinedString(const Element& element)
+{
+    struct Writer {
+        CString operator()(std::monostate) const { return CString(); }
+        CString operator()(double number) const { return Thousandths(number); }
+        CString operator()(bool yes) const { return yes ? u"1000" : u"0"; }
+        CString operator()(const ObjectName& object) const
+        {
+            return WriteReference({object.kind, ""})[0] + Wide(object.name);
+        }
+    };
+    return std::visit(Writer(), element);
+}
+
+// A column limit may be missing where there is one column.
+double LimitAt(const std::vector<double>& limits, int index)
+{
+    const auto at = static_cast<std::size_t>(index);
+    return at < limits.size() ? limits[at] : 0.0;
+}
+
+int RowsOf(const Table& table)
+{
+    return std::max(2, static_cast<int>(table.cells.size()));
+}
+
+int ColumnsOf(const Table& table)
+{
+    return table.cells.empty() ? 1 : static_cast<int>(table.cells.front().size());
+}
+
+// The outcome of a call that went well, or not.
+template <typename Object>
+Evaluation Told(Object& object, int isDone, unsigned int message)
+{
+    return isDone ? Evaluation{true, object.GetValue(), 0} : Evaluation{false, 0.0, message};
+}
+
+template <typename Linked>
+Evaluation CalculateLinked(Linked& linked)
+{
+    unsigned int message = 0;
+    const int isDone = linked.Calculate(message, nullptr);
+    return Told(linked, isDone, message ? message : MSG_JOB_LINKED_FAILED);
+}
+
+} // namespace
+
+EngineFormula::EngineFormula(EngineSet& set, const Formula& formula)
+    : InItsTurn(&set), m_Linked(formula.linked)
+{
+    CString name = Wide(formula.name);
+    SetName(name);
+    SetFromEncodedString(Wide(formula.expression));
+}
+
+Evaluation EngineFormula::Evaluate()
+{
+    if (m_Linked)
+        return CalculateLinked(*m_Linked);
+    const Turn turn(*this);
+    unsigned int message = 0;
+    const int isDone = Calculate(message, nullptr);
+    return Told(*this, isDone, message);
+}
+
+unsigned int EngineFormula::CheckAlone()
+{
+    if (m_Linked)
+        return 0;
+    const Turn turn(*this);
+    unsigned int message = 0;
+    IsValid(message, 0);
+    return message;
+}
+
+EngineTable::EngineTable(EngineSet& set, const Table& table)
+    : InItsTurn(&set, RowsOf(table), ColumnsOf(table)), m_Linked(table.linked)
+{
+    CString name = Wide(table.name);
+    SetName(name);
+    if (m_Linked)
+        return;
+    GetRowSelector().init(CombinedString(table.rowSelector));
+    GetColumnSelector().init(CombinedString(table.columnSelector));
+    for (int column = 0; column < GetColumnCount(); ++column)
+        SetColumnLimit(column, LimitAt(table.columnLimits, column));
+    for (int row = 0; row < GetRowCount(); ++row) {
+        SetRowLimit(row, LimitAt(table.rowLimits, row));
+        int column = 0;
+        for (const Element& cell : table.cells[static_cast<std::size_t>(row)])
+            // From here on the table owns the cell.
+            SetCell(row, column++,
+                    std::make_unique<CFormtblElem>(CombinedString(cell), set).release());
+    }
+}
+
+Evaluation EngineTable::Evaluate()
+{
+    if (m_Linked)
+        return CalculateLinked(*m_Linked);
+    const Turn turn(*this);
+    // The table would answer from its value, or from its verdict, as long as a flag is set.
+    SetCalculated(0);
+    unsigned int message = 0;
+    const int isDone = IsValid(message, 1) && Calculate(message, nullptr);
+    return Told(*this, isDone, message);
+}
+
+unsigned int EngineTable::CheckAlone()
+{
+    if (m_Linked)
+        return 0;
+    const Turn turn(*this);
+    SetValidated(0);
+    unsigned int message = 0;
+    IsValid(message, 0);
+    SetValidated(0);
+    return message;
+}
+
+std::unique_ptr<VariableImpl> MakeEngineVariable(EngineSet& set, const Variable& variable)
+{
+    auto made = std::make_unique<VariableImpl>(&set);
+    CString name = Wide(variable.name);
+    made->SetName(name);
+    made->SetUnit(Wide(variable.unit), 0);
+    made->SetValue(variable.value);
+    return made;
+}
+
+} // namespace tovo::job

@@ -1,0 +1,103 @@
+#ifndef TOVOJOB_SRC_ENGINEOBJECTS_H
+#define TOVOJOB_SRC_ENGINEOBJECTS_H
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <TovoFormula/CalcSetImpl.h>
+#include <TovoFormula/FormulaImpl.h>
+#include <TovoFormula/FormulaTableImpl.h>
+#include <TovoFormula/VariableImpl.h>
+
+#include <TovoJob/Objects.h>
+
+namespace tovo::job {
+
+// The engine's set, from which objects can be taken out again.
+class EngineSet : public CalcSetImpl {
+public:
+    EngineSet() { UseStockLookup(); }
+    EngineSet(const EngineSet&) = delete;
+    EngineSet& operator=(const EngineSet&) = delete;
+
+    void RemoveVariable(const CString& name) { m_Variables->RemoveKey(name); }
+    void RemoveFormula(const CString& name) { m_Formulas->RemoveKey(name); }
+    void RemoveTable(const CString& name) { m_FormulaTables->RemoveKey(name); }
+};
+
+// What one evaluation came to.
+struct Evaluation {
+    bool isDone = false;
+    double value = 0.0;
+    unsigned int message = 0; // of a failure; the set's tracker has the chain until the next call
+};
+
+// A formula or a table that the job calculates in its turn. To whoever else asks, it returns the
+// value that it has: all that an object reads is calculated before it, so no evaluation goes into
+// another one.
+template <typename Stock>
+class InItsTurn : public Stock {
+public:
+    using Stock::Stock;
+
+    double GetValue() override { return m_IsInTurn ? Stock::GetValue() : m_Value; }
+    int Calculate(unsigned int& message, CScannedVariables* list) override
+    {
+        return m_IsInTurn ? Stock::Calculate(message, list) : 1;
+    }
+    int IsValid(unsigned int& message, int nested) override
+    {
+        return m_IsInTurn ? Stock::IsValid(message, nested) : 1;
+    }
+
+    // The value that others are told from now on.
+    void SetKnownValue(double value) { m_Value = value; }
+
+protected:
+    // Makes the object calculate itself, for as long as this lives.
+    class Turn {
+    public:
+        explicit Turn(InItsTurn& object) : m_Object(object) { m_Object.m_IsInTurn = true; }
+        ~Turn() { m_Object.m_IsInTurn = false; }
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+
+    private:
+        InItsTurn& m_Object;
+    };
+
+private:
+    bool m_IsInTurn = false;
+    double m_Value = 0.0;
+};
+
+class EngineFormula : public InItsTurn<FormulaImpl> {
+public:
+    EngineFormula(EngineSet& set, const Formula& formula);
+
+    // Requires: everything that the text refers to is there and has a value.
+    Evaluation Evaluate();
+    // What is wrong with the text alone, wherever its references lead; 0 if nothing is.
+    unsigned int CheckAlone();
+
+private:
+    IFormulaObj* m_Linked;
+};
+
+class EngineTable : public InItsTurn<FormulaTableImpl> {
+public:
+    EngineTable(EngineSet& set, const Table& table);
+
+    Evaluation Evaluate();
+    unsigned int CheckAlone();
+
+private:
+    IFormulaTableObj* m_Linked;
+};
+
+std::unique_ptr<VariableImpl> MakeEngineVariable(EngineSet& set, const Variable& variable);
+
+} // namespace tovo::job
+
+#endif

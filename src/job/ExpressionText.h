@@ -1,0 +1,50 @@
+#ifndef TOVOJOB_SRC_EXPRESSIONTEXT_H
+#define TOVOJOB_SRC_EXPRESSIONTEXT_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <TovoFormula/FmlaExprBase.h>
+
+#include <TovoJob/ObjectName.h>
+#include <TovoJob/Span.h>
+
+namespace tovo::job {
+
+inline CString Wide(std::string_view utf8)
+{
+    return CString(utf8);
+}
+
+// The stretch of a text between two gaps counted in UTF-16 units, which are cut to the text.
+Span SpanOf(WideView text, int begin, int end);
+
+// One element of an expression.
+struct Token {
+    int code = 0;
+    int begin = 0; // in UTF-16 units of the text
+    int end = 0;
+    bool inCondition = false; // within the first argument of an IF, at any depth
+    ObjectName object = {};   // of references and job values
+};
+
+// What there is to know of an expression from its text alone.
+struct ScannedText {
+    std::vector<Token> tokens; // up to a number that is none, with the references behind it
+    std::size_t nesting = 0;   // of parentheses, at the deepest place
+};
+
+ScannedText Scan(const CFmlaExprBase& expression);
+
+// The end of the token that begins at a position, or the position itself if none does.
+int EndOfTokenAt(const CFmlaExprBase& expression, int position);
+
+// The English word of a job value's token code; nothing for any other code.
+std::optional<std::string_view> JobValueWord(int code);
+
+} // namespace tovo::job
+
+#endif
