@@ -38,10 +38,10 @@ private:
 // as nothing looks for them, they need not be entered.
 class BoundWork::Rerun {
 public:
-    explicit Rerun(BoundWork& work)
+    Rerun(BoundWork& work, ExpressionState& state)
         : m_Throwing(work),
-          m_State(*work.m_Expression.m_State),
-          m_Mark(m_State.marks),
+          m_State(state),
+          m_Mark(state.marks),
           m_Outer(innermost)
     {
         if (!m_Outer)

@@ -19,9 +19,8 @@ namespace tovo::detail {
 
 // Whoever asks meanwhile finds an expression that is not loaded. A part of its callers, as the
 // next.
-[[gnu::always_inline]] inline bool BoundWork::RunAsCheck()
+[[gnu::always_inline]] inline bool BoundWork::RunAsCheck(ExpressionState& state)
 {
-    ExpressionState& state = *m_Expression.m_State;
     state.isLoadedByProgram = false;
     const bool isDone = state.program->Run(state, Program::Purpose::Check, nullptr);
     if (isDone) {
@@ -35,10 +34,10 @@ namespace tovo::detail {
 
 // With what is needed where an object may come back to the expression. A part of its caller, so
 // that a chain of formulas takes less of the stack.
-[[gnu::always_inline]] inline bool BoundWork::RerunMarked()
+[[gnu::always_inline]] inline bool BoundWork::RerunMarked(ExpressionState& state)
 {
-    Rerun rerun(*this);
-    const bool isDone = RunAsCheck();
+    Rerun rerun(*this, state);
+    const bool isDone = RunAsCheck(state);
     rerun.End();
     return isDone;
 }
@@ -62,9 +61,8 @@ bool BoundWork::RunAlone(CFmlaExpression& expression, const CString& name)
 
 // A short road, for a program that is as good as it was. False, with nothing done that shows,
 // if the expression has to be looked at again.
-bool BoundWork::RunAgain(const CString& name)
+bool BoundWork::RunAgain(ExpressionState& state, const CString& name)
 {
-    ExpressionState& state = *m_Expression.m_State;
     if (!state.mayRunAgain || state.marks > 0 || state.checkedName != name ||
         !Pass::IsRemembering())
         return false;
@@ -75,7 +73,7 @@ bool BoundWork::RunAgain(const CString& name)
         return false;
     const Start start;
     if (!(program.CallsNothing() ? state.program->Run(state, Program::Purpose::Check, nullptr)
-                                 : RerunMarked()))
+                                 : RerunMarked(state)))
         return false;
     state.reachedIn = Pass::First();
     if (ErrorTexts::HasOthers()) {
@@ -99,27 +97,25 @@ bool BoundWork::CheckByProgram(const CString& name)
     if (underWay.IsTooDeep())
         return false;
     m_Expression.m_Tree.Clear();
-    if (!RunAsCheck())
+    if (!RunAsCheck(state))
         return false;
     m_Expression.m_Tree.m_Msg = MSG_NONE;
     NoteLoaded();
     return true;
 }
 
-bool BoundWork::CalculateByProgram(const CString& name)
+// Where it runs again, nothing is touched but the state, which is at hand already.
+bool BoundWork::CalculateByProgram(ExpressionState& state, const CString& name)
 {
-    ExpressionState& state = *m_Expression.m_State;
     if (state.leftElsewhere || Namesakes::AreKnown())
         return false;
-    if (RunAgain(name))
-        return true;
-    return CalculateWithCare(name);
+    BoundWork work(state.expression);
+    return work.RunAgain(state, name) || work.CalculateWithCare(state, name);
 }
 
 // Apart from its caller, whose frame is on the stack for each formula of a chain.
-bool BoundWork::CalculateWithCare(const CString& name)
+bool BoundWork::CalculateWithCare(ExpressionState& state, const CString& name)
 {
-    ExpressionState& state = *m_Expression.m_State;
     if (!state.formulaName || *state.formulaName != name)
         return false;
     if (state.calculatedIn == Pass::Present() && state.marks == 0)

@@ -91,7 +91,7 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
         LeaveTexts(&LeftElsewhere::byCheck);
         return 1;
     }
-    if (Namesakes::AreNone(state) && RunAgain(name)) {
+    if (Namesakes::AreNone(state) && RunAgain(state, name)) {
         GiveTextOfProgram();
         m_IsNamesake = false;
         return 1;

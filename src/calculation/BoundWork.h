@@ -34,7 +34,7 @@ public:
     int CheckAndCalculate(unsigned int& message, const CString& name, CScannedVariables* list);
     // The short road alone, for a formula of that name that a program refers to. False if it ends
     // nowhere, with nothing done that shows.
-    bool CalculateByProgram(const CString& name);
+    static bool CalculateByProgram(ExpressionState& state, const CString& name);
 
     int CheckNestedReference(int code, const CString& text);
     int NestedFormulasOK();
@@ -68,10 +68,10 @@ private:
 
     class Rerun;
 
-    bool RunAgain(const CString& name);
-    bool RunAsCheck();
-    bool RerunMarked();
-    [[gnu::noinline]] bool CalculateWithCare(const CString& name);
+    bool RunAgain(ExpressionState& state, const CString& name);
+    bool RunAsCheck(ExpressionState& state);
+    bool RerunMarked(ExpressionState& state);
+    [[gnu::noinline]] bool CalculateWithCare(ExpressionState& state, const CString& name);
     bool CheckByProgram(const CString& name);
     bool HasProgramFor(const CString& name);
     std::unique_ptr<Program> Compile();

@@ -98,7 +98,7 @@ void NoteFound(ExpressionState& formula, const CString& name)
 
 bool CalculateByProgram(ExpressionState& formula, const CString& name)
 {
-    return BoundWork(formula.expression).CalculateByProgram(name);
+    return BoundWork::CalculateByProgram(formula, name);
 }
 
 } // namespace ObjectCalls
