@@ -39,10 +39,7 @@ private:
 class BoundWork::Rerun {
 public:
     Rerun(BoundWork& work, ExpressionState& state)
-        : m_Throwing(work),
-          m_State(state),
-          m_Mark(state.marks),
-          m_Outer(innermost)
+        : m_Throwing(work), m_State(state), m_Mark(state.marks), m_Outer(innermost)
     {
         if (!m_Outer)
             outermost = this;

@@ -48,6 +48,12 @@ bool BoundWork::MayUsePrograms() const
     return typeid(m_Expression) == typeid(CFmlaExpression);
 }
 
+void BoundWork::NoteRenamed()
+{
+    State().mayRunAgain = false;
+    State().ownNameAt = 0;
+}
+
 void BoundWork::TakeMessage(unsigned int message)
 {
     NoteDisturbed();

@@ -40,7 +40,7 @@ public:
     int NestedFormulasOK();
     void ScanStatically(CScannedVariables& list, int all);
     // The formula is going to have another name.
-    void NoteRenamed() { State().mayRunAgain = false; }
+    void NoteRenamed();
     // The tree is no longer what was loaded last, or it is gone.
     void Forget();
 

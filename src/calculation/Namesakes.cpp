@@ -30,11 +30,17 @@ Strays& StraysOfPass()
     return strays;
 }
 
-bool IsUnderOwnName(const ExpressionState& state, const CString& name)
+bool IsUnderOwnName(ExpressionState& state, const CString& name)
 {
     const bool isOwn = state.formulaName && *state.formulaName == name;
-    return (isOwn && state.ownNameIn == Pass::Present()) ||
-           StateOfStockFormula(state.calcSet.GetFormulaObj(name)) == &state;
+    // A derived class may have changed the name since then.
+    if (isOwn && state.checkedName == name && Namesakes::IsKnownByName(state))
+        return true;
+    const std::uint64_t version = MapVersions::Last();
+    const bool isFound = StateOfStockFormula(state.calcSet.GetFormulaObj(name)) == &state;
+    const bool staysFound = isFound && isOwn && ObjectCalls::WithStockLookup(state.calcSet);
+    state.ownNameAt = staysFound ? version : 0;
+    return isFound;
 }
 
 // A host's own formula may be the one whose expression this is.
@@ -46,7 +52,7 @@ bool HasAnotherFormula(ICalculationSet& calcSet, const ExpressionState& state, c
 
 } // namespace
 
-bool Namesakes::AreThere(const ExpressionState& state, const CString& name)
+bool Namesakes::AreThere(ExpressionState& state, const CString& name)
 {
     if (name.IsEmpty())
         return false;

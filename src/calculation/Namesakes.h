@@ -25,10 +25,16 @@ public:
     static bool AreNone(const ExpressionState& state)
     {
         return !MayExist() || (plainIn == Pass::First() && knownIn != plainIn &&
-                               plainSet == &state.calcSet && state.ownNameIn == Pass::Present());
+                               plainSet == &state.calcSet && IsKnownByName(state));
     }
     // Whether another expression bears the name under which this one is going to be checked.
-    static bool AreThere(const ExpressionState& state, const CString& name);
+    static bool AreThere(ExpressionState& state, const CString& name);
+
+    // Whether the set has the formula under its own name, as far as it is known.
+    static bool IsKnownByName(const ExpressionState& state)
+    {
+        return state.ownNameIn == Pass::Present() || state.ownNameAt == MapVersions::Last();
+    }
 
 private:
     static inline constinit thread_local PassNumber knownIn = kNeverInPass;

@@ -96,10 +96,12 @@ bool Program::BindTo(ExpressionState&, Binding& binding, IVarObj* variable, bool
     return true;
 }
 
-bool Program::BindTo(ExpressionState& state, Binding& binding, IFormulaObj* formula, bool&)
+bool Program::BindTo(ExpressionState& state, Binding& binding, IFormulaObj* formula, bool& hasMoved)
 {
+    const ExpressionState* const former = binding.state;
     binding.formula = formula;
     binding.state = ObjectCalls::StateOf(*formula, binding.isHost);
+    hasMoved = hasMoved || binding.state != former;
     if (!binding.isHost && *binding.state->formulaName == binding.name)
         binding.name = *binding.state->formulaName;
     if (m_LastCode == TOK_FORMULA && binding.isHost)
@@ -114,15 +116,19 @@ bool Program::BindTo(ExpressionState&, Binding& binding, IFormulaTableObj* table
     return true;
 }
 
-// Where the values of variables stand.
+// Where the values of variables and formulas stand.
 void Program::TakeAddresses()
 {
     for (Instruction& instruction : m_Code) {
-        if (!ReadsVariable(instruction.operation))
+        const bool isFormula = instruction.operation == Operation::Formula;
+        if (!isFormula && !ReadsVariable(instruction.operation))
             continue;
         const Binding& binding = m_Bindings[instruction.index];
-        instruction.address =
-            binding.isHost ? &binding.value : ObjectCalls::ValueOf(*binding.variable);
+        if (isFormula)
+            instruction.state = binding.isHost ? nullptr : binding.state;
+        else
+            instruction.address =
+                binding.isHost ? &binding.value : ObjectCalls::ValueOf(*binding.variable);
     }
 }
 
@@ -153,15 +159,15 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
             top = ReadJobValue(static_cast<int>(at->index), state.calcSet, list);
             break;
         case Operation::Formula: {
-            const Binding& binding = m_Bindings[at->index];
+            const ExpressionState* const formula = at->state;
             *stack++ = top;
-            if (kPurpose != Purpose::Scan && !binding.isHost && !binding.state->marks &&
-                binding.state->calculatedIn == Pass::Present() && !binding.state->leftElsewhere)
-                top = binding.state->value;
-            else if (!CallFormula(state, binding, kPurpose, list, top))
+            if (kPurpose != Purpose::Scan && formula && !formula->marks &&
+                formula->calculatedIn == Pass::Present() && !formula->leftElsewhere)
+                top = formula->value;
+            else if (!CallFormula(state, m_Bindings[at->index], kPurpose, list, top))
                 return false;
-            if (at + 1 == end && m_LastCode == TOK_FORMULA && !binding.isHost)
-                m_LeftText = binding.state->leftText;
+            if (at + 1 == end && m_LastCode == TOK_FORMULA && at->state)
+                m_LeftText = at->state->leftText;
             break;
         }
         case Operation::Table:

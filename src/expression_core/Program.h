@@ -39,27 +39,27 @@ struct ExpressionState {
         : calcSet(set), expression(owner)
     {}
 
-    // What it has succeeded in: each is a number of a pass.
-    PassNumber calculatedIn = kNeverInPass;
-    PassNumber checkedIn = kNeverInPass;
-    PassNumber reachedIn = kNeverInPass; // the first number of the pass in which others came by it
-    double value = 0.0;                  // of the last success that is remembered
-    ICalculationSet& calcSet;
-    std::unique_ptr<Program> program; // null until a text was compiled
-    CString checkedName;              // under which it was checked
-    int marks = 0;                    // how often it is being checked or calculated at present
-    RuntimeError leftText = 0;
+    PassNumber calculatedIn = kNeverInPass;       // the number of the pass in which it succeeded
+    double value = 0.0;                           // of the last success that is remembered
     std::unique_ptr<LeftElsewhere> leftElsewhere; // null for none
+    int marks = 0;                                // how often it is in progress at present
+    RuntimeError leftText = 0;
+    std::unique_ptr<Program> program;    // null until a text was compiled
+    PassNumber checkedIn = kNeverInPass; // as calculatedIn
+    PassNumber reachedIn = kNeverInPass; // the first number of the pass in which others came by it
     // The program, and not the tree, is what was loaded last.
     bool isLoadedByProgram = false;
     // The program has succeeded under the checked name, and nothing of the expression has changed.
     bool mayRunAgain = false;
     bool isScannedInCondition = false;
+    CString checkedName; // under which it was checked
+    ICalculationSet& calcSet;
 
     CFmlaExpression& expression;
     const CString* formulaName = nullptr; // of the formula that it belongs to; null for none
     PassNumber gaveUpIn = kNeverInPass;   // the program did
     PassNumber ownNameIn = kNeverInPass;  // found in its set under its own name
+    std::uint64_t ownNameAt = 0;          // the same, as of that version of all maps
     PassNumber scannedIn = kNeverInPass;
     std::uint64_t scan = 0;
     std::uint64_t scannedList = 0;
@@ -128,7 +128,8 @@ private:
         std::uint32_t index;
         union {
             double number;
-            const double* address;
+            const double* address;        // of a variable's value
+            const ExpressionState* state; // of a stock formula, null for any other
         };
     };
 
@@ -151,7 +152,7 @@ private:
 
     bool BindAll(ExpressionState& state);
     bool BindTo(ExpressionState&, Binding& binding, IVarObj* variable, bool& hasMoved);
-    bool BindTo(ExpressionState& state, Binding& binding, IFormulaObj* formula, bool&);
+    bool BindTo(ExpressionState& state, Binding& binding, IFormulaObj* formula, bool& hasMoved);
     bool BindTo(ExpressionState&, Binding& binding, IFormulaTableObj* table, bool&);
     // Whether the set still has the same objects under the names, as far as it can tell.
     bool IsBound() const { return m_IsBound && m_StockLookup && IsBoundStill(); }
