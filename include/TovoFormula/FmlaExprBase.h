@@ -216,6 +216,7 @@ private:
     void ReportFault(unsigned int message);
     void NoteTextChange();
     void SetText(const CString& text, const CWordArray& references);
+    void CutReferences(int start, int end);
     void MoveReferences(int fromPos, int distance);
     template <typename Judge>
     int FindReference(int pos, int* pIndex, Judge judge) const;

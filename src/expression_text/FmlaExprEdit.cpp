@@ -102,12 +102,7 @@ int CFmlaExprBase::DeleteChars(int start, int end, int* pWholeVar)
     }
     NoteTextChange();
     m_ExprText.Delete(start, end - start);
-    for (int index = NumVars() - 1; index >= 0 && VarEndPos(index) > start; --index) {
-        if (VarPos(index) >= end)
-            SetVarPos(index, VarPos(index) - end + start);
-        else
-            DelVarPtrs(index);
-    }
+    CutReferences(start, end);
     return 1;
 }
 
@@ -199,6 +194,24 @@ void CFmlaExprBase::SetVarPos(int index, int pos)
         NoteTextChange();
         m_VarPtrs.SetAt(index * kWordsPerReference, static_cast<WORD>(pos));
     }
+}
+
+// Takes out the references that a deleted part of the text held, and moves those after it.
+void CFmlaExprBase::CutReferences(int start, int end)
+{
+    int first = NumVars();
+    while (first > 0 && VarEndPos(first - 1) > start)
+        --first;
+    CWordArray moved;
+    for (int index = first; index < NumVars(); ++index) {
+        Reference reference = EntryAt(index);
+        if (reference.position < end)
+            continue;
+        reference.position -= end - start;
+        AppendReference(moved, reference);
+    }
+    m_VarPtrs.RemoveAt(first * kWordsPerReference, (NumVars() - first) * kWordsPerReference);
+    m_VarPtrs.InsertAt(first * kWordsPerReference, moved);
 }
 
 // Moves the references at or behind a position. They are the last ones, as the table is ordered.

@@ -1,3 +1,5 @@
+#include <random>
+
 #include <expression_text/Texts.h>
 
 #include "Job.h"
@@ -120,6 +122,72 @@ TEST_F(Rewriting, RemovingPassesOverWhatTheLimitKeeps)
     };
     for (const auto& row : rows)
         EXPECT_EQ(Remove(row.encoded, "X", 1, row.limit), Whole(Read(row.left))) << row.limit;
+}
+
+// Removes one reference after the other: its own text, then what joined it to a neighbour.
+int RemoveOneByOne(CFmlaExpression& expression, const CString& name)
+{
+    int isFound = 0;
+    int wholeVar = 0;
+    for (int index = 0; index < expression.NumVars();) {
+        const int count = expression.NumVars();
+        if (expression.VarType(index) != TOK_FORMULA || expression.VarLength(index) == 0 ||
+            expression.VarName(index) != name) {
+            ++index;
+            continue;
+        }
+        isFound = 1;
+        expression.DeleteChars(expression.VarPos(index), expression.VarEndPos(index), &wholeVar);
+        const bool isLast = index >= expression.NumVars();
+        if (expression.NumVars() == count)
+            ++index;
+        else if (index > 0)
+            expression.DeleteChars(
+                expression.VarEndPos(index - 1),
+                (isLast ? expression.GetTextStr().GetLength() : expression.VarPos(index)) - 1,
+                &wholeVar);
+        else if (!isLast && expression.VarPos(0) > 0)
+            expression.DeleteChars(0, expression.VarPos(0), &wholeVar);
+    }
+    return isFound;
+}
+
+TEST_F(Rewriting, RemovingAllAtOnceIsRemovingOneByOne)
+{
+    std::mt19937 random(7);
+    const auto pick = [&random](std::size_t count) { return random() % count; };
+    for (int round = 0; round < 20000; ++round) {
+        CString text;
+        CWordArray words;
+        for (std::size_t piece = pick(9); piece > 0; --piece) {
+            static constexpr const WCHAR* kPieces[] = {u"",    u"+",   u" * ", u"(",   u" X ",
+                                                       u" X ", u" X ", u"  ",  u" Yy "};
+            const std::size_t chosen = pick(std::size(kPieces));
+            const CString stretch = kPieces[chosen];
+            // Now and then one that overlaps, is empty or reaches beyond the text.
+            const std::size_t isOdd = pick(60) == 0 ? 1 + pick(3) : 0;
+            if (chosen > 3) {
+                words.Add(static_cast<WORD>(
+                    std::max<std::size_t>(static_cast<std::size_t>(text.GetLength()), isOdd) -
+                    isOdd));
+                words.Add(static_cast<WORD>(isOdd == 3 ? pick(9) : stretch.View().size()));
+                words.Add(static_cast<WORD>(pick(5) == 0 ? pick(4) : 1));
+            }
+            text += stretch;
+        }
+        const int limit = pick(3) == 0 ? static_cast<int>(pick(20)) - 1 : kDefaultTextLimit;
+        CFmlaExpression atOnce(m_Set), oneByOne(m_Set);
+        for (CFmlaExpression* expression : {&atOnce, &oneByOne}) {
+            expression->SetExpr(text, words);
+            expression->SetExprTextLimit(limit);
+            expression->SetInvalidPos(0);
+        }
+        const std::string before = Whole(atOnce) + " limit " + std::to_string(limit);
+        ASSERT_EQ(atOnce.RemoveFormulaFromExpression(u"X"), RemoveOneByOne(oneByOne, u"X"))
+            << before;
+        ASSERT_EQ(Whole(atOnce), Whole(oneByOne)) << before;
+        ASSERT_EQ(atOnce.GetInvalidPos(), oneByOne.GetInvalidPos()) << before;
+    }
 }
 
 TEST_F(Rewriting, TreeStaysUntilTheNextCheck)
