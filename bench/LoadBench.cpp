@@ -133,8 +133,7 @@ public:
     }
     double Value()
     {
-        m_Expression.Calculate(nullptr);
-        return m_Expression.GetValue();
+        return m_Expression.Calculate(nullptr) ? m_Expression.GetValue() : 0.0;
     }
 
 private:

@@ -36,7 +36,8 @@ void FillRates(FormulaTableImpl& rates, Shop& shop)
 void ShowFault(const CFmlaExprBase& expression, unsigned int message)
 {
     CString words;
-    words.LoadString(message);
+    if (!words.LoadString(message))
+        words = u"The formula cannot be calculated.";
     std::cout << expression.GetTextStr() << '\n';
     if (expression.GetInvalidPos() >= 0)
         std::cout << std::string(static_cast<std::size_t>(expression.GetInvalidPos()), ' ')
@@ -84,14 +85,15 @@ int main()
     // the gap before a character.
     CFmlaExpression& typed = postage.GetExpression();
     typed.SetExpr(u"ROUND(*QUANTITY*IF(,1.5,1),2");
-    typed.InsertVariable(u"Express?", 19, TOK_VARIABLE);
-    typed.InsertFormulaTable(u"Rate", 6);
+    if (!typed.InsertVariable(u"Express?", 19, TOK_VARIABLE) ||
+        !typed.InsertFormulaTable(u"Rate", 6))
+        return 1;
     unsigned int message = MSG_NONE;
     if (!postage.Calculate(message, nullptr))
         ShowFault(typed, message);
 
-    typed.InsertString(u")", typed.GetTextStr().GetLength());
-    if (!postage.Calculate(message, nullptr)) {
+    if (!typed.InsertString(u")", typed.GetTextStr().GetLength()) ||
+        !postage.Calculate(message, nullptr)) {
         ShowFault(typed, message);
         return 1;
     }

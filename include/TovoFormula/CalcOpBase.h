@@ -34,11 +34,11 @@ public:
     // Sets every field to its empty value.
     virtual void InitData();
     // False if there can be no such reference; here always true.
-    virtual bool LoadVariable(CString& name);
-    virtual bool LoadFormula(CString& name);
-    virtual bool LoadFormulaTable(CString& name);
+    [[nodiscard]] virtual bool LoadVariable(CString& name);
+    [[nodiscard]] virtual bool LoadFormula(CString& name);
+    [[nodiscard]] virtual bool LoadFormulaTable(CString& name);
     // Makes the operand an empty expression; false, with the operand empty, if none can be made.
-    virtual bool CreateNewExpression();
+    [[nodiscard]] virtual bool CreateNewExpression();
     // Empties what the present kind uses.
     virtual void Clear();
     // Whether the kind of value is known. A constant that was read from a prefixed string and an
@@ -59,13 +59,13 @@ public:
     void LoadNumericConstant(double value);
     // Yes for anything but 0.0.
     void LoadBooleanConstant(double value);
-    bool LoadExpression(const CString& text);
-    bool LoadExpression(const CString& text, const CWordArray& pointers);
-    bool LoadExpression(const CString& text, const CString& pointers);
+    [[nodiscard]] bool LoadExpression(const CString& text);
+    [[nodiscard]] bool LoadExpression(const CString& text, const CWordArray& pointers);
+    [[nodiscard]] bool LoadExpression(const CString& text, const CString& pointers);
     // An encoded string that is one reference becomes that reference. True also if that reference
     // could not be loaded.
-    bool LoadEncodedExpression(const CString& encoded);
-    bool LoadPrefixedString(const CString& text);
+    [[nodiscard]] bool LoadEncodedExpression(const CString& encoded);
+    [[nodiscard]] bool LoadPrefixedString(const CString& text);
 
     CString GetPrefixedString();
     CString GetEncodedString();

@@ -66,14 +66,14 @@ struct TOVO_API IFormulaObj {
     virtual double GetValue() = 0;
     // Nonzero on success, and GetValue then gives the result; 0 with the message written. The list
     // is what a scan fills, null in an ordinary calculation.
-    virtual int Calculate(unsigned int& message, CScannedVariables* list) = 0;
+    [[nodiscard]] virtual int Calculate(unsigned int& message, CScannedVariables* list) = 0;
     // Adds to the list what this formula refers to: with all nonzero every reference in the text,
     // with all zero those that a calculation reaches. Clear nonzero: a new scan begins here, and
     // the set's ClearScannedFlags(1) is called first. Failures go to the tracker.
     virtual void GetVariables(CScannedVariables& list, int all, int clear) = 0;
     // Nonzero if the formula is sound; 0 with the message written. Nested nonzero: what it refers
     // to must exist and be sound too, and must not lead back to it.
-    virtual int IsValid(unsigned int& message, int nested) = 0;
+    [[nodiscard]] virtual int IsValid(unsigned int& message, int nested) = 0;
     // Nonzero: already walked in the present scan; a static scan passes over the formula.
     virtual int GetScanned() = 0;
     virtual bool IsNumeric() = 0;
@@ -94,10 +94,10 @@ struct TOVO_API IFormulaTableObj {
     // The value of the last successful Calculate.
     virtual double GetValue() = 0;
     // A table that is already calculated and scanned may answer at once.
-    virtual int Calculate(unsigned int& message, CScannedVariables* list) = 0;
+    [[nodiscard]] virtual int Calculate(unsigned int& message, CScannedVariables* list) = 0;
     virtual int GetScanned() = 0;
     virtual void GetVariables(CScannedVariables& list, int all, int clear) = 0;
-    virtual int IsValid(unsigned int& message, int nested) = 0;
+    [[nodiscard]] virtual int IsValid(unsigned int& message, int nested) = 0;
     virtual bool IsBoolean() = 0;
     virtual int GetCalculated() = 0;
 };

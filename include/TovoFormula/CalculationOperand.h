@@ -23,10 +23,10 @@ public:
     void InitData() override;
     // The message id of a refusal is 6602 or 6603; a variable is refused without one. The operand
     // is then not loaded, but still shows the name.
-    bool LoadVariable(CString& name) override;
-    bool LoadFormula(CString& name) override;
-    bool LoadFormulaTable(CString& name) override;
-    bool CreateNewExpression() override;
+    [[nodiscard]] bool LoadVariable(CString& name) override;
+    [[nodiscard]] bool LoadFormula(CString& name) override;
+    [[nodiscard]] bool LoadFormulaTable(CString& name) override;
+    [[nodiscard]] bool CreateNewExpression() override;
     void Clear() override;
     // An expression's type is known once it has been validated.
     bool IsTypeKnown() override;
@@ -55,12 +55,12 @@ public:
     unsigned int GetMsgId() const { return m_MsgId; }
 
     // Nested also checks what is referred to, and looks for circles.
-    bool IsValid(bool nested = true);
+    [[nodiscard]] bool IsValid(bool nested = true);
     // Validates first.
-    bool Calculate();
+    [[nodiscard]] bool Calculate();
     // Adds what the content refers to; all and clear as IFormulaObj::GetVariables takes them.
     // Validates a formula or table each time, an expression if it is not loaded.
-    bool GetVariables(CScannedVariables& list, bool all, bool clear);
+    [[nodiscard]] bool GetVariables(CScannedVariables& list, bool all, bool clear);
     bool GetCalculated();
     // 0.0 for what is not calculated.
     double GetValue();

@@ -13,13 +13,14 @@
 //
 //     CalculationPass pass;
 //     for (FormulaImpl* formula : formulas)
-//         formula->Calculate(message, nullptr);
+//         if (!formula->Calculate(message, nullptr))
+//             faults.push_back(formula);
 //
 // Passes nest; the outermost one counts. One thread: destroy it where it was made, in reverse
 // order.
 class TOVO_API CalculationPass {
 public:
-    CalculationPass();
+    [[nodiscard]] CalculationPass();
     ~CalculationPass();
 
     CalculationPass(const CalculationPass&) = delete;

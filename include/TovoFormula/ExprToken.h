@@ -82,10 +82,10 @@ public:
 
     // Settles a range of argument counts that holds the count to just that count, which makes a
     // minus unary or binary; says whether the token now takes at least that many.
-    int SetNumArgs(int count);
+    [[nodiscard]] int SetNumArgs(int count);
     // Each settles a kind that is RT_ANY; a settled kind never changes. They say whether the kind
     // is now the one given.
-    int SetArgType(int kind) { return Settle(m_ArgType, kind); }
+    [[nodiscard]] int SetArgType(int kind) { return Settle(m_ArgType, kind); }
     int SetReturnType(int kind) { return Settle(m_ReturnType, kind); }
     // The kind that the argument must have, counted from 0.
     int GetTokArgType(int argument) const
@@ -102,7 +102,7 @@ public:
     // GetCalculationError telling why and the set's tracker naming this token. A reference given 0
     // for nested fails without being looked up. The list is filled by references and job values;
     // null outside a scan. Requires: args holds numArgs values.
-    int Calculate(double* args, int numArgs, int nested, CScannedVariables* list);
+    [[nodiscard]] int Calculate(double* args, int numArgs, int nested, CScannedVariables* list);
     // Whether errno holds a domain or a range error. If so, the token's message and the set's text
     // of the error are set by it.
     bool BadErrno();

@@ -33,9 +33,9 @@ public:
     // Takes the next token from the left; the position is the token's to keep. Nested counts with
     // the first token only: nonzero calculates formula and table references while the tree is
     // built, zero leaves them untouched. After a refusal the tree is good only for being cleared.
-    int InsertToken(int code, CString text, int pos, int nested);
+    [[nodiscard]] int InsertToken(int code, CString text, int pos, int nested);
     // Closes the tree behind its last token.
-    int EndOfExpression();
+    [[nodiscard]] int EndOfExpression();
     // The message id of the last failure, 0 if there was none since a token was last taken.
     unsigned int GetMsg() const { return m_Msg; }
     // Deletes all nodes. GetMsg stays.
@@ -44,7 +44,7 @@ public:
     // Calculates the active nodes, leaves first: all but the branch of an IF that its condition
     // rules out. With a list, what is reached records itself there. Answers 0 for an empty tree and
     // for one in which an active node is not complete.
-    int Calculate(CScannedVariables* list);
+    [[nodiscard]] int Calculate(CScannedVariables* list);
     // These speak of the root token, and answer 0 without one. After a failed calculation they may
     // still tell what an earlier one left.
     int IsLoaded() const;

@@ -112,9 +112,10 @@ public:
     // end of the text, with only the position set, and for a fault in a number, with the message id
     // in GetMessageNum and reported to TrackError. What is no token comes as TOK_ILLEGAL. A scan
     // that begins before the text throws CInvalidArgException.
-    int FindFirstToken(CString& token, int& tokenCode, int& tokenPos, int startPos,
-                       TEXT_LANGUAGE language);
-    int FindNextToken(CString& token, int& tokenCode, int& tokenPos, TEXT_LANGUAGE language);
+    [[nodiscard]] int FindFirstToken(CString& token, int& tokenCode, int& tokenPos, int startPos,
+                                     TEXT_LANGUAGE language);
+    [[nodiscard]] int FindNextToken(CString& token, int& tokenCode, int& tokenPos,
+                                    TEXT_LANGUAGE language);
 
     // Puts the text, in place, from the other language into the target; names of references stay.
     // Ends at a fault in a number, with what stands before it translated. Not to be called with the
@@ -149,20 +150,21 @@ public:
     // The blank that a last reference ends in is a trailing one as well. Where the limit cuts it
     // off, the reference keeps its length and reaches beyond the text by one, and the next text
     // that is inserted at its end brings the blank back.
-    int InsertString(const CString& text, int pos);
+    [[nodiscard]] int InsertString(const CString& text, int pos);
     // Deletes the characters between the gaps start and end; start == end, or start behind end,
     // acts as the Delete key at end. Refused if a gap is negative or inside a reference, or start
     // is at the text limit. *pWholeVar tells whether the key took a whole reference; null throws
-    // CInvalidArgException.
+    // CInvalidArgException. An editor may pass the result over: a key that has nothing to delete is
+    // no fault.
     int DeleteChars(int start, int end, int* pWholeVar);
     // Insert a reference to the name, within the text or at its end. Refused like its text, and
     // beyond 15 references.
-    int InsertVariable(const CString& name, int pos, int kind);
-    int InsertFormula(const CString& name, int pos);
-    int InsertFormulaTable(const CString& name, int pos);
+    [[nodiscard]] int InsertVariable(const CString& name, int pos, int kind);
+    [[nodiscard]] int InsertFormula(const CString& name, int pos);
+    [[nodiscard]] int InsertFormulaTable(const CString& name, int pos);
     // The entry alone, without the text. Refused beyond 15 references, for a pos that a reference
     // starts at or holds, and for what 16-bit words cannot hold.
-    int InsVarPtrs(int pos, int length, int kind);
+    [[nodiscard]] int InsVarPtrs(int pos, int length, int kind);
     // Takes the entry out, without the text. A bad index throws CInvalidArgException.
     void DelVarPtrs(int index);
 

@@ -50,16 +50,16 @@ public:
     // Builds the tree from the text. Nested nonzero: each formula and table referred to must exist
     // and be sound, and is calculated while the tree is built. Answers 0 with GetMessageNum and
     // GetInvalidPos telling what and where.
-    int LoadExpressionTree(int nested);
+    [[nodiscard]] int LoadExpressionTree(int nested);
     // Builds the tree and holds its kind against the name: a name that ends in "?" wants a yes/no
     // value, any other name wants none. An empty name leaves the kind open. Nested as above; a name
     // that is being validated already on this thread ends in 6608. The message is written on
     // failure only.
-    int IsValid(unsigned int& message, CString name, int nested);
+    [[nodiscard]] int IsValid(unsigned int& message, CString name, int nested);
     // This expression alone, without a name; the message is in GetMessageNum.
-    int IsValid();
+    [[nodiscard]] int IsValid();
     // Calculates the tree that was built last, without building it. The list may be null.
-    int Calculate(CScannedVariables* list);
+    [[nodiscard]] int Calculate(CScannedVariables* list);
     // These speak of the tree, and give 0 without one.
     double GetValue() const;
     int IsLoaded() const;
@@ -75,10 +75,10 @@ public:
 
     // Whether the formula or table exists and is sound with everything below it; else 0 with
     // GetMessageNum set. The name may have its two blanks.
-    int CheckNestedFormula(CString name);
-    int CheckNestedFormtbl(CString name);
+    [[nodiscard]] int CheckNestedFormula(CString name);
+    [[nodiscard]] int CheckNestedFormtbl(CString name);
     // The two checks for each reference of the built tree, from the left to the first that fails.
-    int NestedFormulasOK();
+    [[nodiscard]] int NestedFormulasOK();
 
     // For a formula that is renamed or removed: rewrite text and table, and leave the tree as it
     // was. They answer 1 if there was a reference to the formula of exactly that name; else 0, with

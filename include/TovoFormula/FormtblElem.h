@@ -61,10 +61,10 @@ public:
     double value() const;
     // Calculates the formula or table named; with a list, records what it reaches. Answers 0, with
     // the message as it was, for a name that the set does not know.
-    int Calculate(unsigned int& message, CScannedVariables* list);
+    [[nodiscard]] int Calculate(unsigned int& message, CScannedVariables* list);
     // Whether the formula or table named exists and is sound with everything below it. Failures are
     // put into the set's tracker.
-    int CheckNestedFormulas(unsigned int& message);
+    [[nodiscard]] int CheckNestedFormulas(unsigned int& message);
     // Adds what the element refers to; all and clear as IFormulaObj::GetVariables takes them.
     void GetVariables(CScannedVariables& list, int all, int clear);
 

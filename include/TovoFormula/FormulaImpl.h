@@ -32,12 +32,12 @@ public:
     double GetValue() override { return m_Expression.GetValue(); }
     // Validates with nested checks, then calculates. The list goes on into the formulas referred
     // to.
-    int Calculate(unsigned int& message, CScannedVariables* list) override;
+    [[nodiscard]] int Calculate(unsigned int& message, CScannedVariables* list) override;
     // Requires: a tree that IsValid or Calculate has built.
     void GetVariables(CScannedVariables& list, int all, int clear) override;
-    int IsValid(unsigned int& message, int nested) override;
+    [[nodiscard]] int IsValid(unsigned int& message, int nested) override;
     // With nested checks. The message is in GetMessageNum of the expression.
-    int IsValid();
+    [[nodiscard]] int IsValid();
     int GetScanned() override { return m_Scanned; }
     bool IsNumeric() override { return m_ValueType == VALUE_NUMERIC; }
     bool IsBoolean() override { return m_ValueType == VALUE_BOOLEAN; }

@@ -34,16 +34,16 @@ public:
     CString& GetName() override { return m_Name; }
     double GetValue() override { return m_Value; }
     // On failure the value and the flags stay as they were.
-    int Calculate(unsigned int& message, CScannedVariables* list) override;
+    [[nodiscard]] int Calculate(unsigned int& message, CScannedVariables* list) override;
     int GetScanned() override { return m_Scanned; }
     // With all nonzero: the selectors that count and every cell. With all zero: what a calculation
     // reaches.
     void GetVariables(CScannedVariables& list, int all, int clear) override;
     // The row limits must rise strictly, and the column limits but for the last one; the selectors
     // that count and every cell must be sound. The chain leads from the fault to the table.
-    int IsValid(unsigned int& message, int nested) override;
+    [[nodiscard]] int IsValid(unsigned int& message, int nested) override;
     // With nested checks. The message is in the set's tracker.
-    int IsValid();
+    [[nodiscard]] int IsValid();
     bool IsBoolean() override { return m_ValueType == VALUE_BOOLEAN; }
     int GetCalculated() override { return m_Calculated; }
 
@@ -85,7 +85,7 @@ public:
     short GetRowIndex() const;
     short GetColIndex() const;
     // Whether what the element names exists and is sound; else 0.
-    int ValidateElement(CFormtblElem& element, unsigned int& message, int nested);
+    [[nodiscard]] int ValidateElement(CFormtblElem& element, unsigned int& message, int nested);
 
 private:
     int ValidateLimits(unsigned int& message);

@@ -108,7 +108,7 @@ int BoundWork::CloseTree(int lastPos, int endPos)
 }
 
 // Builds the tree that the program stands for, from the text and the names that it was compiled
-// from, for whoever has to walk it.
+// from, for whoever has to walk it. What has been compiled makes a tree.
 void BoundWork::BuildTreeOfProgram()
 {
     const Program& program = *State().program;
@@ -121,12 +121,15 @@ void BoundWork::BuildTreeOfProgram()
     tree.Clear();
     tree.m_IsShapeOnly = true;
     while (scanner.Next() == TokenScanner::Outcome::Token) {
-        tree.InsertToken(scanner.TokenCode(), scanner.TokenString(), scanner.TokenPos(), 1);
+        [[maybe_unused]] const int isTaken =
+            tree.InsertToken(scanner.TokenCode(), scanner.TokenString(), scanner.TokenPos(), 1);
+        assert(isTaken);
         if (scanner.TokenCode() == TOK_NUMBER)
             tree.m_LastToken->SetValue(
                 tovo::ParseDouble(scanner.TokenText(), spelling.DecimalSeparator()));
     }
-    tree.EndOfExpression();
+    [[maybe_unused]] const int isClosed = tree.EndOfExpression();
+    assert(isClosed);
     tree.m_IsShapeOnly = false;
     tree.m_Root->GetData()->SetValue(State().value);
     State().isLoadedByProgram = false;

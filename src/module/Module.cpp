@@ -1,5 +1,6 @@
 #include <TovoFormula/Module.h>
 
+#include <cassert>
 #include <new>
 
 #include <TovoPlatform/StringResources.h>
@@ -13,7 +14,9 @@ AFX_EXTENSION_MODULE FilledRecord()
 {
     AFX_EXTENSION_MODULE module;
     const auto strings = tovo::detail::StringTable();
-    AfxInitExtensionModule(module, strings.data(), strings.size());
+    [[maybe_unused]] const BOOL isFilled =
+        AfxInitExtensionModule(module, strings.data(), strings.size());
+    assert(isFilled);
     return module;
 }
 

@@ -221,8 +221,9 @@ CString CalcOpBase::GetRTFDisplay()
     CFmlaExprBase shown;
     if (IsConstant())
         shown.SetExpr(m_ConstantText);
-    else
-        shown.InsertVariable(GetTextDisplay(), 0, ReferenceKindOf(m_OperandKind));
+    else // a name that is too long for a text leaves it empty
+        static_cast<void>(
+            shown.InsertVariable(GetTextDisplay(), 0, ReferenceKindOf(m_OperandKind)));
     return shown.GetRTFString(CString(), kDisplayFontSize);
 }
 

@@ -152,8 +152,8 @@ TEST_F(Nesting, ExceptionOfAHostLeavesNothingBehind)
         try {
             unsigned int message = 0;
             CScannedVariables scanned;
-            outer.Calculate(message, &scanned);
-            outer.GetExpression().Calculate(&scanned);
+            static_cast<void>(outer.Calculate(message, &scanned));
+            static_cast<void>(outer.GetExpression().Calculate(&scanned));
             table.GetVariables(scanned, 0, 1);
         } catch (const HostTrouble&) {
         }

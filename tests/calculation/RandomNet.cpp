@@ -363,19 +363,19 @@ private:
         m_Thrower = 0;
         LoadNestedAnew();
         for (const auto& bare : m_Bare)
-            bare->LoadExpressionTree(0);
+            static_cast<void>(bare->LoadExpressionTree(0));
         for (const auto& operand : m_Operands)
             if (operand->IsExpression())
-                operand->GetFmlaExpression().LoadExpressionTree(0);
+                static_cast<void>(operand->GetFmlaExpression().LoadExpressionTree(0));
     }
     void LoadNestedAnew()
     {
         for (const auto& formula : m_Formulas)
-            formula->GetExpression().LoadExpressionTree(0);
+            static_cast<void>(formula->GetExpression().LoadExpressionTree(0));
         if (!Has(NET_HOSTS))
             return;
-        m_HostFormula->m_Expression.LoadExpressionTree(0);
-        m_HostTable->m_Expression.LoadExpressionTree(0);
+        static_cast<void>(m_HostFormula->m_Expression.LoadExpressionTree(0));
+        static_cast<void>(m_HostTable->m_Expression.LoadExpressionTree(0));
     }
     std::vector<double> ValuesOfTables() const
     {

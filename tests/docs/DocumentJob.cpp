@@ -79,8 +79,8 @@ void DocumentJob::Type(CFmlaExprBase& expression, const std::string& text) const
             return rest.starts_with(known.stretch.View());
         });
         const int length = name == m_Names.end() ? 1 : name->stretch.GetLength();
-        if (name != m_Names.end())
-            expression.InsVarPtrs(pos, length, name->kind);
+        if (name != m_Names.end() && !expression.InsVarPtrs(pos, length, name->kind))
+            throw std::runtime_error("too many references: " + text);
         pos += length;
     }
 }

@@ -114,10 +114,11 @@ TEST_F(HostGuide, TypingAndMarking)
     Put(job, width, u"Width", 2.5);
     // [guide: typing]
     CFmlaExpression typed(job);
-    typed.InsertString(u"2*(+1", 0);
-    typed.InsertVariable(u"Width", 3, TOK_VARIABLE); // 2*( Width +1
-    const int cursor = typed.FixPos(6, FD_LEFT);     // 3: never inside a reference
+    const bool isTaken = typed.InsertString(u"2*(+1", 0) &&
+                         typed.InsertVariable(u"Width", 3, TOK_VARIABLE); // 2*( Width +1
+    const int cursor = typed.FixPos(6, FD_LEFT); // 3: never inside a reference
     // [end]
+    EXPECT_TRUE(isTaken);
     EXPECT_EQ(typed.GetTextStr().ToUtf8() + typed.GetPtrStr().ToUtf8(), "2*( Width +13,7,0,");
     EXPECT_EQ(cursor, 3);
     EXPECT_EQ(typed.InsertString(u"x", 6), 0);
@@ -126,7 +127,8 @@ TEST_F(HostGuide, TypingAndMarking)
     unsigned int message = MSG_NONE;
     if (!typed.IsValid(message, u"Total", 1)) {
         CString words;
-        words.LoadString(message);
+        if (!words.LoadString(message)) // 10732, 10846 and 10847 have no text
+            words = u"This formula cannot be calculated.";
         shown = words.ToUtf8();                         // Right parenthesis expected.
         shown += std::to_string(typed.GetInvalidPos()); // 11, the place of the 1
     }
@@ -197,8 +199,8 @@ TEST_F(HostGuide, ChoicesOfASet)
     Put(shop, area, u"Area", "7");
     // [guide: operand]
     CalculationOperand operand(shop);
-    operand.LoadEncodedExpression("F(Area)"); // one reference, so no expression
-    const bool done = operand.IsFormula() && operand.Calculate();
+    const bool done = operand.LoadEncodedExpression("F(Area)") && // one reference, so no expression
+                      operand.IsFormula() && operand.Calculate();
     area.SetCalculated(1); // the host says that the value of its formula is current
     const double value = done ? operand.GetValue() : 0.0; // 7
     // [end]
@@ -257,12 +259,13 @@ TEST_F(HostGuide, TableAndPass)
     EXPECT_EQ(postage.Calculate(message, nullptr), 1);
     EXPECT_EQ(postage.GetValue(), 9.0);
     // [guide: pass]
+    const auto calculated = [&] {
+        return postage.Calculate(message, nullptr) ? postage.GetValue() : 0.0;
+    };
     weight.SetValue(30);
-    postage.Calculate(message, nullptr);
-    const double before = postage.GetValue(); // 9: the table answers from its flag
+    const double before = calculated(); // 9: the table answers from its flag
     job.StartNewPass();
-    postage.Calculate(message, nullptr);
-    const double after = postage.GetValue(); // 60
+    const double after = calculated(); // 60
     // [end]
     EXPECT_EQ(before, 9.0);
     EXPECT_EQ(after, 60.0);
@@ -357,12 +360,10 @@ TEST_F(HostGuide, OwnVariable)
     unsigned int message = MSG_NONE;
     // [guide: note]
     CalculationPass pass;
-    shift.Calculate(message, nullptr);
-    const double early = shift.GetValue(); // 0
+    const double early = shift.Calculate(message, nullptr) ? shift.GetValue() : -1.0; // 0
     clock.Tick();
     pass.NoteHostChange();
-    shift.Calculate(message, nullptr);
-    const double late = shift.GetValue(); // 2
+    const double late = shift.Calculate(message, nullptr) ? shift.GetValue() : -1.0; // 2
     // [end]
     EXPECT_EQ(early, 0.0);
     EXPECT_EQ(late, 2.0);
@@ -430,7 +431,8 @@ TEST_F(HostGuide, German)
         // [guide: language]
         static constexpr AfxStringResource kGerman[] = {{6649, u"WENN"}, {6681, u"JA"}};
         AFX_EXTENSION_MODULE record;
-        AfxInitExtensionModule(record, kGerman, std::size(kGerman));
+        if (!AfxInitExtensionModule(record, kGerman, std::size(kGerman)))
+            return; // an id stands there twice
         const CDynLinkLibrary german(record); // in force as long as it lives
         SetLocaleSetting(LOCALE_SDECIMAL, u",");
         SetLocaleSetting(LOCALE_SLIST, u";");

@@ -94,7 +94,7 @@ TEST_F(TreeCalculation, DepthCountsTheConditionsAroundAndIsPutBack)
     EXPECT_EQ(m_Tree.ConditionDepth(), 1);
     CExprTree::EndIfCondition();
     m_Set.AddFormula("f?").m_OnCalculate = [](auto*) { throw std::runtime_error("the host's"); };
-    EXPECT_THROW(m_Tree.Calculate(nullptr), std::runtime_error);
+    EXPECT_THROW(static_cast<void>(m_Tree.Calculate(nullptr)), std::runtime_error);
     EXPECT_EQ(m_Tree.ConditionDepth(), 0);
 }
 

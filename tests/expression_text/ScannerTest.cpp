@@ -158,7 +158,8 @@ TEST(Scanner, NoTableLeadsOutsideTheText)
         EXPECT_EQ(Scan(loaded, TL_LOCAL).find("astray"), std::string::npos);
         for (int index = -1; index <= expression.NumVars(); ++index)
             EXPECT_LE(expression.VarName(index).GetLength(), expression.GetTextStr().GetLength());
-        expression.IsValid();
+        const int isValid = expression.IsValid();
+        EXPECT_EQ(isValid == 0, expression.GetMessageNum() != 0);
         EXPECT_LE(expression.GetInvalidPos(), expression.GetTextStr().GetLength());
         expression.GetEncodedString();
         EXPECT_EQ(expression.GetRTFString("", 14).Right(6).ToUtf8(), " \\par}");

@@ -49,9 +49,8 @@ namespace {
 
 std::string Resource(UINT id)
 {
-    CString text("(none)");
-    text.LoadString(id);
-    return text.ToUtf8();
+    CString text;
+    return text.LoadString(id) ? text.ToUtf8() : "(none)";
 }
 
 std::string TokenName(int code)

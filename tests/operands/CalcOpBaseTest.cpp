@@ -78,7 +78,7 @@ TEST(Operand, CopyHasAnExpressionOfItsOwn)
     Load(operand, "eV(a)+1");
     CalcOpBase copy;
     copy = operand;
-    copy.GetFmlaExprBase().InsertString("2", 0);
+    EXPECT_EQ(copy.GetFmlaExprBase().InsertString("2", 0), 1);
     EXPECT_EQ(operand.GetEncodedString().ToUtf8(), "V(a)+1");
     EXPECT_EQ(copy.GetEncodedString().ToUtf8(), "2V(a)+1");
     // With text and table an expression stays one, also if it is a lone reference.

@@ -23,14 +23,15 @@ struct AFX_EXTENSION_MODULE {
 
 // Fills the record. Answers 0, with the record unchanged, for a missing table or text, or an id
 // that the table holds twice.
-TOVO_API BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& module, const AfxStringResource* strings,
-                                     std::size_t stringCount);
+[[nodiscard]] TOVO_API BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& module,
+                                                   const AfxStringResource* strings,
+                                                   std::size_t stringCount);
 
 // The presence of a module on the chain: from construction to destruction. The module's record
 // must outlive it. The second argument of the constructor has no effect.
 class TOVO_API CDynLinkLibrary {
 public:
-    explicit CDynLinkLibrary(AFX_EXTENSION_MODULE& module, BOOL system = 0);
+    [[nodiscard]] explicit CDynLinkLibrary(AFX_EXTENSION_MODULE& module, BOOL system = 0);
     ~CDynLinkLibrary();
 
     CDynLinkLibrary(const CDynLinkLibrary&) = delete;

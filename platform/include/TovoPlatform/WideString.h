@@ -105,7 +105,7 @@ public:
 
     // The string resource of that id from the newest module on the chain that has it. Answers 0,
     // with this string unchanged, if none has.
-    BOOL LoadString(UINT id);
+    [[nodiscard]] BOOL LoadString(UINT id);
 
     CString& operator+=(const CString& text);
     CString& operator+=(WCHAR character);
