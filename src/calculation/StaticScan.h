@@ -21,7 +21,7 @@ public:
     StaticScan& operator=(const StaticScan&) = delete;
 
     // Whether the scan has gone as deep as the stack may carry it.
-    bool IsTooDeep() const { return m_Depth > kDeepestNesting; }
+    bool IsTooDeep() const { return m_Depth > kDeepestNesting || StackSpace::IsShort(); }
     // Whether the scan comes to the object for the first time.
     bool Enters(const void* object) { return m_Seen->insert(object).second; }
 

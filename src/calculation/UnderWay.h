@@ -1,13 +1,35 @@
 #ifndef TOVOFORMULA_SRC_UNDERWAY_H
 #define TOVOFORMULA_SRC_UNDERWAY_H
 
+#include <cstdint>
+#include <limits>
+
 #include <TovoPlatform/Collections.h>
 
 namespace tovo::detail {
 
-// As many formulas and tables may refer to one another in a row. Each level takes some of the
-// stack, under sanitizers several times as much; this many fit into 8 MiB even so.
+// As many formulas and tables may refer to one another in a row, where the stack has room for them.
 inline constexpr int kDeepestNesting = 1000;
+
+// Tells when a call must not go deeper, since the stack of its thread is nearly used up. What is
+// left then is enough for one more level, for the report of a failure, and for what a host's object
+// may need that is called there.
+class StackSpace {
+public:
+    static bool IsShort()
+    {
+        const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+        return here < enough && IsShortAt(here);
+    }
+
+private:
+    // Asks for the stack on a thread's first use, and where this may be another stack.
+    static bool IsShortAt(std::uintptr_t here);
+
+    // What lies above leaves enough room on the thread's own stack.
+    static inline constinit thread_local std::uintptr_t enough =
+        std::numeric_limits<std::uintptr_t>::max();
+};
 
 // Marks an object as being validated or calculated, from construction to destruction, in a count
 // that the object keeps. Who finds it marked already has come back to it through what it refers to.
@@ -30,9 +52,9 @@ public:
     // Whether this is the only mark on the object.
     bool IsFirst() const { return m_Marks == 1; }
     // Whether too many objects are marked on this thread for another to be gone into.
-    bool IsTooDeep() const { return depth > kDeepestNesting; }
+    bool IsTooDeep() const { return depth > kDeepestNesting || StackSpace::IsShort(); }
     // Whether one more would be too many.
-    static bool IsDeepest() { return depth >= kDeepestNesting; }
+    static bool IsDeepest() { return depth >= kDeepestNesting || StackSpace::IsShort(); }
 
 private:
     static inline constinit thread_local int depth = 0;
