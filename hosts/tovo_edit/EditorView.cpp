@@ -1,7 +1,7 @@
 #include "EditorView.h"
 
 #include <algorithm>
-#include <system_error>
+#include <stdexcept>
 
 #include "Dialogs.h"
 #include "FunctionList.h"
@@ -96,7 +96,7 @@ void EditorView::Save()
     try {
         m_Document.Save();
         m_Notice = u"Saved " + CString(m_Document.Path().c_str());
-    } catch (const std::system_error& fault) {
+    } catch (const std::runtime_error& fault) {
         m_Notice = u"Not saved: " + CString(fault.what());
         m_IsRefusal = true;
     }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <system_error>
+#include <stdexcept>
 
 #include "EditorView.h"
 #include "Glyphs.h"
@@ -124,7 +124,7 @@ bool FormulaListView::Save()
         m_Document.Save();
         Tell(u"Saved " + CString(m_Document.Path().c_str()), false);
         return true;
-    } catch (const std::system_error& fault) {
+    } catch (const std::runtime_error& fault) {
         Tell(u"Not saved: " + CString(fault.what()), true);
         return false;
     }

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include <TovoJob/ReplaceFile.h>
+
 #include "JsonFile.h"
 #include "JsonPatch.h"
-#include "ReplaceFile.h"
 
 namespace {
 
@@ -169,7 +170,7 @@ bool JobDocument::Redo()
 
 void JobDocument::Save()
 {
-    ReplaceFile(m_Path, m_Bytes);
+    tovo::ReplaceFile(m_Path, m_Bytes).Value();
     m_SavedBytes = m_Bytes;
 }
 

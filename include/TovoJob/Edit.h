@@ -20,6 +20,7 @@ namespace tovo {
 // An object of the three kinds that a job owns.
 using AnyObject = std::variant<Variable, Formula, Table>;
 
+// Its kind and name.
 TOVO_API ObjectName NameOf(const AnyObject& object);
 
 // Puts in a new object, in front of the one that is at the position now, or last of its kind.

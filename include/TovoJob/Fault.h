@@ -19,6 +19,7 @@ enum JobMessageId : unsigned int {
     MSG_JOB_TOO_MANY_STEPS = 20004,
     MSG_JOB_RING = 20005,
     MSG_JOB_LINKED_FAILED = 20006, // a linked object failed without saying why
+    MSG_JOB_EMPTY_CELL = 20007,    // a lookup in a table has ended at a cell that is empty
 };
 
 // A place in an object: a stretch of a formula's text, or a part of a table.

@@ -25,8 +25,9 @@ struct IVarObj;
 namespace tovo {
 
 namespace job {
+struct Access;
 struct Inside;
-}
+} // namespace job
 
 // A whole job: named variables, formulas and tables, and the three job values.
 //
@@ -118,6 +119,8 @@ public:
     std::optional<Failure> FailureOf(const ObjectName& object) const;
 
 private:
+    friend struct job::Access;
+
     std::unique_ptr<job::Inside> m_Inside;
 };
 

@@ -29,19 +29,23 @@ struct ObjectName {
     friend auto operator<=>(const ObjectName&, const ObjectName&) = default;
 };
 
+// The three that a job owns, by name.
 inline ObjectName VariableNamed(std::string name)
 {
     return {Kind::Variable, std::move(name)};
 }
+// As VariableNamed.
 inline ObjectName FormulaNamed(std::string name)
 {
     return {Kind::Formula, std::move(name)};
 }
+// As VariableNamed.
 inline ObjectName TableNamed(std::string name)
 {
     return {Kind::Table, std::move(name)};
 }
 
+// Whether the name stands for a yes/no value.
 TOVO_API bool IsYesNoName(std::string_view name);
 
 // "variable", "formula", "table" or "job value".

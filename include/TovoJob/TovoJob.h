@@ -6,10 +6,12 @@
 #include <TovoJob/Edit.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/Job.h>
+#include <TovoJob/JobFile.h>
 #include <TovoJob/ObjectList.h>
 #include <TovoJob/ObjectName.h>
 #include <TovoJob/Objects.h>
 #include <TovoJob/Options.h>
+#include <TovoJob/ReplaceFile.h>
 #include <TovoJob/Report.h>
 #include <TovoJob/Result.h>
 #include <TovoJob/Span.h>

@@ -134,7 +134,7 @@ void Calculation::Put(NodeId id, const Shared<Formula>& record)
 void Calculation::Put(NodeId id, const Shared<Table>& record)
 {
     Node& node = m_Nodes[id];
-    auto made = std::make_unique<EngineTable>(m_Set, *record);
+    auto made = std::make_unique<EngineTable>(m_Set, record);
     node.steps = record->cells.size() * (record->cells.empty() ? 0 : record->cells[0].size());
     m_Set.AddFormulaTable(made.get());
     node.object = std::move(made);
@@ -166,7 +166,7 @@ void Calculation::TakeOut(NodeId id)
         m_Set.RemoveFormula(name);
         break;
     case Kind::Table:
-        m_Set.RemoveTable(name);
+        m_Set.RemoveFormulaTable(name);
         break;
     case Kind::JobValue:
         break;

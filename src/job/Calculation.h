@@ -105,7 +105,7 @@ private:
     NodeId RootOf(NodeId id) const;
 
     JobOptions m_Options;
-    EngineSet m_Set;
+    CalcSetImpl m_Set;
     Network m_Network;
     std::vector<Node> m_Nodes; // by NodeId
     std::vector<NodeId> m_Dirty;

@@ -171,6 +171,10 @@ Fault Calculation::FaultOfEngine(NodeId id, unsigned int message)
             fault.chain.push_back(tracker.GetStr(index).ToUtf8());
     }
     fault.place.part = PartOfMessage(message);
+    if (message == MSG_JOB_EMPTY_CELL) {
+        const EngineTable& table = *std::get<std::unique_ptr<EngineTable>>(m_Nodes[id].object);
+        fault.place.part = TablePart{TablePart::What::Cell, table.Row(), table.Column()}.Words();
+    }
     const auto* const formula = std::get_if<std::unique_ptr<EngineFormula>>(&m_Nodes[id].object);
     if (formula && !std::get<Shared<Formula>>(m_Nodes[id].record)->linked) {
         const CFmlaExpression& expression = (*formula)->GetExpression();

@@ -1,10 +1,10 @@
 #include "Differences.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <tuple>
 
+#include "NumberText.h"
 #include "TableParts.h"
 
 namespace tovo::job {
@@ -15,12 +15,6 @@ struct Field {
     std::string part;
     std::string text;
 };
-
-std::string NumberText(double value)
-{
-    char digits[32];
-    return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
-}
 
 std::string ElementText(const Element& element)
 {

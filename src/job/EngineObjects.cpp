@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <system_error>
+#include <utility>
 
 #include <TovoJob/Fault.h>
 
@@ -74,7 +75,7 @@ Evaluation CalculateLinked(Linked& linked)
 
 } // namespace
 
-EngineFormula::EngineFormula(EngineSet& set, const Formula& formula)
+EngineFormula::EngineFormula(CalcSetImpl& set, const Formula& formula)
     : InItsTurn(&set), m_Linked(formula.linked)
 {
     CString name = Wide(formula.name);
@@ -102,21 +103,21 @@ unsigned int EngineFormula::CheckAlone()
     return message;
 }
 
-EngineTable::EngineTable(EngineSet& set, const Table& table)
-    : InItsTurn(&set, RowsOf(table), ColumnsOf(table)), m_Linked(table.linked)
+EngineTable::EngineTable(CalcSetImpl& set, std::shared_ptr<const Table> table)
+    : InItsTurn(&set, RowsOf(*table), ColumnsOf(*table)), m_Record(std::move(table))
 {
-    CString name = Wide(table.name);
+    CString name = Wide(m_Record->name);
     SetName(name);
-    if (m_Linked)
+    if (m_Record->linked)
         return;
-    GetRowSelector().init(CombinedString(table.rowSelector));
-    GetColumnSelector().init(CombinedString(table.columnSelector));
+    GetRowSelector().init(CombinedString(m_Record->rowSelector));
+    GetColumnSelector().init(CombinedString(m_Record->columnSelector));
     for (int column = 0; column < GetColumnCount(); ++column)
-        SetColumnLimit(column, LimitAt(table.columnLimits, column));
+        SetColumnLimit(column, LimitAt(m_Record->columnLimits, column));
     for (int row = 0; row < GetRowCount(); ++row) {
-        SetRowLimit(row, LimitAt(table.rowLimits, row));
+        SetRowLimit(row, LimitAt(m_Record->rowLimits, row));
         int column = 0;
-        for (const Element& cell : table.cells[static_cast<std::size_t>(row)])
+        for (const Element& cell : m_Record->cells[static_cast<std::size_t>(row)])
             // From here on the table owns the cell.
             SetCell(row, column++,
                     std::make_unique<CFormtblElem>(CombinedString(cell), set).release());
@@ -125,19 +126,22 @@ EngineTable::EngineTable(EngineSet& set, const Table& table)
 
 Evaluation EngineTable::Evaluate()
 {
-    if (m_Linked)
-        return CalculateLinked(*m_Linked);
+    if (m_Record->linked)
+        return CalculateLinked(*m_Record->linked);
     const Turn turn(*this);
     // The table would answer from its value, or from its verdict, as long as a flag is set.
     SetCalculated(0);
     unsigned int message = 0;
     const int isDone = IsValid(message, 1) && Calculate(message, nullptr);
+    // The engine takes an empty cell for 0.
+    if (isDone && std::holds_alternative<std::monostate>(m_Record->cells[Row()][Column()]))
+        return {false, 0.0, MSG_JOB_EMPTY_CELL};
     return Told(*this, isDone, message);
 }
 
 unsigned int EngineTable::CheckAlone()
 {
-    if (m_Linked)
+    if (m_Record->linked)
         return 0;
     const Turn turn(*this);
     SetValidated(0);
@@ -147,7 +151,7 @@ unsigned int EngineTable::CheckAlone()
     return message;
 }
 
-std::unique_ptr<VariableImpl> MakeEngineVariable(EngineSet& set, const Variable& variable)
+std::unique_ptr<VariableImpl> MakeEngineVariable(CalcSetImpl& set, const Variable& variable)
 {
     auto made = std::make_unique<VariableImpl>(&set);
     CString name = Wide(variable.name);

@@ -14,18 +14,6 @@
 
 namespace tovo::job {
 
-// The engine's set, from which objects can be taken out again.
-class EngineSet : public CalcSetImpl {
-public:
-    EngineSet() { UseStockLookup(); }
-    EngineSet(const EngineSet&) = delete;
-    EngineSet& operator=(const EngineSet&) = delete;
-
-    void RemoveVariable(const CString& name) { m_Variables->RemoveKey(name); }
-    void RemoveFormula(const CString& name) { m_Formulas->RemoveKey(name); }
-    void RemoveTable(const CString& name) { m_FormulaTables->RemoveKey(name); }
-};
-
 // What one evaluation came to.
 struct Evaluation {
     bool isDone = false;
@@ -74,7 +62,7 @@ private:
 
 class EngineFormula : public InItsTurn<FormulaImpl> {
 public:
-    EngineFormula(EngineSet& set, const Formula& formula);
+    EngineFormula(CalcSetImpl& set, const Formula& formula);
 
     // Requires: everything that the text refers to is there and has a value.
     Evaluation Evaluate();
@@ -87,16 +75,20 @@ private:
 
 class EngineTable : public InItsTurn<FormulaTableImpl> {
 public:
-    EngineTable(EngineSet& set, const Table& table);
+    EngineTable(CalcSetImpl& set, std::shared_ptr<const Table> table);
 
+    // As that of a formula. A lookup that ends at an empty cell fails.
     Evaluation Evaluate();
     unsigned int CheckAlone();
+    // The cell that the last evaluation has reached, both from 0.
+    std::size_t Row() const { return static_cast<std::size_t>(GetRowIndex()); }
+    std::size_t Column() const { return static_cast<std::size_t>(GetColIndex()); }
 
 private:
-    IFormulaTableObj* m_Linked;
+    std::shared_ptr<const Table> m_Record;
 };
 
-std::unique_ptr<VariableImpl> MakeEngineVariable(EngineSet& set, const Variable& variable);
+std::unique_ptr<VariableImpl> MakeEngineVariable(CalcSetImpl& set, const Variable& variable);
 
 } // namespace tovo::job
 

@@ -27,6 +27,7 @@ constexpr struct {
     {MSG_JOB_TOO_MANY_STEPS, "The calculation takes more steps than the limit of this job."},
     {MSG_JOB_RING, "The value depends on itself."},
     {MSG_JOB_LINKED_FAILED, "The object of the host cannot be calculated."},
+    {MSG_JOB_EMPTY_CELL, "The cell of the table is empty."},
 };
 
 // A host that has put the table there already, perhaps below a translation, keeps its order.

@@ -60,6 +60,13 @@ Result<void> CheckShape(const Table& table)
 Result<void> CheckElements(const Table& table)
 {
     Result<void> result;
+    const auto isMissing = [](const Element& selector) {
+        return std::holds_alternative<std::monostate>(selector);
+    };
+    if (isMissing(table.rowSelector))
+        return BadTable(table, "the row selector is missing");
+    if (HasColumns(table) && isMissing(table.columnSelector))
+        return BadTable(table, "the column selector is missing");
     ForEachElement(table, [&](const TablePart& part, const Element& element) {
         const auto* const number = std::get_if<double>(&element);
         const auto* const object = std::get_if<ObjectName>(&element);

@@ -373,7 +373,7 @@ TEST_F(TovoEdit, FailedSaveLeavesTheOldFileAlone)
     const rlimit tooSmall = {20, limit.rlim_max};
     const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &tooSmall);
-    EXPECT_THROW(document.Save(), std::system_error);
+    EXPECT_THROW(document.Save(), std::runtime_error);
     setrlimit(RLIMIT_FSIZE, &limit);
     std::signal(SIGXFSZ, oldHandler);
 
@@ -382,7 +382,7 @@ TEST_F(TovoEdit, FailedSaveLeavesTheOldFileAlone)
     const uid_t self = geteuid();
     fs::permissions(m_Folder, fs::perms(0555));
     EXPECT_EQ(seteuid(self == 0 ? kNobody : self), 0);
-    EXPECT_THROW(document.Save(), std::system_error);
+    EXPECT_THROW(document.Save(), std::runtime_error);
     EXPECT_EQ(seteuid(self), 0);
     fs::permissions(m_Folder, fs::perms(0755));
 

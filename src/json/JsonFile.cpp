@@ -8,8 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include <fmt/format.h>
-
 namespace {
 
 using Json = nlohmann::json;
@@ -39,7 +37,7 @@ std::string LineAndColumn(std::string_view text, std::size_t offset)
     const auto column =
         std::count_if(before.begin() + static_cast<std::ptrdiff_t>(lineStart), before.end(),
                       [](char byte) { return (byte & 0xC0) != 0x80; });
-    return fmt::format("{}:{}", line, column + 1);
+    return std::to_string(line) + ":" + std::to_string(column + 1);
 }
 
 // The parser's own words, without the class of the exception and the place, which is told better.
@@ -123,8 +121,8 @@ private:
         std::string pointer;
         for (std::size_t level = 0; level < m_Open.size(); ++level) {
             const Json& open = *m_Open[level];
-            pointer +=
-                open.is_array() ? fmt::format("/{}", open.size() - 1) : PointerStep(m_Keys[level]);
+            pointer += open.is_array() ? "/" + std::to_string(open.size() - 1)
+                                       : PointerStep(m_Keys[level]);
         }
         return pointer;
     }
@@ -169,7 +167,7 @@ JsonPlace::JsonPlace(const JsonPlace& parent, const std::string& step, const nlo
     : m_File(parent.m_File), m_Value(&value), m_Pointer(parent.m_Pointer + step)
 {}
 
-void JsonPlace::ExpectKeys(std::initializer_list<std::string_view> keys) const
+void JsonPlace::ExpectKeys(std::span<const std::string_view> keys) const
 {
     for (const auto& [key, value] : Object()) {
         if (std::find(keys.begin(), keys.end(), key) == keys.end())
@@ -203,7 +201,7 @@ std::size_t JsonPlace::Size() const
 
 JsonPlace JsonPlace::Element(std::size_t index) const
 {
-    return JsonPlace(*this, fmt::format("/{}", index), (*m_Value)[index]);
+    return JsonPlace(*this, "/" + std::to_string(index), (*m_Value)[index]);
 }
 
 const nlohmann::json::object_t& JsonPlace::Object() const

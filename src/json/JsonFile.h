@@ -1,9 +1,10 @@
-#ifndef TOVO_JOB_JSONFILE_H
-#define TOVO_JOB_JSONFILE_H
+#ifndef TOVO_JSON_JSONFILE_H
+#define TOVO_JSON_JSONFILE_H
 
 #include <cstddef>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -38,7 +39,11 @@ public:
     {}
 
     // An object with no other keys than these: a key that is misspelt must not be passed over.
-    void ExpectKeys(std::initializer_list<std::string_view> keys) const;
+    void ExpectKeys(std::span<const std::string_view> keys) const;
+    void ExpectKeys(std::initializer_list<std::string_view> keys) const
+    {
+        ExpectKeys(std::span(keys.begin(), keys.size()));
+    }
     JsonPlace Member(const std::string& key) const;
     std::optional<JsonPlace> FindMember(const std::string& key) const;
 
@@ -46,6 +51,9 @@ public:
     std::size_t Size() const;
     JsonPlace Element(std::size_t index) const;
 
+    bool IsNull() const { return m_Value->is_null(); }
+    bool IsNumber() const { return m_Value->is_number(); }
+    bool IsYesNo() const { return m_Value->is_boolean(); }
     const nlohmann::json::object_t& Object() const;
     double Number() const;
     bool YesNo() const;
