@@ -46,7 +46,7 @@ namespace tovo::detail {
 bool BoundWork::RunAlone(CFmlaExpression& expression, const CString& name)
 {
     ExpressionState* const state = expression.m_State.get();
-    if (!Pass::IsAtRest() || !state || !state->mayRunAgain || state->checkedName != name ||
+    if (!state || !state->mayRunAgain || state->checkedName != name ||
         !CFmlaExpression::m_NestedFmlaNames.IsEmpty())
         return false;
     Program& program = *state->program;

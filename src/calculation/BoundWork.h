@@ -23,7 +23,7 @@ public:
     BoundWork(CFmlaExpression& expression, const CString& formulaName);
 
     // Calculates the formula whose expression it is, if that needs no pass. False, with nothing
-    // done that shows, if it does.
+    // done that shows, if it does. Requires: a pass at rest.
     static bool RunAlone(CFmlaExpression& expression, const CString& name);
 
     // These are CFmlaExpression::IsValid, LoadExpressionTree and Calculate within a pass.

@@ -37,7 +37,7 @@ FormulaImpl::~FormulaImpl() = default;
 
 int FormulaImpl::Calculate(unsigned int& message, CScannedVariables* list)
 {
-    if (!list && BoundWork::RunAlone(m_Expression, m_Name))
+    if (!list && Pass::IsAtRest() && BoundWork::RunAlone(m_Expression, m_Name))
         return 1;
     const Pass pass;
     return BoundWork(m_Expression, m_Name).CheckAndCalculate(message, m_Name, list);

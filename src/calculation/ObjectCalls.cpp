@@ -92,7 +92,7 @@ ExpressionState* StateOf(IFormulaObj& formula, bool& isHost)
 
 void NoteFound(ExpressionState& formula, const CString& name)
 {
-    if (formula.ownNameIn != Pass::Present() && formula.formulaName && *formula.formulaName == name)
+    if (formula.formulaName && *formula.formulaName == name)
         formula.ownNameIn = Pass::Present();
 }
 

@@ -5,16 +5,10 @@
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoPlatform/NumberText.h>
 
-#include "ObjectCalls.h"
-
 namespace tovo::detail {
 
-void ErrorTexts::Give(ICalculationSet& calcSet, RuntimeError error)
+void ErrorTexts::Set(ICalculationSet& calcSet, RuntimeError error)
 {
-    Note(calcSet, error);
-    // Nearly every token clears the text, and nearly always it is clear.
-    if (error == 0 && ObjectCalls::IsStrErrorClear(calcSet))
-        return;
     calcSet.SetStrError(error == 0 ? CString() : tovo::RuntimeErrorText(error));
 }
 
@@ -42,16 +36,14 @@ std::vector<LeftText> ErrorTexts::GivenElsewhere(const ICalculationSet& calcSet,
     return given;
 }
 
-void ErrorTexts::Note(ICalculationSet& calcSet, RuntimeError error)
+// Makes room for what the set is going to be given.
+void ErrorTexts::MoveToOthers(const ICalculationSet& calcSet)
 {
-    if (last.calcSet && last.calcSet != &calcSet) {
-        std::erase_if(Others(), [&](const LeftText& text) {
-            return text.calcSet == &calcSet || text.calcSet == last.calcSet;
-        });
-        Others().push_back(last);
-        hasOthers = true;
-    }
-    last = {&calcSet, error, ++turns};
+    std::erase_if(Others(), [&](const LeftText& text) {
+        return text.calcSet == &calcSet || text.calcSet == last.calcSet;
+    });
+    Others().push_back(last);
+    hasOthers = true;
 }
 
 void ErrorTexts::ForgetOthers()

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-struct ICalculationSet;
+#include "ObjectCalls.h"
 
 namespace tovo::detail {
 
@@ -23,7 +23,13 @@ struct LeftText {
 // own set a text, so with formulas of several sets there are several. Kept for each thread.
 class ErrorTexts {
 public:
-    static void Give(ICalculationSet& calcSet, RuntimeError error);
+    static void Give(ICalculationSet& calcSet, RuntimeError error)
+    {
+        Note(calcSet, error);
+        // Nearly every token clears the text, and nearly always it is clear.
+        if (error != 0 || !ObjectCalls::IsStrErrorClear(calcSet))
+            Set(calcSet, error);
+    }
     // What the set was given last in this pass, 0 for none.
     static RuntimeError LastOf(const ICalculationSet& calcSet);
     // What other sets than this one were given since the turn, in that order.
@@ -47,7 +53,14 @@ public:
     }
 
 private:
-    static void Note(ICalculationSet& calcSet, RuntimeError error);
+    static void Set(ICalculationSet& calcSet, RuntimeError error);
+    static void Note(ICalculationSet& calcSet, RuntimeError error)
+    {
+        if (last.calcSet && last.calcSet != &calcSet)
+            MoveToOthers(calcSet);
+        last = {&calcSet, error, ++turns};
+    }
+    static void MoveToOthers(const ICalculationSet& calcSet);
     static void ForgetOthers();
     static std::vector<LeftText>& Others();
 

@@ -309,7 +309,7 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
             return false;
         // It has not run, and may succeed by way of its own operations.
     }
-    if (binding.state)
+    if (binding.state && binding.state->ownNameIn != Pass::Present())
         ObjectCalls::NoteFound(*binding.state, binding.name);
     return CallObject(state, *binding.formula, purpose, list, value);
 }
