@@ -12,8 +12,8 @@ public:
     ~CExpressionNames() override;
 
     // Loads all names from the string resources and the user's separators from the locale settings,
-    // in place of those that are there. A name without a resource, or with an empty one, is the
-    // English one.
+    // as they are on this thread, in place of those that are there. A name without a resource, or
+    // with an empty one, is the English one.
     void Init();
 };
 

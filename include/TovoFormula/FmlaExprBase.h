@@ -34,6 +34,7 @@ class Spelling;
 class TokenScanner;
 struct Reference;
 struct Renaming;
+struct TextExchange;
 struct Translation;
 } // namespace tovo::detail
 
@@ -241,6 +242,7 @@ protected:
 
 private:
     friend class tovo::detail::BoundWork;
+    friend struct tovo::detail::TextExchange;
 
     void NoteTouched()
     {

@@ -69,15 +69,16 @@ private:
     const tovo::ThreadTexts* m_FoundTexts;
 };
 
-// Converts the texts of all formulas in the set from the language in force on this thread. To the
-// one given, or to that which is in force after the change, for a host that changes settings of
-// the process there. Without it, a text would count as one in the new language: the ROUND(1.5,0)
+// Converts the texts of all formulas in the set from the language in force on this thread to the
+// one given. Without it, a text would count as one in the new language: the ROUND(1.5,0)
 // of one that takes a comma for the decimal separator is ROUND(1.5.0) in English.
 //
 // Elements of tables need no conversion. Expressions that are not in the set, operands among them,
 // go through their encoded string in the same way. A text with a fault in a number is converted up
-// to that number. If memory runs out, or the change throws, all texts are as they were.
+// to that number. If memory runs out, all texts are as they were.
 TOVO_API void ConvertExpressions(CalcSetImpl& set, const FormulaLanguage& to);
+// The same to the language that is in force after the change, for a host that changes that of the
+// process there. If the change throws, all texts are as they were.
 TOVO_API void ConvertExpressions(CalcSetImpl& set, const std::function<void()>& change);
 
 #endif

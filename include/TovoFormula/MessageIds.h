@@ -38,7 +38,7 @@ enum MESSAGE_ID : unsigned int {
     MSG_UNEXPECTED_OPERATOR = 6628,
     MSG_UNEXPECTED_RPAREN = 6629,
     MSG_UNRECOGNIZED_ELEMENT = 6630,
-    // 6631 to 6681 are the token names.
+    // 6631 to 6681 are the token names: TokenNameIds.h.
     MSG_INVALID_ELEMENT = 6682,
 
     // Outside the string table: a host words these itself.

@@ -17,11 +17,13 @@
 #include <TovoFormula/FormtblElem.h>
 #include <TovoFormula/FormulaImpl.h>
 #include <TovoFormula/FormulaTableImpl.h>
+#include <TovoFormula/LanguageScope.h>
 #include <TovoFormula/MessageIds.h>
 #include <TovoFormula/Module.h>
 #include <TovoFormula/RtfDocument.h>
 #include <TovoFormula/ScannedVariables.h>
 #include <TovoFormula/TokenCodes.h>
+#include <TovoFormula/TokenNameIds.h>
 #include <TovoFormula/Tree.h>
 #include <TovoFormula/VariableImpl.h>
 #include <TovoPlatform/LocaleSettings.h>

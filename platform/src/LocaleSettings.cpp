@@ -4,6 +4,8 @@
 #include <mutex>
 #include <utility>
 
+#include <TovoPlatform/ThreadTexts.h>
+
 namespace {
 
 struct Settings {
@@ -24,6 +26,9 @@ Settings& TheSettings()
 // The copy is taken under the lock; it shares the characters and costs little.
 CString GetLocaleSetting(int code, CString defaultText)
 {
+    const tovo::ThreadTexts* const own = tovo::ThreadTexts::InForce();
+    if (const CString* const setting = own ? own->FindSetting(code) : nullptr)
+        return *setting;
     Settings& settings = TheSettings();
     const std::lock_guard lock(settings.mutex);
     const auto found = settings.texts.find(code);

@@ -5,7 +5,8 @@
 
 namespace tovo {
 
-// The text of that id from the newest module on the chain that has it; null if none has. The text
+// The text of that id: the thread's own, else from the newest module on the chain that has it; null
+// if none has. The text
 // stays good when its module leaves the chain.
 const WCHAR* FindStringResource(UINT id);
 

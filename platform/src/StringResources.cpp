@@ -5,16 +5,14 @@
 #include <utility>
 #include <vector>
 
+#include <TovoPlatform/ThreadTexts.h>
+
 #include "ModuleChain.h"
+#include "SortedStrings.h"
 
 namespace {
 
 using Table = std::vector<AfxStringResource>;
-
-bool HasLowerId(const AfxStringResource& a, const AfxStringResource& b)
-{
-    return a.id < b.id;
-}
 
 bool HasSameId(const AfxStringResource& a, const AfxStringResource& b)
 {
@@ -26,14 +24,9 @@ bool HasNoText(const AfxStringResource& string)
     return !string.text;
 }
 
-// Hosts may list their strings in any order; a lookup wants them by id.
 Table SortedTable(const AfxStringResource* strings, std::size_t count)
 {
-    if (!strings)
-        return {};
-    Table table(strings, strings + count);
-    std::stable_sort(table.begin(), table.end(), HasLowerId);
-    return table;
+    return strings ? tovo::SortedById({strings, count}) : Table();
 }
 
 // A module's place on the chain, with a table of its own, so that what a host later does to the
@@ -41,14 +34,6 @@ Table SortedTable(const AfxStringResource* strings, std::size_t count)
 struct Link {
     const CDynLinkLibrary* owner;
     Table table;
-
-    // A text missing from a record that a host filled by hand counts as no entry.
-    const WCHAR* Find(UINT id) const
-    {
-        const AfxStringResource wanted{id, nullptr};
-        const auto found = std::lower_bound(table.begin(), table.end(), wanted, HasLowerId);
-        return found != table.end() && found->id == id ? found->text : nullptr;
-    }
 };
 
 struct Chain {
@@ -100,10 +85,13 @@ CDynLinkLibrary::~CDynLinkLibrary()
 
 const WCHAR* tovo::FindStringResource(UINT id)
 {
+    const ThreadTexts* const own = ThreadTexts::InForce();
+    if (const WCHAR* const text = own ? own->FindString(id) : nullptr)
+        return text;
     Chain& chain = TheChain();
     const std::lock_guard lock(chain.mutex);
     for (auto link = chain.links.rbegin(); link != chain.links.rend(); ++link) {
-        if (const WCHAR* const text = link->Find(id))
+        if (const WCHAR* const text = FindById(link->table, id))
             return text;
     }
     return nullptr;

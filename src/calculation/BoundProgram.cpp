@@ -4,9 +4,9 @@
 
 #include <TovoFormula/CalculationInterfaces.h>
 
-#include "../expression_core/LocalNumbers.h"
 #include "../expression_core/Names.h"
 #include "../expression_core/ProgramBuilder.h"
+#include "../expression_core/UserLanguage.h"
 #include "../expression_text/TokenScanner.h"
 #include "BoundGuards.h"
 #include "Namesakes.h"
@@ -50,7 +50,7 @@ bool BoundWork::RunAlone(CFmlaExpression& expression, const CString& name)
         !CFmlaExpression::m_NestedFmlaNames.IsEmpty())
         return false;
     Program& program = *state->program;
-    if (&program.Names() != namesInForce || !program.CallsNothing() ||
+    if (&program.Names() != NamesInForce() || !program.CallsNothing() ||
         !program.Run(*state, Program::Purpose::Check, nullptr))
         return false;
     state->leftText = program.LeftText();
@@ -68,7 +68,7 @@ bool BoundWork::RunAgain(ExpressionState& state, const CString& name)
         return false;
     const Program& program = *state.program;
     const CStringList& names = CFmlaExpression::m_NestedFmlaNames;
-    if (&program.Names() != namesInForce || UnderWay::IsDeepest() || Rerun::IsNamed(name) ||
+    if (&program.Names() != NamesInForce() || UnderWay::IsDeepest() || Rerun::IsNamed(name) ||
         (!names.IsEmpty() && names.Find(name)))
         return false;
     const Start start;
@@ -151,7 +151,7 @@ bool BoundWork::HasProgramFor(const CString& name)
 {
     ExpressionState& state = State();
     const bool isCurrent = state.program && state.textOfProgram == m_Expression.m_TextVersion &&
-                           &state.program->Names() == namesInForce;
+                           &state.program->Names() == NamesInForce();
     if (!isCurrent) {
         if (!Pass::IsRemembering() || state.textWithoutProgram == m_Expression.m_TextVersion ||
             !MayUsePrograms())

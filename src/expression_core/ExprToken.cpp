@@ -4,9 +4,9 @@
 #include <TovoPlatform/NumberText.h>
 
 #include "BlockCache.h"
-#include "LocalNumbers.h"
 #include "Names.h"
 #include "TokenCatalogue.h"
+#include "UserLanguage.h"
 
 using tovo::detail::CatalogueOf;
 using tovo::detail::CatalogueRow;

@@ -5,9 +5,9 @@
 
 #include <TovoPlatform/NumberText.h>
 
-#include "LocalNumbers.h"
 #include "Names.h"
 #include "TokenCatalogue.h"
+#include "UserLanguage.h"
 
 namespace tovo::detail {
 namespace {

@@ -2,9 +2,10 @@
 
 #include <TovoFormula/TokenCodes.h>
 #include <TovoPlatform/LocaleSettings.h>
+#include <TovoPlatform/ThreadTexts.h>
 
-#include "../expression_core/LocalNumbers.h"
 #include "../expression_core/TokenCatalogue.h"
+#include "../expression_core/UserLanguage.h"
 
 using tovo::detail::CatalogueOf;
 using tovo::detail::kNoName;
@@ -48,5 +49,6 @@ void CExpressionNames::Init()
         SetAtGrow(code, LoadName(code));
     SetAt(TOK_NUMBER, WithUsersDecimalSeparator(GetAt(TOK_NUMBER)));
     SetAt(TOK_COMMA, UsersListSeparator(GetAt(TOK_COMMA)));
-    tovo::detail::SetLocalDecimalSeparator(GetAt(TOK_NUMBER)[0]);
+    if (!tovo::ThreadTexts::InForce())
+        tovo::detail::SetProcessDecimalSeparator(GetAt(TOK_NUMBER)[0]);
 }

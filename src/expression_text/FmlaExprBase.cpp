@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "../expression_core/Names.h"
 #include "../expression_core/Pass.h"
 #include "ReferenceTable.h"
+#include "TextExchange.h"
 
 using namespace tovo::detail;
 
@@ -154,6 +156,16 @@ void CFmlaExprBase::NoteTextChange()
     ++m_TextVersion;
     m_PassedVars = 0;
     m_PassedAt = 0;
+}
+
+void TextExchange::Swap(CFmlaExprBase& a, CFmlaExprBase& b) noexcept
+{
+    std::swap(a.m_ExprText, b.m_ExprText);
+    std::swap(a.m_VarPtrs, b.m_VarPtrs);
+    for (CFmlaExprBase* const each : {&a, &b}) {
+        each->NoteTextChange();
+        each->m_InvalidPos = -1;
+    }
 }
 
 void CFmlaExprBase::SetText(const CString& text, const CWordArray& references)

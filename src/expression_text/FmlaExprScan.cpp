@@ -3,8 +3,10 @@
 #include <atomic>
 #include <mutex>
 
-#include "../expression_core/LocalNumbers.h"
+#include <TovoPlatform/ThreadTexts.h>
+
 #include "../expression_core/Pass.h"
+#include "../expression_core/UserLanguage.h"
 #include "TokenScanner.h"
 
 using namespace tovo::detail;
@@ -15,7 +17,6 @@ int CFmlaExprBase::m_ExpressionNamesInitialized = 0;
 namespace {
 
 std::mutex namesMutex;
-std::shared_ptr<const CExpressionNames> presentNames;
 
 // Every expression asks on its construction, so asking takes no lock.
 std::atomic_ref<int> IsLoaded(int& flag)
@@ -44,21 +45,17 @@ void CFmlaExprBase::ReInitExprNames()
     IsLoaded(m_ExpressionNamesInitialized).store(1, std::memory_order_release);
 }
 
+// Those of the process, also where the thread has a language of its own.
 void CFmlaExprBase::LoadNames()
 {
+    const tovo::ThreadTextsInForce none(nullptr);
     m_ExprNames.Init();
-    presentNames = std::make_shared<const CExpressionNames>(m_ExprNames);
-    namesInForce = presentNames.get();
-    areNamesEnglish = true;
-    for (int code = 0; code < kTokenCount; ++code)
-        areNamesEnglish =
-            areNamesEnglish && (CatalogueOf(code).nameId == kNoName ||
-                                m_ExprNames.GetAt(code).View() == CatalogueOf(code).englishName);
+    processLanguage = UserLanguage(std::make_shared<const CExpressionNames>(m_ExprNames));
 }
 
 const std::shared_ptr<const CExpressionNames>& CFmlaExprBase::PresentNames()
 {
-    return presentNames;
+    return languageInForce->names;
 }
 
 int CFmlaExprBase::GetTokenString(int code, CString& text)
@@ -66,7 +63,7 @@ int CFmlaExprBase::GetTokenString(int code, CString& text)
     InitExprNames();
     if (code < 0 || code >= kTokenCount)
         return 0;
-    text = m_ExprNames.GetAt(code);
+    text = SpellingOf(TL_LOCAL).TextOf(code);
     return 1;
 }
 
@@ -127,7 +124,9 @@ void CFmlaExprBase::ReportFault(unsigned int message)
 
 Spelling CFmlaExprBase::SpellingOf(TEXT_LANGUAGE language)
 {
-    return language == TL_LOCAL ? Spelling(m_ExprNames) : Spelling();
+    if (language != TL_LOCAL)
+        return Spelling();
+    return Spelling(HasOwnLanguage() ? *NamesInForce() : m_ExprNames);
 }
 
 int CFmlaExprBase::IsValidFunctionCharacter(WCHAR character) const
@@ -137,9 +136,9 @@ int CFmlaExprBase::IsValidFunctionCharacter(WCHAR character) const
 
 int CFmlaExprBase::IsDelm(WCHAR character) const
 {
-    const CString text(character);
+    const Spelling spelling = SpellingOf(TL_LOCAL);
     for (const int code : {TOK_COMMA, TOK_PLUS, TOK_MINUS, TOK_TIMES, TOK_DIVIDE})
-        if (m_ExprNames.GetAt(code) == text)
+        if (spelling.NameOf(code) == WideView(&character, 1))
             return 1;
     return 0;
 }

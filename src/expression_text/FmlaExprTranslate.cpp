@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "../expression_core/LocalNumbers.h"
 #include "../expression_core/Names.h"
+#include "../expression_core/UserLanguage.h"
 #include "Translation.h"
 
 using namespace tovo::detail;
@@ -86,7 +86,8 @@ Translation CFmlaExprBase::TranslationOf(const CString& text, std::vector<Refere
 // Where the languages agree, only a fault in a number would show.
 bool CFmlaExprBase::IsTranslatedAlready(const std::vector<Reference>& references) const
 {
-    return areNamesEnglish && FitWords(references) && !MayHaveFault(m_ExprText.View());
+    return languageInForce->areNamesEnglish && FitWords(references) &&
+           !MayHaveFault(m_ExprText.View());
 }
 
 // A reference that the table cannot hold is not entered: it becomes literal text, in the form that

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -422,25 +423,33 @@ TEST_F(HostGuide, SetWithStockLookup)
     EXPECT_EQ(calculated(), 15.0);
 }
 
-TEST_F(HostGuide, German)
+TEST_F(HostGuide, LanguageOfTheProcess)
 {
     CalcSetImpl job;
+    FormulaImpl rounded(&job, "Rounded", "ROUND(1.5,0)");
+    job.AddFormula(&rounded);
     CFmlaExpression typed(job);
     std::string shown;
     {
         // [guide: language]
-        static constexpr AfxStringResource kGerman[] = {{6649, u"WENN"}, {6681, u"JA"}};
+        static constexpr AfxStringResource kGerman[] = {{TOKEN_NAME_IF, u"WENN"},
+                                                        {TOKEN_NAME_YES, u"JA"}};
         AFX_EXTENSION_MODULE record;
         if (!AfxInitExtensionModule(record, kGerman, std::size(kGerman)))
             return; // an id stands there twice
-        const CDynLinkLibrary german(record); // in force as long as it lives
-        SetLocaleSetting(LOCALE_SDECIMAL, u",");
-        SetLocaleSetting(LOCALE_SLIST, u";");
-        CFmlaExprBase::ReInitExprNames();
+        std::optional<CDynLinkLibrary> german;
+        ConvertExpressions(job, [&] {
+            german.emplace(record); // in force as long as it lives
+            SetLocaleSetting(LOCALE_SDECIMAL, u",");
+            SetLocaleSetting(LOCALE_SLIST, u";");
+            CFmlaExprBase::ReInitExprNames();
+        }); // ROUND(1.5,0) is now ROUND(1,5;0)
 
         typed.SetFromEncodedString("IF(YES,1.5,2)");
         shown = typed.GetTextStr().ToUtf8(); // WENN(JA;1,5;2)
         // [end]
+        EXPECT_EQ(rounded.GetExpression().GetTextStr(), u"ROUND(1,5;0)");
+        EXPECT_EQ(rounded.IsValid(), 1);
         EXPECT_EQ(typed.IsValid(), 1);
         EXPECT_EQ(typed.GetEncodedString().ToUtf8(), "IF(YES,1.5,2)");
     }
@@ -449,6 +458,48 @@ TEST_F(HostGuide, German)
     CFmlaExprBase::ReInitExprNames();
     EXPECT_EQ(shown, "WENN(JA;1,5;2)");
     EXPECT_EQ(typed.IsValid(), 0) << "a text of another language";
+}
+
+TEST_F(HostGuide, LanguageOfAThread)
+{
+    CalcSetImpl job;
+    FormulaImpl rounded(&job, "Rounded", "ROUND(1.5,0)");
+    job.AddFormula(&rounded);
+    std::string shown;
+    // [guide: scope]
+    static constexpr AfxStringResource kStrings[] = {
+        {TOKEN_NAME_IF, u"WENN"},
+        {MSG_COMMA_OR_RPAREN_EXPECTED, u"Hier fehlt eine Klammer."},
+        {MSG_GENERAL_FAILURE, u"Das ist nicht zu berechnen."}, // has no English text
+    };
+    const FormulaLanguage german(kStrings, u",", u";"); // once, for all threads
+    {
+        const LanguageScope scope(german); // in each request of an author who writes German
+        CFmlaExpression typed(job);
+        typed.SetExpr(u"WENN(1,5>1;2");
+        CString words;
+        if (!typed.IsValid() && words.LoadString(static_cast<UINT>(typed.GetMessageNum())))
+            shown = words.ToUtf8();
+    }
+    ConvertExpressions(job, german); // the job goes to an author who writes German
+    // [end]
+    EXPECT_EQ(shown, "Hier fehlt eine Klammer.");
+    EXPECT_EQ(rounded.GetExpression().GetTextStr(), u"ROUND(1,5;0)");
+}
+
+TEST_F(HostGuide, IdsAreThoseOfTheTable)
+{
+    const std::vector<MarkdownRow> rows =
+        RowsOfTables(ReadDocument("host-guide.md"), {"Id", "Constant", "English"});
+    EXPECT_EQ(rows.size(), 51u);
+    const std::string header = ReadDocument("../include/TovoFormula/TokenNameIds.h");
+    for (const MarkdownRow& row : rows) {
+        CString name;
+        EXPECT_TRUE(name.LoadString(static_cast<UINT>(std::stoi(row.cells[0])))) << row.line;
+        EXPECT_EQ(name, row.cells[2]) << row.line;
+        EXPECT_NE(header.find(row.cells[1] + " = " + row.cells[0] + ","), std::string::npos)
+            << row.line;
+    }
 }
 
 TEST_F(HostGuide, RichText)

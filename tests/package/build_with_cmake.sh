@@ -1,14 +1,16 @@
 #!/bin/sh
-# Builds the example host with what find_package gives, and compares what it prints.
+# Builds the example hosts with what find_package gives, and compares what they print.
 set -eu
 source=$(cd "$(dirname "$0")/../.." && pwd)
-host=$WORK/with_cmake
 
-rm -rf "$host"
-"$CMAKE" -S "$source/examples/embed" -B "$host" -G Ninja -DCMAKE_PREFIX_PATH="$PREFIX" \
-    -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$HOST_FLAGS" >/dev/null
-"$CMAKE" --build "$host"
-"$host/embed" | diff -u "$source/examples/embed/expected.txt" -
+for example in embed german; do
+    host=$WORK/with_cmake/$example
+    rm -rf "$host"
+    "$CMAKE" -S "$source/examples/$example" -B "$host" -G Ninja -DCMAKE_PREFIX_PATH="$PREFIX" \
+        -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$HOST_FLAGS" >/dev/null
+    "$CMAKE" --build "$host"
+    "$host/$example" | diff -u "$source/examples/$example/expected.txt" -
+done
 
 # Other minor versions of 0 promise nothing to a host that was written for this one.
 cat >"$host/refuse.cmake" <<'END'

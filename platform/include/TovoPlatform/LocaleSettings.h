@@ -9,7 +9,8 @@
 inline constexpr int LOCALE_SLIST = 12;    // the list separator
 inline constexpr int LOCALE_SDECIMAL = 14; // the decimal separator
 
-// What the host set for the code, else the default text.
+// What this thread has of its own for the code, else what the host set for the process, else the
+// default text.
 TOVO_API CString GetLocaleSetting(int code, CString defaultText);
 // Sets the text of a code for the process; an empty text takes the setting away.
 TOVO_API void SetLocaleSetting(int code, CString text);

@@ -103,8 +103,8 @@ public:
         FormatList(format, {CFormatArgument(arguments)...});
     }
 
-    // The string resource of that id from the newest module on the chain that has it. Answers 0,
-    // with this string unchanged, if none has.
+    // The string resource of that id: this thread's own, else from the newest module on the chain
+    // that has it. Answers 0, with this string unchanged, if none has.
     [[nodiscard]] BOOL LoadString(UINT id);
 
     CString& operator+=(const CString& text);

@@ -1,0 +1,61 @@
+#ifndef TOVOFORMULA_TOKENNAMEIDS_H
+#define TOVOFORMULA_TOKENNAMEIDS_H
+
+// The string resources that name the tokens, by which a host translates the language: a module with
+// texts of these ids, or a FormulaLanguage. Each is named after its TOKEN_CODE. Hosts have them in
+// their tables: never renumber.
+enum TOKEN_NAME_ID : unsigned int {
+    TOKEN_NAME_ABS = 6631,
+    TOKEN_NAME_ACOS = 6632,
+    TOKEN_NAME_AND = 6633,
+    TOKEN_NAME_ASIN = 6634,
+    TOKEN_NAME_ATAN = 6635,
+    TOKEN_NAME_AVG = 6636,
+    TOKEN_NAME_COMMA = 6637, // the list separator
+    TOKEN_NAME_COS = 6638,
+    TOKEN_NAME_COSH = 6639,
+    TOKEN_NAME_DECIMAL_POINT = 6640, // in the table, never read: TOKEN_NAME_NUMBER has it
+    TOKEN_NAME_DIVIDE = 6641,
+    TOKEN_NAME_DURATION = 6642,
+    TOKEN_NAME_EQ = 6643,
+    TOKEN_NAME_EQ_SIGN = 6644,
+    TOKEN_NAME_GE = 6645,
+    TOKEN_NAME_GE_SIGN = 6646,
+    TOKEN_NAME_GT = 6647,
+    TOKEN_NAME_GT_SIGN = 6648,
+    TOKEN_NAME_IF = 6649,
+    TOKEN_NAME_JOBSIZE = 6650,
+    TOKEN_NAME_LE = 6651,
+    TOKEN_NAME_LE_SIGN = 6652,
+    TOKEN_NAME_LPAREN = 6653,
+    TOKEN_NAME_LT = 6654,
+    TOKEN_NAME_LT_SIGN = 6655,
+    TOKEN_NAME_MAX = 6656,
+    TOKEN_NAME_MIN = 6657,
+    TOKEN_NAME_MINUS = 6658,
+    TOKEN_NAME_MOD = 6659,
+    TOKEN_NAME_TIMES = 6660,
+    TOKEN_NAME_NE = 6661,
+    TOKEN_NAME_NE_SIGN = 6662,
+    TOKEN_NAME_NO = 6663,
+    TOKEN_NAME_NOT = 6664,
+    TOKEN_NAME_NUMBER = 6665, // the characters of a number, the decimal separator first
+    TOKEN_NAME_OR = 6666,
+    TOKEN_NAME_PI = 6667,
+    TOKEN_NAME_PLUS = 6668,
+    TOKEN_NAME_POWER = 6669,
+    TOKEN_NAME_QUANTITY = 6670,
+    TOKEN_NAME_ROUND = 6671,
+    TOKEN_NAME_ROUNDTO = 6672,
+    TOKEN_NAME_RPAREN = 6673,
+    TOKEN_NAME_SIN = 6674,
+    TOKEN_NAME_SINH = 6675,
+    TOKEN_NAME_SQRT = 6676,
+    TOKEN_NAME_SUM = 6677,
+    TOKEN_NAME_TAN = 6678,
+    TOKEN_NAME_TANH = 6679,
+    TOKEN_NAME_TRUNC = 6680,
+    TOKEN_NAME_YES = 6681,
+};
+
+#endif
