@@ -3,6 +3,8 @@
 
 // All exported declarations. The interfaces in CalculationInterfaces.h are the place to start.
 
+#include <TovoPlatform/SameBuild.h>
+
 #include <TovoFormula/CalcErrorTracker.h>
 #include <TovoFormula/CalcOpBase.h>
 #include <TovoFormula/CalcSetImpl.h>

@@ -3,6 +3,8 @@
 
 // The plain types of the host framework, and the mark of an exported declaration.
 
+#include <TovoPlatform/SameBuild.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
