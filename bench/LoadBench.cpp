@@ -131,10 +131,7 @@ public:
         if (!m_Expression.IsValid(message, CString(), 1))
             Require(false, "message " + std::to_string(message));
     }
-    double Value()
-    {
-        return m_Expression.Calculate(nullptr) ? m_Expression.GetValue() : 0.0;
-    }
+    double Value() { return m_Expression.Calculate(nullptr) ? m_Expression.GetValue() : 0.0; }
 
 private:
     OurJob m_Job;
