@@ -152,7 +152,7 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
 {
     const Pass pass;
     if (!m_Validated) {
-        IsValid(message, 0);
+        static_cast<void>(IsValid(message, 0));
         if (!m_Validated)
             return 0;
     }
@@ -199,7 +199,7 @@ void FormulaTableImpl::GetVariables(CScannedVariables& list, int all, int clear)
         m_CalcSet->ClearScannedFlags(1);
     if (!all) {
         unsigned int message = MSG_NONE;
-        Calculate(message, &list);
+        static_cast<void>(Calculate(message, &list));
         return;
     }
     StaticScan scan(list);

@@ -145,11 +145,11 @@ CalculationOperand& CalculationOperand::operator=(CalcOpBase& other)
     if (name.IsEmpty())
         return *this;
     if (other.IsVariable())
-        LoadVariable(name);
+        static_cast<void>(LoadVariable(name));
     else if (other.IsFormula())
-        LoadFormula(name);
+        static_cast<void>(LoadFormula(name));
     else if (other.IsFormulaTable())
-        LoadFormulaTable(name);
+        static_cast<void>(LoadFormulaTable(name));
     return *this;
 }
 
