@@ -18,9 +18,32 @@ namespace {
 constexpr int kMostEdits = 60;
 constexpr int kMostWork = 200000; // in characters, over all edits
 
+// Text and table at one moment.
+struct Snapshot {
+    explicit Snapshot(const CFmlaExprBase& expression) : text(expression.GetTextStr())
+    {
+        for (int index = 0; index < expression.NumVars(); ++index)
+            for (const int word :
+                 {expression.VarPos(index), expression.VarLength(index), expression.VarType(index)})
+                words.Add(static_cast<WORD>(word));
+    }
+
+    std::string Shown() const
+    {
+        CFmlaExprBase expression;
+        expression.SetExpr(text, words);
+        return test::Whole(expression);
+    }
+
+    bool operator==(const Snapshot&) const = default;
+
+    CString text;
+    CWordArray words;
+};
+
 class Editor {
 public:
-    explicit Editor(Reader reader) : m_Reader(reader), m_Expression(m_Set)
+    explicit Editor(Reader reader) : m_Reader(reader), m_Expression(m_Set), m_Before(m_Expression)
     {
         SpeakLanguage(m_Reader.Pick(kLanguages));
         m_Expression.SetFromEncodedString(m_Reader.Text());
@@ -35,12 +58,10 @@ public:
         for (int edit = 0; edit < kMostEdits && work < kMostWork && !m_Reader.AtEnd(); ++edit) {
             work += m_Expression.GetTextStr().GetLength();
             m_Expression.SetInvalidPos(kMark);
-            m_Before = test::Whole(m_Expression);
-            m_PointersBefore = m_Expression.GetPtrStr();
+            m_Before = Snapshot(m_Expression);
             Act();
             RequireSoundTable(m_Expression);
-            Require(Written() == Expected(), "text and table as the model has them",
-                    m_Before + '\n' + Written() + '\n' + Expected());
+            RequireAsModel();
         }
     }
 
@@ -52,6 +73,19 @@ private:
         int reference; // -1 for literal text
     };
     using Characters = std::vector<Character>;
+
+    auto Before() const
+    {
+        return [this] { return m_Before.Shown(); };
+    }
+    auto Before(int pos) const
+    {
+        return [this, pos] { return m_Before.Shown() + std::to_string(pos); };
+    }
+    auto BeforeAndNow() const
+    {
+        return [this] { return m_Before.Shown() + '\n' + test::Whole(m_Expression); };
+    }
 
     void Act()
     {
@@ -103,7 +137,7 @@ private:
         const auto limit = static_cast<std::size_t>(m_Expression.GetExprTextLimit());
         bool isReferenceCut = false;
         for (; m_Model.size() > limit; m_Model.pop_back()) {
-            Require(m_Model.back().character == u' ', "only blanks that the limit cuts", m_Before);
+            Require(m_Model.back().character == u' ', "only blanks that the limit cuts", Before());
             isReferenceCut = isReferenceCut || m_Model.back().reference >= 0;
         }
         if (isReferenceCut)
@@ -112,9 +146,9 @@ private:
     // The model has no references that reach behind the text; the fuzzer of reference tables does.
     void TakeBack(const Characters& before)
     {
-        Require(m_Expression.GetTextStr() == TextOf(m_Model), "a text cut to the limit", m_Before);
+        Require(m_Expression.GetTextStr() == TextOf(m_Model), "a text cut to the limit", Before());
         m_Model = before;
-        m_Expression.SetExpr(TextOf(m_Model), m_PointersBefore);
+        m_Expression.SetExpr(TextOf(m_Model), m_Before.words);
     }
     static CString TextOf(const Characters& characters)
     {
@@ -132,10 +166,10 @@ private:
         end = std::min(end, m_Expression.GetExprTextLimit());
         start = std::min(start, end);
         if (!IsDone(answer, IsInside(start) || IsInside(end)))
-            return Require(wholeVar == 0, "no reference taken by a refusal", m_Before);
+            return Require(wholeVar == 0, "no reference taken by a refusal", Before());
         const auto size = static_cast<int>(m_Model.size());
         const bool isWhole = start == end && start < size && BeginsReference(start);
-        Require(wholeVar == (isWhole ? 1 : 0), "a reference taken as a whole", m_Before);
+        Require(wholeVar == (isWhole ? 1 : 0), "a reference taken as a whole", Before());
         if (start == end)
             end = start + 1;
         while (isWhole && IsInside(end))
@@ -152,11 +186,11 @@ private:
                 : m_Expression.FixPos(pos, static_cast<FMLA_DIRECTION>(m_Reader.Pick(3)));
         const int limit = m_Expression.GetExprTextLimit();
         Require(pos <= 0 || pos > limit || !IsInside(fixed), "a place for the cursor",
-                m_Before + std::to_string(fixed));
+                Before(fixed));
         Require(fixed == pos || pos < 0 || pos > limit || IsInside(pos), "a place that may stay",
-                m_Before + std::to_string(pos));
+                Before(pos));
         Require(m_Expression.InVar(pos, nullptr) == (pos <= limit && IsInside(pos) ? 1 : 0),
-                "a place inside a reference", m_Before + std::to_string(pos));
+                "a place inside a reference", Before(pos));
     }
     // Both go through the stored form, so a literal that looks like a reference becomes one.
     void Rewrite()
@@ -167,22 +201,22 @@ private:
         const CString newName = isRemoval ? CString() : m_Reader.Name();
         const int answer = isRemoval ? m_Expression.RemoveFormulaFromExpression(name)
                                      : m_Expression.ChangeFormulaInExpression(name, newName);
-        Require((answer != 0) == wasThere, "an answer that tells of the formula", m_Before);
+        Require((answer != 0) == wasThere, "an answer that tells of the formula", Before());
         if (answer == 0)
             return;
-        Require(isRemoval || newName == name || !Has(name) || m_Before.find("F(") != m_Before.npos,
-                "no reference to the former name", m_Before + test::Whole(m_Expression));
+        Require(isRemoval || newName == name || !Has(name) || m_Before.text.Find(u"F(") >= 0,
+                "no reference to the former name", BeforeAndNow());
         TakeAsModel();
     }
 
     // A refusal must have changed nothing, and there must be one where the place is not free.
     bool IsDone(int answer, bool mustRefuse)
     {
-        Require(answer == 0 || !mustRefuse, "a refusal", m_Before);
-        Require(answer != 0 || (test::Whole(m_Expression) == m_Before &&
-                                m_Expression.GetInvalidPos() == kMark),
-                "a refusal that changes nothing", m_Before + '\n' + test::Whole(m_Expression));
-        Require(answer == 0 || m_Expression.GetInvalidPos() == -1, "no invalid position", m_Before);
+        Require(answer == 0 || !mustRefuse, "a refusal", Before());
+        Require(answer != 0 ||
+                    (Snapshot(m_Expression) == m_Before && m_Expression.GetInvalidPos() == kMark),
+                "a refusal that changes nothing", BeforeAndNow());
+        Require(answer == 0 || m_Expression.GetInvalidPos() == -1, "no invalid position", Before());
         return answer != 0;
     }
 
@@ -218,23 +252,26 @@ private:
                 m_Model[static_cast<std::size_t>(pos)].reference = index;
         }
     }
-    std::string Written() const { return test::Whole(m_Expression); }
-    std::string Expected() const
+    void RequireAsModel() const
     {
-        WideText text;
-        std::string pointers;
-        for (int pos = 0; pos < static_cast<int>(m_Model.size()); ++pos) {
-            text += m_Model[static_cast<std::size_t>(pos)].character;
-            if (!BeginsReference(pos))
-                continue;
-            int end = pos + 1;
-            while (IsInside(end))
-                ++end;
-            for (const int word :
-                 {pos, end - pos, m_Kinds[static_cast<std::size_t>(ReferenceAt(pos))]})
-                pointers += std::to_string(word) + ',';
+        const CString text = m_Expression.GetTextStr();
+        bool isSame = text.View().size() == m_Model.size();
+        int references = 0;
+        for (int pos = 0; isSame && pos < text.GetLength(); ++pos) {
+            isSame = m_Model[static_cast<std::size_t>(pos)].character == text[pos];
+            if (isSame && BeginsReference(pos))
+                isSame = IsEntryOfModel(references++, pos);
         }
-        return CString(text).ToUtf8() + '[' + pointers + ']';
+        Require(isSame && references == m_Expression.NumVars(),
+                "text and table as the model has them", BeforeAndNow());
+    }
+    bool IsEntryOfModel(int index, int pos) const
+    {
+        int end = pos + 1;
+        while (IsInside(end))
+            ++end;
+        return m_Expression.VarPos(index) == pos && m_Expression.VarEndPos(index) == end &&
+               m_Expression.VarType(index) == m_Kinds[static_cast<std::size_t>(ReferenceAt(pos))];
     }
 
     Reader m_Reader;
@@ -242,8 +279,7 @@ private:
     CFmlaExpression m_Expression;
     Characters m_Model;
     std::vector<int> m_Kinds; // by the number of the reference
-    std::string m_Before;
-    CString m_PointersBefore;
+    Snapshot m_Before;
 };
 
 } // namespace
@@ -251,6 +287,7 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
 {
+    tovo::fuzz::BeginInput(bytes, count);
     tovo::fuzz::Editor(tovo::fuzz::Reader(bytes, count)).Run();
     return 0;
 }

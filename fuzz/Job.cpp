@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include <support/Dump.h>
-
 #include "Oracles.h"
 
 namespace tovo::fuzz {
@@ -38,14 +36,6 @@ private:
     IVarObj& m_Variable;
     IFormulaObj& m_Formula;
 };
-
-std::string Names(const CStringList& list)
-{
-    std::string names;
-    for (POSITION place = list.GetHeadPosition(); place;)
-        names += list.GetNext(place).ToUtf8() + ',';
-    return names;
-}
 
 bool IsNested(const CFormtblElem& element)
 {
@@ -113,44 +103,48 @@ int Job::CountNested()
     return count;
 }
 
-std::string Job::Seen()
+void Job::Show(Record& record)
 {
-    std::string seen;
-    for (auto& formula : m_Formulas)
-        seen += fuzz::Seen(formula->GetExpression()) + "\n    ";
+    for (auto& formula : m_Formulas) {
+        record << "\n    ";
+        fuzz::Show(record, formula->GetExpression());
+    }
     for (auto& table : m_Tables)
-        seen += "T " + Shown(table->GetValue()) + std::to_string(table->GetCalculated()) +
-                std::to_string(table->GetScanned()) +
-                std::to_string(table->GetScannedInCondition()) + ' ';
+        record << "T " << table->GetValue() << table->GetCalculated() << table->GetScanned()
+               << table->GetScannedInCondition();
     for (auto& variable : m_Variables)
-        seen += "V " + Shown(variable->GetValue()) + std::to_string(variable->InCond()) + ' ';
-    seen += test::Dump(m_Set->ErrorTracker());
-    for (const int flag : {m_Set->GetDURATIONInCondition(), m_Set->GetJOBSIZEInCondition(),
-                           m_Set->GetQuantityInCondition(), m_Set->GetQuantityInCalculations()})
-        seen += std::to_string(flag);
+        record << "V " << variable->GetValue() << variable->InCond();
+    fuzz::Show(record, m_Set->ErrorTracker());
+    record << m_Set->GetDURATIONInCondition() << m_Set->GetJOBSIZEInCondition()
+           << m_Set->GetQuantityInCondition() << m_Set->GetQuantityInCalculations();
     Require(!CExprTree::InIfCondition() && ExpressionAccess::m_NestedFmlaNames.IsEmpty(),
             "the state of the thread as it was");
-    return seen;
 }
 
-std::string Seen(CFmlaExpression& expression)
+void Show(Record& record, CFmlaExpression& expression)
 {
     const int pos = expression.GetInvalidPos();
-    const int length = expression.GetTextStr().GetLength();
-    Require(pos >= -1 && pos <= length, "an invalid position inside the text",
-            std::to_string(pos) + " in " + expression.GetTextStr().ToUtf8());
-    std::string seen = Shown(expression.GetValue()) + ' ' +
-                       std::to_string(expression.GetMessageNum()) + '@' + std::to_string(pos);
-    for (const int answer : {expression.IsLoaded(), expression.IsCalculated(),
-                             expression.IsBoolean(), expression.IsNumeric()})
-        seen += std::to_string(answer);
-    return seen;
+    Require(pos >= -1 && pos <= expression.GetTextStr().GetLength(),
+            "an invalid position inside the text",
+            [&] { return std::to_string(pos) + " in " + expression.GetTextStr().ToUtf8(); });
+    record << expression.GetValue() << expression.GetMessageNum() << pos << expression.IsLoaded()
+           << expression.IsCalculated() << expression.IsBoolean() << expression.IsNumeric();
 }
 
-std::string Seen(const CScannedVariables& list)
+void Show(Record& record, const CScannedVariables& list)
 {
-    return Names(list.VariableList()) + std::to_string(list.DURATIONScanned()) +
-           std::to_string(list.JOBSIZEScanned()) + std::to_string(list.QuantityScanned());
+    const CStringList& names = list.VariableList();
+    for (POSITION place = names.GetHeadPosition(); place;)
+        record << names.GetNext(place);
+    record << list.DURATIONScanned() << list.JOBSIZEScanned() << list.QuantityScanned();
+}
+
+void Show(Record& record, const CCalcErrorTracker& tracker)
+{
+    record << static_cast<int>(tracker.GetError()) << "[ ";
+    for (int index = 0; index < tracker.NumObjs(); ++index)
+        record << tracker.GetStr(index);
+    record << tracker.NumObjs() << "] ";
 }
 
 int CountNested(const CFmlaExprBase& expression)

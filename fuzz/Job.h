@@ -3,10 +3,11 @@
 
 #include <array>
 #include <memory>
-#include <string>
 
 #include <TovoFormula/TovoFormula.h>
 #include <support/HostObjects.h>
+
+#include "Record.h"
 
 namespace tovo::fuzz {
 
@@ -33,7 +34,7 @@ public:
     // How many formulas and tables are referred to in all texts, selectors and cells.
     int CountNested();
     // All that a host can see of the objects and of the tracker.
-    std::string Seen();
+    void Show(Record& record);
 
 private:
     test::HostVariable m_HostVariable{u"own", 2.0};
@@ -44,9 +45,10 @@ private:
     std::array<std::unique_ptr<FormulaTableImpl>, kTables> m_Tables;
 };
 
-// What a host can see of an expression, its tree included.
-std::string Seen(CFmlaExpression& expression);
-std::string Seen(const CScannedVariables& list);
+// What a host can see of an expression, of what a scan has found and of a chain.
+void Show(Record& record, CFmlaExpression& expression);
+void Show(Record& record, const CScannedVariables& list);
+void Show(Record& record, const CCalcErrorTracker& tracker);
 
 // How many references the text has that are no variables.
 int CountNested(const CFmlaExprBase& expression);

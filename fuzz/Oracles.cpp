@@ -1,12 +1,59 @@
 #include "Oracles.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
+#include <TovoFormula/MessageIds.h>
+#include <TovoFormula/RtfDocument.h>
 #include <expression_text/Texts.h>
+#include <support/RtfReader.h>
 
 namespace tovo::fuzz {
+
+namespace {
+
+bool isThorough = false;
+bool mayBeLong = false;
+
+// How the characters of a text look in a document: literal text, then each kind of reference.
+std::string LooksOf(const CFmlaExprBase& expression)
+{
+    const int length = expression.GetTextStr().GetLength();
+    std::string looks(static_cast<std::size_t>(length), 'l');
+    int end = 0;
+    for (int index = 0; index < expression.NumVars(); ++index) {
+        const int start = expression.VarPos(index);
+        if (start < end || start >= length || expression.VarLength(index) == 0)
+            continue; // stands for nothing
+        end = expression.VarEndPos(index);
+        for (int pos = start; pos < std::min(end, length); ++pos)
+            looks[static_cast<std::size_t>(pos)] = "VFT"[expression.VarType(index)];
+    }
+    return looks;
+}
+
+} // namespace
+
+void BeginInput(const std::uint8_t* bytes, std::size_t count)
+{
+    std::uint32_t hash = 2166136261; // FNV-1a
+    for (std::size_t index = 0; index < count; ++index)
+        hash = (hash ^ bytes[index]) * 16777619;
+    isThorough = (hash >> 13) % 8 == 0;
+    mayBeLong = (hash >> 13) % 64 == 0;
+}
+
+bool IsThorough()
+{
+    return isThorough;
+}
+
+bool MayBeLong()
+{
+    return mayBeLong;
+}
 
 void Fail(const char* expected, const std::string& found)
 {
@@ -16,28 +63,30 @@ void Fail(const char* expected, const std::string& found)
 
 void SpeakLanguage(int language)
 {
-    static std::optional<test::UserLanguage> spoken;
+    struct Language {
+        const WCHAR* decimal;
+        const WCHAR* list;
+        bool isGerman;
+    };
+    static constexpr Language kSpoken[kLanguages] = {
+        {u"", u"", false},  {u",", u";", false}, {u",", u"||", true},
+        {u",", u",", true}, {u"'", u" ", false},
+    };
+    static AFX_EXTENSION_MODULE german;
+    static const bool isThere =
+        AfxInitExtensionModule(german, test::kGermanNames, std::size(test::kGermanNames)) != 0;
+    static std::optional<CDynLinkLibrary> names;
     static int present = 0;
-    if (language == present)
+    if (!isThere || language == present)
         return;
     present = language;
-    spoken.reset();
-    switch (language) {
-    case 1:
-        spoken.emplace(u",", u";");
-        break;
-    case 2:
-        spoken.emplace(u",", u"||", test::kGermanNames);
-        break;
-    case 3:
-        spoken.emplace(u",", u",", test::kGermanNames);
-        break;
-    case 4:
-        spoken.emplace(u"'", u" ");
-        break;
-    default:
-        break;
-    }
+    const Language& spoken = kSpoken[language];
+    names.reset();
+    if (spoken.isGerman)
+        names.emplace(german);
+    SetLocaleSetting(LOCALE_SDECIMAL, spoken.decimal);
+    SetLocaleSetting(LOCALE_SLIST, spoken.list);
+    CFmlaExprBase::ReInitExprNames();
 }
 
 void RequireSoundTable(const CFmlaExprBase& expression)
@@ -59,7 +108,8 @@ void RequireSettledForm(const CString& encoded)
     CFmlaExprBase expression;
     expression.SetFromEncodedString(encoded);
     CString before = expression.GetEncodedString();
-    int rounds = before.Find(u'\\') < 0 ? 2 : before.GetLength() + 2;
+    const bool mayTakeLong = before.Find(u'\\') >= 0 || expression.GetMessageNum() != MSG_NONE;
+    int rounds = mayTakeLong ? before.GetLength() + 2 : 2;
     for (;;) {
         expression.SetFromEncodedString(before);
         RequireSoundTable(expression);
@@ -70,6 +120,18 @@ void RequireSettledForm(const CString& encoded)
             Fail("a stored form that stays", before.ToUtf8() + '\n' + after.ToUtf8());
         before = after;
     }
+}
+
+void RequireWholeDocument(const CFmlaExprBase& expression)
+{
+    RtfDocument document(expression.GetTextStr().Left(20), 20);
+    document.AddExpression(expression);
+    const std::string written = document.GetRTFString().ToUtf8();
+    const std::optional<test::RtfContent> shown = test::ReadRtf(written);
+    Require(shown && CString(shown->text) == expression.GetTextStr() &&
+                shown->looks == LooksOf(expression),
+            "a document that shows the expression",
+            [&] { return test::Whole(expression) + '\n' + written; });
 }
 
 std::string Shown(double value)

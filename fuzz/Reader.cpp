@@ -7,6 +7,8 @@
 
 #include <TovoPlatform/NumberText.h>
 
+#include "Oracles.h"
+
 namespace tovo::fuzz {
 
 int Reader::Pick(int count)
@@ -62,10 +64,11 @@ CString Reader::Wide(std::string_view bytes)
     if (bytes.size() < 3 || bytes[0] != '~')
         return CString(bytes);
     const CString once(bytes.substr(2));
+    const int longest = MayBeLong() ? kLongestText : kLongestQuickText;
+    const int mostTimes = longest / std::max(once.GetLength(), 1);
     WideText repeated;
-    for (int count = 10 << (bytes[1] & 7); count > 0; --count)
-        if (static_cast<int>(repeated.size()) + once.GetLength() <= kLongestText)
-            repeated += once.View();
+    for (int count = std::min(10 << (bytes[1] & 7), mostTimes); count > 0; --count)
+        repeated += once.View();
     return CString(std::move(repeated));
 }
 

@@ -9,7 +9,9 @@
 
 namespace tovo::fuzz {
 
-inline constexpr int kLongestText = 70000; // enough to pass what a 16-bit word holds
+// Enough to pass what a 16-bit word holds, for inputs that may be long, and for others.
+inline constexpr int kLongestText = 70000;
+inline constexpr int kLongestQuickText = 300;
 
 // Takes the bytes of an input for a script that a person can read: choices are single characters,
 // numbers and names end in a comma, texts with the line. Any bytes are a script, and one that has

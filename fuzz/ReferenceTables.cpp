@@ -32,8 +32,10 @@ public:
     {
         for (int action = 0; action < kMostActions && !m_Reader.AtEnd(); ++action) {
             Act();
-            Look();
+            if (IsThorough())
+                Look();
         }
+        Look();
     }
 
 private:
@@ -95,6 +97,8 @@ private:
             }
             break;
         case 9:
+            // What a check has marked is left to whoever translates.
+            m_Expression.ClearInvalidPos();
             m_Expression.TranslateText(m_Reader.Pick(2) == 0 ? TL_ENGLISH : TL_LOCAL);
             break;
         case 10: {
@@ -175,13 +179,17 @@ private:
 
     void Look()
     {
-        Seen(m_Expression);
+        Record record;
+        Show(record, m_Expression);
         const int length = m_Expression.GetTextStr().GetLength();
         for (int index = -1; index <= m_Expression.NumVars(); ++index)
             Require(m_Expression.VarName(index).GetLength() <= length &&
                         m_Expression.VarText(index).GetLength() <= length,
                     "a name within the text");
+        if (!IsThorough())
+            return;
         m_Expression.GetRTFString(u"Arial", 20);
+        RequireWholeDocument(m_Expression);
         // What is stored of it is sound.
         RequireSettledForm(m_Expression.GetEncodedString());
     }
@@ -196,6 +204,7 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
 {
+    tovo::fuzz::BeginInput(bytes, count);
     tovo::fuzz::Host(tovo::fuzz::Reader(bytes, count)).Run();
     return 0;
 }
