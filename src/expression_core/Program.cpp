@@ -4,6 +4,7 @@
 #include <array>
 #include <cassert>
 #include <span>
+#include <utility>
 
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/ExprTree.h>
@@ -98,10 +99,11 @@ bool Program::BindTo(ExpressionState&, Binding& binding, IVarObj* variable, bool
 
 bool Program::BindTo(ExpressionState& state, Binding& binding, IFormulaObj* formula, bool& hasMoved)
 {
-    const ExpressionState* const former = binding.state;
+    const auto former = std::pair(binding.state, binding.isHost);
     binding.formula = formula;
     binding.state = ObjectCalls::StateOf(*formula, binding.isHost);
-    hasMoved = hasMoved || binding.state != former;
+    // Another object may have come to lie where the former one was.
+    hasMoved = hasMoved || former != std::pair(binding.state, binding.isHost);
     if (!binding.isHost && *binding.state->formulaName == binding.name)
         binding.name = *binding.state->formulaName;
     if (m_LastCode == TOK_FORMULA && binding.isHost)
