@@ -82,9 +82,12 @@ bool BoundWork::RunAgain(ExpressionState& state, const CString& name)
         state.leftText = program.LeftText();
         state.checkedIn = state.calculatedIn = start.pass;
     }
-    // What changes things while it is asked would be asked twice each time.
-    state.mayRunAgain = state.calculatedIn == Pass::Present();
-    return state.mayRunAgain;
+    if (state.calculatedIn != Pass::Present()) {
+        // Something has changed meanwhile, and somebody may have come back to the expression.
+        state.mayRunAgain = false;
+        NoteLoaded();
+    }
+    return true;
 }
 
 // The road of the program, from the mark on the expression to the value.
@@ -110,7 +113,9 @@ bool BoundWork::CalculateByProgram(ExpressionState& state, const CString& name)
     if (state.leftElsewhere || Namesakes::AreKnown())
         return false;
     BoundWork work(state.expression);
-    return work.RunAgain(state, name) || work.CalculateWithCare(state, name);
+    if (!work.RunAgain(state, name))
+        return work.CalculateWithCare(state, name);
+    return state.calculatedIn == Pass::Present() || work.CalculateChecked(state, Start(), nullptr);
 }
 
 // Apart from its caller, whose frame is on the stack for each formula of a chain.
@@ -137,12 +142,16 @@ bool BoundWork::CalculateWithCare(ExpressionState& state, const CString& name)
     NoteChecked(name, start);
     entry.reset();
     // The check has calculated all there is, unless something has changed meanwhile.
-    if (state.calculatedIn == Pass::Present())
-        return true;
+    return state.calculatedIn == Pass::Present() || CalculateChecked(state, start, &name);
+}
+
+bool BoundWork::CalculateChecked(ExpressionState& state, const Start& start,
+                                 const CString* checkedName)
+{
     const UnderWay underWay(state.marks);
     if (!RunAsWalk(nullptr))
         return false;
-    NoteCalculated(nullptr, start, &name);
+    NoteCalculated(nullptr, start, checkedName);
     return true;
 }
 

@@ -72,6 +72,8 @@ private:
     bool RunAsCheck(ExpressionState& state);
     bool RerunMarked(ExpressionState& state);
     [[gnu::noinline]] bool CalculateWithCare(ExpressionState& state, const CString& name);
+    [[gnu::noinline]] bool CalculateChecked(ExpressionState& state, const Start& start,
+                                            const CString* checkedName);
     bool CheckByProgram(const CString& name);
     bool HasProgramFor(const CString& name);
     std::unique_ptr<Program> Compile();
