@@ -107,19 +107,9 @@ bool BoundWork::CheckByProgram(const CString& name)
     return true;
 }
 
-// Where it runs again, nothing is touched but the state, which is at hand already.
-bool BoundWork::CalculateByProgram(ExpressionState& state, const CString& name)
-{
-    if (state.leftElsewhere || Namesakes::AreKnown())
-        return false;
-    BoundWork work(state.expression);
-    if (!work.RunAgain(state, name))
-        return work.CalculateWithCare(state, name);
-    return state.calculatedIn == Pass::Present() || work.CalculateChecked(state, Start(), nullptr);
-}
-
-// Apart from its caller, whose frame is on the stack for each formula of a chain.
-bool BoundWork::CalculateWithCare(ExpressionState& state, const CString& name)
+// A part of its caller, as RunAsCheck.
+[[gnu::always_inline]] inline bool BoundWork::CheckWithCare(ExpressionState& state,
+                                                            const CString& name, const Start& start)
 {
     if (!state.formulaName || *state.formulaName != name)
         return false;
@@ -133,20 +123,50 @@ bool BoundWork::CalculateWithCare(ExpressionState& state, const CString& name)
             return false;
     }
     Throwing throwing(*this);
-    const Start start;
     const bool isChecked = CheckByProgram(name);
     throwing.End();
     if (!isChecked)
         return false;
     state.reachedIn = Pass::First();
     NoteChecked(name, start);
-    entry.reset();
-    // The check has calculated all there is, unless something has changed meanwhile.
-    return state.calculatedIn == Pass::Present() || CalculateChecked(state, start, &name);
+    return true;
 }
 
-bool BoundWork::CalculateChecked(ExpressionState& state, const Start& start,
-                                 const CString* checkedName)
+// Where it runs again, nothing is touched but the state, which is at hand already.
+bool BoundWork::CalculateByProgram(ExpressionState& state, const CString& name, bool withIsValid)
+{
+    if (state.leftElsewhere || Namesakes::AreKnown())
+        return false;
+    BoundWork work(state.expression);
+    if (!work.RunAgain(state, name))
+        return work.CalculateWithCare(state, name, withIsValid);
+    return state.calculatedIn == Pass::Present() ||
+           work.CalculateDisturbed(state, name, withIsValid);
+}
+
+// Apart from its caller, whose frame is on the stack for each formula of a chain.
+bool BoundWork::CalculateWithCare(ExpressionState& state, const CString& name, bool withIsValid)
+{
+    const Start start;
+    if (!CheckWithCare(state, name, start))
+        return false;
+    // The check has calculated all there is, unless it has called an object last.
+    if (state.calculatedIn == Pass::Present())
+        return true;
+    return start.pass == Pass::Present() ? WalkByProgram(state, start, &name)
+                                         : CalculateDisturbed(state, name, withIsValid);
+}
+
+// Something has changed in the course of the check, so that it does not count. A calculation checks
+// again what was checked before it.
+bool BoundWork::CalculateDisturbed(ExpressionState& state, const CString& name, bool withIsValid)
+{
+    return withIsValid ? CalculateWithCare(state, name, false)
+                       : WalkByProgram(state, Start(), nullptr);
+}
+
+bool BoundWork::WalkByProgram(ExpressionState& state, const Start& start,
+                              const CString* checkedName)
 {
     const UnderWay underWay(state.marks);
     if (!RunAsWalk(nullptr))

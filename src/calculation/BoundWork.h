@@ -32,9 +32,10 @@ public:
     int Calculate(CScannedVariables* list);
     // Checks and calculates, as a named formula does.
     int CheckAndCalculate(unsigned int& message, const CString& name, CScannedVariables* list);
-    // The short road alone, for a formula of that name that a program refers to. False if it ends
-    // nowhere, with nothing done that shows.
-    static bool CalculateByProgram(ExpressionState& state, const CString& name);
+    // The short road alone, for a formula of that name that a program refers to: what IsValid and
+    // Calculate would do one after the other, or Calculate alone. False if it ends nowhere, with
+    // nothing done that shows.
+    static bool CalculateByProgram(ExpressionState& state, const CString& name, bool withIsValid);
 
     int CheckNestedReference(int code, const CString& text);
     int NestedFormulasOK();
@@ -71,9 +72,13 @@ private:
     bool RunAgain(ExpressionState& state, const CString& name);
     bool RunAsCheck(ExpressionState& state);
     bool RerunMarked(ExpressionState& state);
-    [[gnu::noinline]] bool CalculateWithCare(ExpressionState& state, const CString& name);
-    [[gnu::noinline]] bool CalculateChecked(ExpressionState& state, const Start& start,
-                                            const CString* checkedName);
+    [[gnu::noinline]] bool CalculateWithCare(ExpressionState& state, const CString& name,
+                                             bool withIsValid);
+    [[gnu::noinline]] bool CalculateDisturbed(ExpressionState& state, const CString& name,
+                                              bool withIsValid);
+    bool CheckWithCare(ExpressionState& state, const CString& name, const Start& start);
+    [[gnu::noinline]] bool WalkByProgram(ExpressionState& state, const Start& start,
+                                         const CString* checkedName);
     bool CheckByProgram(const CString& name);
     bool HasProgramFor(const CString& name);
     std::unique_ptr<Program> Compile();

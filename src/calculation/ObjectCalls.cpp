@@ -96,9 +96,9 @@ void NoteFound(ExpressionState& formula, const CString& name)
         formula.ownNameIn = Pass::Present();
 }
 
-bool CalculateByProgram(ExpressionState& formula, const CString& name)
+bool CalculateByProgram(ExpressionState& formula, const CString& name, bool withIsValid)
 {
-    return BoundWork::CalculateByProgram(formula, name);
+    return BoundWork::CalculateByProgram(formula, name, withIsValid);
 }
 
 } // namespace ObjectCalls

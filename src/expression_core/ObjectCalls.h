@@ -42,9 +42,9 @@ ExpressionState* StateOf(IFormulaObj& formula, bool& isHost);
 // has it. Requires: a formula that has a state.
 void NoteFound(ExpressionState& formula, const CString& name);
 
-// Checks and calculates a stock formula by its program. False if that gave up, with nothing done
-// that shows.
-bool CalculateByProgram(ExpressionState& formula, const CString& name);
+// Calculates a stock formula by its program, and has it asked before whether it is valid or not.
+// False if that gave up, with nothing done that shows.
+bool CalculateByProgram(ExpressionState& formula, const CString& name, bool withIsValid);
 
 } // namespace ObjectCalls
 

@@ -302,7 +302,8 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
                           CScannedVariables* list, double& value)
 {
     if (!binding.isHost && purpose != Purpose::Scan) {
-        if (ObjectCalls::CalculateByProgram(*binding.state, binding.name)) {
+        if (ObjectCalls::CalculateByProgram(*binding.state, binding.name,
+                                            purpose == Purpose::Check)) {
             value = binding.state->value;
             return IsBoundStill() || BindAll(state);
         }
