@@ -22,7 +22,7 @@ namespace tovo::detail {
 [[gnu::always_inline]] inline bool BoundWork::RunAsCheck(ExpressionState& state)
 {
     state.isLoadedByProgram = false;
-    const bool isDone = state.program->Run(state, Program::Purpose::Check, nullptr);
+    const bool isDone = state.program->Run(state, Program::Purpose::Check);
     if (isDone) {
         state.isLoadedByProgram = true;
     } else {
@@ -51,7 +51,7 @@ bool BoundWork::RunAlone(CFmlaExpression& expression, const CString& name)
         return false;
     Program& program = *state->program;
     if (&program.Names() != NamesInForce() || !program.CallsNothing() ||
-        !program.Run(*state, Program::Purpose::Check, nullptr))
+        !program.Run(*state, Program::Purpose::Check))
         return false;
     state->leftText = program.LeftText();
     if (state->leftText != 0 || !ObjectCalls::IsStrErrorClear(state->calcSet))
@@ -72,7 +72,7 @@ bool BoundWork::RunAgain(ExpressionState& state, const CString& name)
         (!names.IsEmpty() && names.Find(name)))
         return false;
     const Start start;
-    if (!(program.CallsNothing() ? state.program->Run(state, Program::Purpose::Check, nullptr)
+    if (!(program.CallsNothing() ? state.program->Run(state, Program::Purpose::Check)
                                  : RerunMarked(state)))
         return false;
     state.reachedIn = Pass::First();
@@ -169,7 +169,7 @@ bool BoundWork::WalkByProgram(ExpressionState& state, const Start& start,
                               const CString* checkedName)
 {
     const UnderWay underWay(state.marks);
-    if (!RunAsWalk(nullptr))
+    if (!RunAsWalk())
         return false;
     NoteCalculated(nullptr, start, checkedName);
     return true;

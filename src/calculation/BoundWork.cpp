@@ -176,12 +176,11 @@ int BoundWork::Walk(CScannedVariables* list, const Start& start, const CString* 
     const UnderWay underWay(state.marks);
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
-    if (state.isLoadedByProgram && RunAsWalk(list)) {
-        // A scan has gone into formulas by way of their own operations.
-        if (!list || !state.program->EndsWithReference())
-            GiveTextOfProgram();
+    const bool hasProgram = state.isLoadedByProgram;
+    if (hasProgram && !list && RunAsWalk()) {
+        GiveTextOfProgram();
     } else {
-        if (state.isLoadedByProgram)
+        if (hasProgram)
             BuildTreeOfProgram();
         if (!m_Expression.m_Tree.Calculate(list)) {
             m_Expression.m_MessageNum = static_cast<int>(m_Expression.m_Tree.GetMsg());
@@ -191,14 +190,19 @@ int BoundWork::Walk(CScannedVariables* list, const Start& start, const CString* 
         }
     }
     NoteCalculated(list, start, checkedName);
+    if (list && hasProgram) {
+        // The tree was for the scan alone.
+        state.value = m_Expression.m_Tree.GetValue();
+        m_Expression.m_Tree.Clear();
+        state.isLoadedByProgram = true;
+    }
     return 1;
 }
 
-bool BoundWork::RunAsWalk(CScannedVariables* list)
+bool BoundWork::RunAsWalk()
 {
     const IfDepthGuard depth(CExprTree::m_InIfConditionCount);
-    const auto purpose = list ? Program::Purpose::Scan : Program::Purpose::Calculate;
-    return State().program->Run(State(), purpose, list);
+    return State().program->Run(State(), Program::Purpose::Calculate);
 }
 
 } // namespace tovo::detail

@@ -82,7 +82,7 @@ private:
     bool CheckByProgram(const CString& name);
     bool HasProgramFor(const CString& name);
     std::unique_ptr<Program> Compile();
-    bool RunAsWalk(CScannedVariables* list);
+    bool RunAsWalk();
     void GiveTextOfProgram();
     // The name is that of a check that has just succeeded, null for none.
     int Walk(CScannedVariables* list, const Start& start, const CString* checkedName);

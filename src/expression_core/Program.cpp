@@ -15,7 +15,6 @@
 #include "Names.h"
 #include "Operations.h"
 #include "ReferenceKinds.h"
-#include "ScanRecord.h"
 
 namespace tovo::detail {
 
@@ -25,22 +24,19 @@ CString Program::NameAt(const ReferencePlace& place) const
                                                  static_cast<std::size_t>(place.length))));
 }
 
-bool Program::Run(ExpressionState& state, Purpose purpose, CScannedVariables* list)
+bool Program::Run(ExpressionState& state, Purpose purpose)
 {
-    assert((purpose == Purpose::Scan) == (list != nullptr));
     assert(state.marks > 0 || CallsNothing());
     if (!IsBound() && !BindAll(state))
         return false;
     m_LeftText = 0;
     switch (purpose) {
     case Purpose::Check:
-        return m_HasHostVariables ? Execute<Purpose::Check, true>(state, list)
-                                  : Execute<Purpose::Check, false>(state, list);
+        return m_HasHostVariables ? Execute<Purpose::Check, true>(state)
+                                  : Execute<Purpose::Check, false>(state);
     case Purpose::Calculate:
-        return m_HasHostVariables ? Execute<Purpose::Calculate, true>(state, list)
-                                  : Execute<Purpose::Calculate, false>(state, list);
-    case Purpose::Scan:
-        return Execute<Purpose::Scan, true>(state, list);
+        return m_HasHostVariables ? Execute<Purpose::Calculate, true>(state)
+                                  : Execute<Purpose::Calculate, false>(state);
     }
     return false;
 }
@@ -136,7 +132,7 @@ void Program::TakeAddresses()
 
 // The number on top of the stack is kept apart from the others.
 template <Program::Purpose kPurpose, bool kReadsHost>
-bool Program::Execute(ExpressionState& state, CScannedVariables* list)
+bool Program::Execute(ExpressionState& state)
 {
     std::array<double, kStackAtHand + kSpareOfStack> atHand;
     double* stack = m_DeepStack ? m_DeepStack.get() : atHand.data();
@@ -145,7 +141,7 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
     const Instruction* const end = at + m_Code.size();
     for (; at != end; ++at) {
         if constexpr (kReadsHost)
-            if (ReadsVariable(at->operation) && !ReadVariable(state, m_Bindings[at->index], list))
+            if (ReadsVariable(at->operation) && !ReadVariable(state, m_Bindings[at->index]))
                 return false;
         switch (at->operation) {
         case Operation::Number:
@@ -158,15 +154,15 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
             break;
         case Operation::JobValue:
             *stack++ = top;
-            top = ReadJobValue(static_cast<int>(at->index), state.calcSet, list);
+            top = ReadJobValue(static_cast<int>(at->index), state.calcSet, nullptr);
             break;
         case Operation::Formula: {
             const ExpressionState* const formula = at->state;
             *stack++ = top;
-            if (kPurpose != Purpose::Scan && formula && !formula->marks &&
-                formula->calculatedIn == Pass::Present() && !formula->leftElsewhere)
+            if (formula && !formula->marks && formula->calculatedIn == Pass::Present() &&
+                !formula->leftElsewhere)
                 top = formula->value;
-            else if (!CallFormula(state, m_Bindings[at->index], kPurpose, list, top))
+            else if (!CallFormula(state, m_Bindings[at->index], kPurpose, top))
                 return false;
             if (at + 1 == end && m_LastCode == TOK_FORMULA && at->state)
                 m_LeftText = at->state->leftText;
@@ -174,7 +170,7 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
         }
         case Operation::Table:
             *stack++ = top;
-            if (!CallObject(state, *m_Bindings[at->index].table, kPurpose, list, top))
+            if (!CallObject(state, *m_Bindings[at->index].table, kPurpose, top))
                 return false;
             break;
         case Operation::Add:
@@ -268,10 +264,8 @@ bool Program::Execute(ExpressionState& state, CScannedVariables* list)
 }
 
 // What is done with a variable before its value is taken from where it stands.
-bool Program::ReadVariable(ExpressionState& state, Binding& binding, CScannedVariables* list)
+bool Program::ReadVariable(ExpressionState& state, Binding& binding)
 {
-    if (list)
-        RecordVariable(*list, binding.name, *binding.variable);
     if (!binding.isHost)
         return true;
     binding.value = binding.variable->GetValue();
@@ -299,9 +293,9 @@ bool Program::Compute(ICalculationSet& calcSet, const Instruction& instruction,
 }
 
 bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
-                          CScannedVariables* list, double& value)
+                          double& value)
 {
-    if (!binding.isHost && purpose != Purpose::Scan) {
+    if (!binding.isHost) {
         if (ObjectCalls::CalculateByProgram(*binding.state, binding.name,
                                             purpose == Purpose::Check)) {
             value = binding.state->value;
@@ -314,13 +308,12 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
     }
     if (binding.state && binding.state->ownNameIn != Pass::Present())
         ObjectCalls::NoteFound(*binding.state, binding.name);
-    return CallObject(state, *binding.formula, purpose, list, value);
+    return CallObject(state, *binding.formula, purpose, value);
 }
 
 // Asks as the tree does. An object that fails reports that when the tree asks it once more.
 template <typename Object>
-bool Program::CallObject(ExpressionState& state, Object& object, Purpose purpose,
-                         CScannedVariables* list, double& value)
+bool Program::CallObject(ExpressionState& state, Object& object, Purpose purpose, double& value)
 {
     ChainMark chain;
     unsigned int message = MSG_NONE;
@@ -329,7 +322,7 @@ bool Program::CallObject(ExpressionState& state, Object& object, Purpose purpose
         // What the object leaves as a text may be the last one.
         if (EndsWithReference())
             ErrorTexts::Give(state.calcSet, 0);
-        isCalculated = object.Calculate(message, list);
+        isCalculated = object.Calculate(message, nullptr);
     }
     if (!isCalculated) {
         chain.TakeBack();

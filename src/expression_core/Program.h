@@ -17,7 +17,6 @@
 #include "Pass.h"
 
 class CFmlaExpression;
-class CScannedVariables;
 struct IFormulaObj;
 struct IFormulaTableObj;
 
@@ -91,12 +90,11 @@ public:
     enum class Purpose {
         Check,     // all of it, as building the tree calculates it
         Calculate, // without the branches that conditions rule out
-        Scan,      // the same; what is reached records itself in a list
     };
 
     // Runs the program on the state that owns it. On success the state has the value. Requires: the
-    // state is marked as in progress, unless the run calls nothing; a list for a scan alone.
-    bool Run(ExpressionState& state, Purpose purpose, CScannedVariables* list);
+    // state is marked as in progress, unless the run calls nothing.
+    bool Run(ExpressionState& state, Purpose purpose);
 
     bool IsBoolean() const { return m_Kind == RT_BOOLEAN; }
     // What the last run left as the text of an error. Nothing is known if a host's object was the
@@ -167,16 +165,16 @@ private:
     bool HasSameEntries() const;
     void TakeAddresses();
     template <Purpose kPurpose, bool kReadsHost>
-    bool Execute(ExpressionState& state, CScannedVariables* list);
-    bool ReadVariable(ExpressionState& state, Binding& binding, CScannedVariables* list);
+    bool Execute(ExpressionState& state);
+    bool ReadVariable(ExpressionState& state, Binding& binding);
     bool Compute(ICalculationSet& calcSet, const Instruction& instruction, std::span<double> others,
                  double& value);
     bool CallFormula(ExpressionState& state, const Binding& binding, Purpose purpose,
-                     CScannedVariables* list, double& value);
+                     double& value);
     // Apart from its callers, which take less of the stack without it.
     template <typename Object>
     [[gnu::noinline]] bool CallObject(ExpressionState& state, Object& object, Purpose purpose,
-                                      CScannedVariables* list, double& value);
+                                      double& value);
 
     std::vector<Instruction> m_Code;
     std::vector<Binding> m_Bindings;
