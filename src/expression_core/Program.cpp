@@ -301,8 +301,7 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
             value = binding.state->value;
             return IsBoundStill() || BindAll(state);
         }
-        const CString* const own = binding.state->formulaName;
-        if (binding.state->gaveUpIn == Pass::Present() || !own || *own != binding.name)
+        if (binding.state->gaveUpIn == Pass::Present())
             return false;
         // It has not run, and may succeed by way of its own operations.
     }

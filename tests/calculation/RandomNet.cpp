@@ -321,7 +321,6 @@ private:
         m_Fresh.emplace();
         m_Message = 77;
         m_Top = nullptr;
-        const std::vector<double> tables = ValuesOfTables();
         const Deed& deed = m_Dice.Of(m_Deeds);
         Put("\n> ");
         Put(deed.name);
@@ -334,9 +333,6 @@ private:
                 BeginAnew();
             else
                 Look(answer != 0);
-            // In a scan that fails, who is asked once more finds a table that was calculated anew.
-            if (answer == 0 && ValuesOfTables() != tables)
-                LoadNestedAnew();
             if (answer == 0)
                 for (const auto& set : m_Sets)
                     set->SetStrError(CString());
@@ -376,13 +372,6 @@ private:
             return;
         static_cast<void>(m_HostFormula->m_Expression.LoadExpressionTree(0));
         static_cast<void>(m_HostTable->m_Expression.LoadExpressionTree(0));
-    }
-    std::vector<double> ValuesOfTables() const
-    {
-        std::vector<double> values;
-        for (const auto& table : m_Tables)
-            values.push_back(table->FormulaTableImpl::GetValue());
-        return values;
     }
     // After an exception only the expressions are looked at; whatever else it may have left half
     // done begins anew.
