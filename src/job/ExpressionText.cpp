@@ -73,12 +73,6 @@ bool IsReference(int code)
     return code == TOK_VARIABLE || code == TOK_FORMULA || code == TOK_FORMTBL;
 }
 
-ObjectName ReferredBy(const CFmlaExprBase& expression, int index)
-{
-    // The engine's kinds are the token codes 0, 1 and 2, in the order of ours.
-    return {static_cast<Kind>(expression.VarType(index)), expression.VarName(index).ToUtf8()};
-}
-
 } // namespace
 
 Span SpanOf(WideView text, int begin, int end)
@@ -88,6 +82,12 @@ Span SpanOf(WideView text, int begin, int end)
         return Position{units, CString(text.substr(0, units)).ToUtf8().size()};
     };
     return {position(begin), position(end)};
+}
+
+ObjectName ReferredBy(const CFmlaExprBase& expression, int index)
+{
+    // The engine's kinds are the token codes 0, 1 and 2, in the order of ours.
+    return {static_cast<Kind>(expression.VarType(index)), expression.VarName(index).ToUtf8()};
 }
 
 ScannedText Scan(const CFmlaExprBase& expression)

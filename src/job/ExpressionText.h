@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <TovoFormula/FmlaExprBase.h>
+#include <TovoFormula/TokenCodes.h>
 
 #include <TovoJob/ObjectName.h>
 #include <TovoJob/Span.h>
@@ -19,8 +20,15 @@ inline CString Wide(std::string_view utf8)
     return CString(utf8);
 }
 
+// The token codes that are spelled as words.
+inline constexpr int kFirstWordCode = TOK_AND;
+inline constexpr int kLastWordCode = TOK_TRUNC;
+
 // The stretch of a text between two gaps counted in UTF-16 units, which are cut to the text.
 Span SpanOf(WideView text, int begin, int end);
+
+// What a reference of the table refers to. Requires: an index of the table.
+ObjectName ReferredBy(const CFmlaExprBase& expression, int index);
 
 // One element of an expression.
 struct Token {
