@@ -20,6 +20,10 @@ enum JobMessageId : unsigned int {
     MSG_JOB_RING = 20005,
     MSG_JOB_LINKED_FAILED = 20006, // a linked object failed without saying why
     MSG_JOB_EMPTY_CELL = 20007,    // a lookup in a table has ended at a cell that is empty
+    // About one word, which stands for "%s" in the text.
+    MSG_JOB_NO_FUNCTION = 20021,
+    MSG_JOB_NO_WORD = 20022,
+    MSG_JOB_AMBIGUOUS_WORD = 20023,
 };
 
 // A place in an object: a stretch of a formula's text, or a part of a table.

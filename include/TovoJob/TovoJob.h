@@ -5,6 +5,7 @@
 
 #include <TovoJob/Edit.h>
 #include <TovoJob/Fault.h>
+#include <TovoJob/Functions.h>
 #include <TovoJob/Job.h>
 #include <TovoJob/JobFile.h>
 #include <TovoJob/ObjectList.h>
@@ -15,5 +16,6 @@
 #include <TovoJob/Report.h>
 #include <TovoJob/Result.h>
 #include <TovoJob/Span.h>
+#include <TovoJob/Typing.h>
 
 #endif

@@ -28,6 +28,9 @@ constexpr struct {
     {MSG_JOB_RING, "The value depends on itself."},
     {MSG_JOB_LINKED_FAILED, "The object of the host cannot be calculated."},
     {MSG_JOB_EMPTY_CELL, "The cell of the table is empty."},
+    {MSG_JOB_NO_FUNCTION, "%s is not a function of this language."},
+    {MSG_JOB_NO_WORD, "%s is neither a name of this job nor a word of this language."},
+    {MSG_JOB_AMBIGUOUS_WORD, "%s can mean more than one thing."},
 };
 
 // A host that has put the table there already, perhaps below a translation, keeps its order.
@@ -54,6 +57,13 @@ std::string MessageText(unsigned int message)
             return row.text;
     }
     return "Message " + std::to_string(message) + ".";
+}
+
+std::string MessageAbout(unsigned int message, const std::string& word)
+{
+    CString text;
+    text.Format(CString(MessageText(message)).GetString(), CString(word));
+    return text.ToUtf8();
 }
 
 bool IsDomainMessage(unsigned int message)

@@ -9,6 +9,9 @@ namespace tovo::job {
 // string resources has it, else in English.
 std::string MessageText(unsigned int message);
 
+// The text of a message about a word, with the word in it.
+std::string MessageAbout(unsigned int message, const std::string& word);
+
 // Whether the message is about values and not about the text: a fault of mathematics.
 bool IsDomainMessage(unsigned int message);
 
