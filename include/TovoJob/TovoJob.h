@@ -5,6 +5,7 @@
 
 #include <TovoJob/Edit.h>
 #include <TovoJob/Fault.h>
+#include <TovoJob/Fixes.h>
 #include <TovoJob/Functions.h>
 #include <TovoJob/Job.h>
 #include <TovoJob/JobFile.h>

@@ -43,6 +43,8 @@ public:
     // All faults, those of formulas in front of those of tables, each kind in its order.
     std::vector<Fault> Faults(const Content& content) const;
     std::optional<Failure> FailureOf(const ObjectName& object) const;
+    // The faults of one object itself, without those of what it reads.
+    std::vector<Fault> OwnFaults(const ObjectName& object) const;
 
     const Network& Uses() const { return m_Network; }
     // The expression of a formula with its text; null for what is none, or is linked.

@@ -9,6 +9,7 @@
 #include "Messages.h"
 #include "Rings.h"
 #include "TableParts.h"
+#include "WordCharacters.h"
 
 namespace tovo::job {
 
@@ -182,6 +183,12 @@ Fault Calculation::FaultOfEngine(NodeId id, unsigned int message)
         const std::string text = expression.GetTextStr().ToUtf8();
         fault.place.span = span;
         fault.offender = Trimmed(text.substr(span.begin.utf8, span.end.utf8 - span.begin.utf8));
+        if (message == MSG_INVALID_ELEMENT && IsWordCharacter(Wide(fault.offender)[0])) {
+            const std::size_t next = text.find_first_not_of(' ', span.end.utf8);
+            const bool isCalled = next != text.npos && text[next] == '(';
+            fault.text =
+                MessageAbout(isCalled ? MSG_JOB_NO_FUNCTION : MSG_JOB_NO_WORD, fault.offender);
+        }
     }
     return fault;
 }
@@ -260,6 +267,12 @@ std::vector<Fault> Calculation::Faults(const Content& content) const
             faults[fault->second].affected.push_back(m_Network.NameOf(id));
     }
     return faults;
+}
+
+std::vector<Fault> Calculation::OwnFaults(const ObjectName& object) const
+{
+    const auto found = m_Network.Find(object);
+    return found && IsDefined(*found) ? m_Nodes[*found].faults : std::vector<Fault>();
 }
 
 std::optional<Failure> Calculation::FailureOf(const ObjectName& object) const

@@ -4,6 +4,8 @@
 
 #include <TovoFormula/TokenCodes.h>
 
+#include "WordCharacters.h"
+
 namespace tovo::job {
 
 namespace {
@@ -114,12 +116,31 @@ ScannedText Scan(const CFmlaExprBase& expression)
     return scanned;
 }
 
+namespace {
+
+// The end of the word that a token begins or goes on with, up to the next reference.
+int EndOfUnknownWord(const CFmlaExprBase& expression, const Token& token)
+{
+    const CString text = expression.GetTextStr();
+    auto end = static_cast<int>(EndOfWord(text.View(), static_cast<std::size_t>(token.begin)));
+    for (int index = 0; index < expression.NumVars(); ++index) {
+        if (expression.VarPos(index) >= token.end)
+            end = std::min(end, expression.VarPos(index));
+    }
+    return end;
+}
+
+} // namespace
+
 int EndOfTokenAt(const CFmlaExprBase& expression, int position)
 {
     TokenReader reader(expression);
     for (Token token; reader.Next(token);) {
-        if (token.begin <= position && position < token.end)
-            return token.end;
+        if (token.begin > position || position >= token.end)
+            continue;
+        // A word in small letters is an unknown sign for each of them.
+        return token.code == TOK_ILLEGAL ? std::max(token.end, EndOfUnknownWord(expression, token))
+                                         : token.end;
     }
     // What the scanner could not take is a number: it reaches to the next thing that no number has.
     const CString whole = expression.GetTextStr();
