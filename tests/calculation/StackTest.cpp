@@ -97,7 +97,7 @@ TEST_F(Stack, CarriesAChainOrRefusesIt)
         {"tables", &Stack::ChainOfTables, kChain / 2},
     };
     for (const Kind& kind : kinds)
-        for (const std::size_t kibibytes : {128, 256, 512, 1024, 4096}) {
+        for (const std::size_t kibibytes : {128u, 256u, 512u, 1024u, 4096u}) {
             SCOPED_TRACE(std::string(kind.name) + " in " + std::to_string(kibibytes) + " KiB");
             m_Set.m_HostFormulas.clear();
             IFormulaObj& top = *(this->*kind.make)();
