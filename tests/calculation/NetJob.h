@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <random>
+#include <tuple>
 #include <utility>
 
 #include <TovoFormula/CalculationPass.h>
@@ -276,7 +277,7 @@ protected:
         m_Edited->SetFromEncodedString(u"V(x)+V(y)");
         m_Deep.m_OnRead = [this] {
             unsigned int message = 0;
-            m_Edited->Calculate(message, nullptr);
+            std::ignore = m_Edited->Calculate(message, nullptr);
             m_Deep.m_Value = m_Edited->GetValue();
         };
         for (const auto& each : m_Sets) {
@@ -304,7 +305,7 @@ protected:
         for (int index = 0; Has(NET_OPERANDS) && index < 2; ++index) {
             m_Operands.push_back(std::make_unique<CalculationOperand>(*m_Dice.Of(m_Sets)));
             CString name = m_Dice.Of(m_Formulas)->GetName();
-            m_Operands.back()->LoadFormula(name);
+            std::ignore = m_Operands.back()->LoadFormula(name);
         }
     }
 

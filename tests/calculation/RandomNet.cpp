@@ -349,7 +349,7 @@ private:
             return;
         try {
             unsigned int message = 0;
-            m_Edited->Calculate(message, nullptr);
+            std::ignore = m_Edited->Calculate(message, nullptr);
         } catch (const HostTrouble&) { // a variable that throws may have the name of one it reads
         }
     }
