@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdlib>
 #include <system_error>
 #include <utility>
 
@@ -23,7 +22,7 @@ CString Thousandths(double value)
         std::to_chars(digits, digits + sizeof digits, value, std::chars_format::scientific);
     const std::string_view text(digits, static_cast<std::size_t>(written.ptr - digits));
     const std::size_t mark = text.find('e');
-    const int exponent = std::atoi(text.data() + mark + 1);
+    const int exponent = std::stoi(std::string(text.substr(mark + 1)));
     return Wide(std::string(text.substr(0, mark)) + "e" + std::to_string(exponent + 3));
 }
 

@@ -27,6 +27,17 @@ TEST(Job, CalculatesWhatItOwns)
     EXPECT_EQ(report.changes.calculated, 3u);
 }
 
+TEST(Job, KeepsTheNumbersOfCells)
+{
+    for (const double number :
+         {0.0, -0.25, 0.1, 151.0, 139.5, 0.001, 123456789.125, 4e22, -1e300}) {
+        Job job;
+        job.AddTable(StepTable("Rate", 0.0, {0, 1}, {number, 1.0})).Value();
+        job.Update();
+        EXPECT_EQ(job.ValueOf(TableNamed("Rate")), number);
+    }
+}
+
 TEST(Job, RefusesWhatItCannotHold)
 {
     struct Case {
