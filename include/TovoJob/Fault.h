@@ -24,6 +24,9 @@ enum JobMessageId : unsigned int {
     MSG_JOB_NO_FUNCTION = 20021,
     MSG_JOB_NO_WORD = 20022,
     MSG_JOB_AMBIGUOUS_WORD = 20023,
+    // Of the inputs of a batch.
+    MSG_JOB_INPUT_NOT_A_NUMBER = 20031,
+    MSG_JOB_INPUT_NOT_YES_NO = 20032,
 };
 
 // A place in an object: a stretch of a formula's text, or a part of a table.

@@ -24,6 +24,7 @@ enum class RefusalKind {
     FileChanged,   // the file on disk is not the one that was read
     ReadOnlyFile,  // the file may not be written
     CannotWrite,   // the system refused; the file is as it was
+    NoSolution,    // no input of the range gives the value that is wanted
 };
 
 // A refusal in words, for people. Whatever was refused has changed nothing.

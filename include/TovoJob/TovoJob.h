@@ -3,6 +3,9 @@
 
 // Everything that hosts need of the job library.
 
+#include <TovoJob/Batch.h>
+#include <TovoJob/Csv.h>
+#include <TovoJob/CsvBatch.h>
 #include <TovoJob/Edit.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/Fixes.h>
@@ -16,6 +19,8 @@
 #include <TovoJob/ReplaceFile.h>
 #include <TovoJob/Report.h>
 #include <TovoJob/Result.h>
+#include <TovoJob/Scenario.h>
+#include <TovoJob/Solve.h>
 #include <TovoJob/Span.h>
 #include <TovoJob/Typing.h>
 

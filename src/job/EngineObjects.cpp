@@ -47,16 +47,6 @@ double LimitAt(const std::vector<double>& limits, int index)
     return at < limits.size() ? limits[at] : 0.0;
 }
 
-int RowsOf(const Table& table)
-{
-    return std::max(2, static_cast<int>(table.cells.size()));
-}
-
-int ColumnsOf(const Table& table)
-{
-    return table.cells.empty() ? 1 : static_cast<int>(table.cells.front().size());
-}
-
 // The outcome of a call that went well, or not.
 template <typename Object>
 Evaluation Told(Object& object, int isDone, unsigned int message)
@@ -107,20 +97,8 @@ EngineTable::EngineTable(CalcSetImpl& set, std::shared_ptr<const Table> table)
 {
     CString name = Wide(m_Record->name);
     SetName(name);
-    if (m_Record->linked)
-        return;
-    GetRowSelector().init(CombinedString(m_Record->rowSelector));
-    GetColumnSelector().init(CombinedString(m_Record->columnSelector));
-    for (int column = 0; column < GetColumnCount(); ++column)
-        SetColumnLimit(column, LimitAt(m_Record->columnLimits, column));
-    for (int row = 0; row < GetRowCount(); ++row) {
-        SetRowLimit(row, LimitAt(m_Record->rowLimits, row));
-        int column = 0;
-        for (const Element& cell : m_Record->cells[static_cast<std::size_t>(row)])
-            // From here on the table owns the cell.
-            SetCell(row, column++,
-                    std::make_unique<CFormtblElem>(CombinedString(cell), set).release());
-    }
+    if (!m_Record->linked)
+        Fill(*this, set, *m_Record);
 }
 
 Evaluation EngineTable::Evaluate()
@@ -148,6 +126,32 @@ unsigned int EngineTable::CheckAlone()
     IsValid(message, 0);
     SetValidated(0);
     return message;
+}
+
+void Fill(FormulaTableImpl& stock, ICalculationSet& set, const Table& table)
+{
+    stock.GetRowSelector().init(CombinedString(table.rowSelector));
+    stock.GetColumnSelector().init(CombinedString(table.columnSelector));
+    for (int column = 0; column < stock.GetColumnCount(); ++column)
+        stock.SetColumnLimit(column, LimitAt(table.columnLimits, column));
+    for (int row = 0; row < stock.GetRowCount(); ++row) {
+        stock.SetRowLimit(row, LimitAt(table.rowLimits, row));
+        int column = 0;
+        for (const Element& cell : table.cells[static_cast<std::size_t>(row)])
+            // From here on the table owns the cell.
+            stock.SetCell(row, column++,
+                          std::make_unique<CFormtblElem>(CombinedString(cell), set).release());
+    }
+}
+
+int RowsOf(const Table& table)
+{
+    return std::max(2, static_cast<int>(table.cells.size()));
+}
+
+int ColumnsOf(const Table& table)
+{
+    return table.cells.empty() ? 1 : static_cast<int>(table.cells.front().size());
 }
 
 std::unique_ptr<VariableImpl> MakeEngineVariable(CalcSetImpl& set, const Variable& variable)

@@ -88,6 +88,12 @@ private:
     std::shared_ptr<const Table> m_Record;
 };
 
+// Gives a stock table the limits, selectors and cells. Requires: a stock table of the same size.
+void Fill(FormulaTableImpl& stock, ICalculationSet& set, const Table& table);
+// How many rows and columns the engine's table has.
+int RowsOf(const Table& table);
+int ColumnsOf(const Table& table);
+
 std::unique_ptr<VariableImpl> MakeEngineVariable(CalcSetImpl& set, const Variable& variable);
 
 } // namespace tovo::job

@@ -31,6 +31,8 @@ constexpr struct {
     {MSG_JOB_NO_FUNCTION, "%s is not a function of this language."},
     {MSG_JOB_NO_WORD, "%s is neither a name of this job nor a word of this language."},
     {MSG_JOB_AMBIGUOUS_WORD, "%s can mean more than one thing."},
+    {MSG_JOB_INPUT_NOT_A_NUMBER, "The input is not a number."},
+    {MSG_JOB_INPUT_NOT_YES_NO, "The input is neither yes nor no."},
 };
 
 // A host that has put the table there already, perhaps below a translation, keeps its order.
