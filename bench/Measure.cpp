@@ -20,7 +20,8 @@ Engine EngineNamed(const std::string& name)
 
 double NanosecondsOfOnePart(const benchmark::BenchmarkReporter::Run& run)
 {
-    const double time = run.GetAdjustedCPUTime();
+    const bool isRealTime = !run.run_name.time_type.empty();
+    const double time = isRealTime ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
     const auto parts = run.counters.find(kParts);
     return parts == run.counters.end() ? time : time / parts->second.value;
 }

@@ -17,18 +17,20 @@ void RegisterExpressions(ResultTable& table);
 void RegisterNets(ResultTable& table);
 void RegisterLookups(ResultTable& table);
 void RegisterLoading(ResultTable& table);
+// Measured in time as it passes, since several threads share it, where the section compares those.
+void RegisterBatches(ResultTable& table);
 // Measures at once, as bytes do not vary.
 void NoteStack(ResultTable& table);
 
 // The body takes a benchmark::State and loops over it. A body that does its work on several things
 // in each turn says how many with NoteParts, and the table then shows the time for one of them.
 template <typename Body>
-void Register(ResultTable& table, const std::string& section, const std::string& row, Engine engine,
-              Body body)
+benchmark::internal::Benchmark* Register(ResultTable& table, const std::string& section,
+                                         const std::string& row, Engine engine, Body body)
 {
     table.Name(section, row);
     const std::string name = section + "/" + row + "/" + NameOf(engine);
-    benchmark::RegisterBenchmark(name.c_str(), std::move(body));
+    return benchmark::RegisterBenchmark(name.c_str(), std::move(body));
 }
 void NoteParts(benchmark::State& state, std::size_t parts);
 

@@ -25,6 +25,7 @@ constexpr Engine kAll[] = {Engine::Ours, Engine::MuParser, Engine::Lua, Engine::
                            Engine::ByHand};
 constexpr Engine kEngines[] = {Engine::Ours, Engine::MuParser, Engine::Lua, Engine::LuaJit};
 constexpr Engine kOnTheHeap[] = {Engine::Ours, Engine::MuParser, Engine::Lua};
+constexpr Engine kToLua[] = {Engine::Ours, Engine::Lua, Engine::LuaJit};
 constexpr Engine kToStock[] = {Engine::Ours, Engine::Stock};
 constexpr Engine kToMuParser[] = {Engine::Ours, Engine::MuParser};
 constexpr Engine kCallingByHand[] = {Engine::Ours, Engine::MuParser, Engine::ByHand};
@@ -73,6 +74,8 @@ constexpr Section kSections[] = {
     {kLoading,            "µs",    1e3,  kEngines,       {Judged::EachRow, Engine::Lua, 1.0},      0,      nullptr},
     {kMemory,             "bytes", 1,    kOnTheHeap,     {Judged::LastRow, std::nullopt, 1200},    0,      nullptr},
     {kStack,              "KiB",   1024, kOurs,          {Judged::EachRow, std::nullopt, 512},     0,      nullptr},
+    {kBatch,              "ns",    1,    kToLua,         {Judged::EachRow, Engine::Lua, 1.0 / 3},  0,      nullptr},
+    {kBatchThreads,       "ns",    1,    kOurs,          kNoBar,                                   1 / 1.7, nullptr},
     {kLongSum,            "ns",    1,    kOurs,          kNoBar,                                   1.5,    nullptr},
 };
 // clang-format on

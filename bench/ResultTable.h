@@ -34,6 +34,8 @@ inline constexpr const char* kLookup = "lookup in a table";
 inline constexpr const char* kLoading = "loading 10,000 formulas, each";
 inline constexpr const char* kMemory = "memory of a loaded formula";
 inline constexpr const char* kStack = "stack of a call for a chain of 1,000 formulas";
+inline constexpr const char* kBatch = "a row of a million of the example job";
+inline constexpr const char* kBatchThreads = "the same on several threads";
 inline constexpr const char* kLongSum = "a long sum, each token";
 
 // One for each engine, empty where it was not measured.
