@@ -119,7 +119,7 @@ TEST_F(Stack, CarriesAChainOrRefusesIt)
         }
 }
 
-#ifdef NDEBUG
+#if defined(NDEBUG) && !defined(__SANITIZE_THREAD__)
 // What a thread of a C library with small stacks has, and the main thread of other systems.
 TEST_F(Stack, CarriesTheDeepestChainInHalfAMebibyte)
 {
