@@ -30,7 +30,8 @@ bool AreFinite(const std::vector<double>& numbers)
 
 bool IsWellFormed(const std::string& text)
 {
-    return Wide(text).ToUtf8() == text;
+    const auto isAscii = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+    return std::all_of(text.begin(), text.end(), isAscii) || Wide(text).ToUtf8() == text;
 }
 
 Result<void> CheckShape(const Table& table)
