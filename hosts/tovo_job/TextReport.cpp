@@ -1,20 +1,16 @@
 #include "TextReport.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include <fmt/color.h>
 #include <fmt/format.h>
 
 #include "Columns.h"
+#include "ValueText.h"
 
 namespace {
 
 constexpr std::size_t kListWidth = 72; // code points of a list of names before it is broken
-// Beyond these six decimals would show mere noise, or nothing at all.
-constexpr double kGreatestPlain = 1e15;
-constexpr double kSmallestPlain = 5e-7;
-
 std::string Painted(const std::string& text, const fmt::text_style& style, const TextManner& manner)
 {
     return manner.isColoured ? fmt::format(style, "{}", text) : text;
@@ -26,31 +22,6 @@ std::string Section(const std::string& heading, const std::string& lines, const 
     if (lines.empty())
         return "";
     return "\n" + Painted(heading, fmt::emphasis::bold, manner) + "\n" + lines;
-}
-
-std::string NumberText(double number)
-{
-    if (std::isnan(number))
-        return "not a number";
-    if (std::isinf(number))
-        return number < 0 ? "-infinity" : "infinity";
-    const double size = std::fabs(number);
-    if (size >= kGreatestPlain || (size > 0 && size < kSmallestPlain))
-        return fmt::format("{:.6g}", number);
-    // A zero that came about with a minus sign is a zero to people.
-    std::string text = fmt::format("{:.6f}", number == 0 ? 0.0 : number);
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.ends_with('.'))
-        text.pop_back();
-    return text;
-}
-
-// Without the blanks that a text has around a reference at either end.
-std::string Trimmed(std::string text)
-{
-    text.erase(text.find_last_not_of(' ') + 1);
-    text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
-    return text;
 }
 
 // Variables need no word for their kind: a reader expects them, and they are the most.
@@ -222,13 +193,7 @@ std::string Notes(const Facts& facts)
 
 std::string ValueText(const Value& value, const TextManner& manner)
 {
-    // An IF takes everything but 0 for yes, so that is how a value reads.
-    if (value.isYesNo)
-        return value.number != 0.0 ? "yes" : "no";
-    std::string text = NumberText(value.number);
-    if (const std::size_t point = text.find('.'); point != text.npos)
-        text.replace(point, 1, manner.decimalSeparator);
-    return text;
+    return ::ValueText(value.number, value.isYesNo, manner.decimalSeparator);
 }
 
 std::string TextReport(const Facts& facts, const TextManner& manner)

@@ -1,5 +1,5 @@
-#ifndef TOVO_JOB_COLUMNS_H
-#define TOVO_JOB_COLUMNS_H
+#ifndef TOVO_PRESENTATION_COLUMNS_H
+#define TOVO_PRESENTATION_COLUMNS_H
 
 #include <cstddef>
 #include <string>
@@ -14,6 +14,9 @@
 // messages come from files and must not steer the terminal.
 std::string Printable(std::string_view text);
 std::string Printable(const CString& text);
+
+// The text without the blanks that it has around a reference at either end.
+std::string Trimmed(std::string text);
 
 std::size_t WidthOf(std::string_view text);
 

@@ -1,5 +1,5 @@
-#ifndef TOVO_JOB_LANGUAGE_H
-#define TOVO_JOB_LANGUAGE_H
+#ifndef TOVO_PRESENTATION_LANGUAGE_H
+#define TOVO_PRESENTATION_LANGUAGE_H
 
 #include <map>
 #include <optional>

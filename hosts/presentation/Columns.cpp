@@ -25,7 +25,17 @@ std::string Printable(const CString& text)
 
 std::string Printable(std::string_view text)
 {
+    // Most texts are of nothing but these.
+    if (std::all_of(text.begin(), text.end(), [](char byte) { return byte >= ' ' && byte < 0x7F; }))
+        return std::string(text);
     return Printable(CString(text));
+}
+
+std::string Trimmed(std::string text)
+{
+    text.erase(text.find_last_not_of(' ') + 1);
+    text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
+    return text;
 }
 
 // Every byte but those that continue a code point begins one.
@@ -47,11 +57,14 @@ std::string Columns::Print() const
     for (const auto& row : m_Rows) {
         std::string line;
         for (std::size_t column = 0; column < row.size(); ++column) {
-            const std::string padding(widths[column] - WidthOf(row[column]), ' ');
-            line += "  ";
-            line += m_Alignment[column] == 'r' ? padding + row[column] : row[column] + padding;
+            const std::size_t padding = widths[column] - WidthOf(row[column]);
+            const bool isRight = m_Alignment[column] == 'r';
+            line.append(isRight ? padding + 2 : 2, ' ');
+            line += row[column];
+            if (!isRight && column + 1 < row.size())
+                line.append(padding, ' ');
         }
-        // The padding of the last column would only make lines break on a narrow terminal.
+        // What pads empty cells at the end would only make lines break on a narrow terminal.
         line.erase(line.find_last_not_of(' ') + 1);
         lines += line + "\n";
     }
