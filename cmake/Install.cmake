@@ -50,3 +50,8 @@ foreach(program tovo-calc tovo-edit)
       RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Programs EXCLUDE_FROM_ALL)
   endif()
 endforeach()
+if(TARGET tovo-calc)
+  install(FILES hosts/tovo_calc/tovo-calc.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tovo-calc
+    COMPONENT Programs EXCLUDE_FROM_ALL)
+endif()

@@ -10,15 +10,14 @@
 #include <unistd.h>
 
 #include <TovoFormula/Module.h>
+#include <TovoFormula/RtfDocument.h>
 #include <support/RtfReader.h>
 
 #include "Calculation.h"
 #include "JobDocument.h"
 #include "JsonFile.h"
-#include "JsonReport.h"
 #include "Oracles.h"
 #include "Reader.h"
-#include "RtfReport.h"
 #include "TextReport.h"
 
 // Job files of any bytes: read, calculated, reported, edited and read again. The first line says
@@ -49,6 +48,17 @@ private:
     int m_Descriptor;
 };
 
+std::string RichText(::Job& job)
+{
+    RtfDocument document(u"Arial", 22);
+    for (const auto& formula : job.Formulas()) {
+        document.AddText(formula->GetName() + u" = ");
+        document.AddExpression(formula->GetExpression());
+        document.EndParagraph();
+    }
+    return document.GetRTFString().ToUtf8();
+}
+
 // All that is told of a job.
 std::string Told(::Job& job, bool isStaticScan)
 {
@@ -57,10 +67,10 @@ std::string Told(::Job& job, bool isStaticScan)
         Require(!formula.fault ||
                     (formula.faultPos >= -1 && formula.faultPos <= formula.text.GetLength()),
                 "an invalid position inside the text", [&] { return formula.text.ToUtf8(); });
-    const std::string richText = RtfReport(job);
+    const std::string richText = RichText(job);
     Require(test::ReadRtf(richText).has_value(), "a document that parses",
             [&] { return richText; });
-    return TextReport(facts, {}) + JsonReport(facts) + richText;
+    return TextReport(facts, {}) + richText;
 }
 
 nlohmann::json Text(const CString& text)

@@ -1,134 +1,132 @@
 #include "JsonReport.h"
 
+#include <algorithm>
 #include <cmath>
 
-#include <nlohmann/json.hpp>
+#include "TextReport.h"
 
 namespace {
 
-using Json = nlohmann::ordered_json; // keeps the keys in the order in which people read
-
-// JSON has no word for these numbers, and null would read as if there were no value.
-Json ValueJson(const Value& value)
+Json SpanJson(const tovo::Span& span)
 {
-    if (value.isYesNo)
-        return value.number != 0.0;
-    if (std::isnan(value.number))
-        return "NaN";
-    if (std::isinf(value.number))
-        return value.number < 0 ? "-Infinity" : "Infinity";
-    return value.number;
+    return {{"utf16", {span.begin.utf16, span.end.utf16}},
+            {"utf8", {span.begin.utf8, span.end.utf8}}};
 }
 
-Json NamedJson(const Value& value)
+template <typename Entries, typename ToJson>
+Json ListJson(const Entries& entries, ToJson toJson)
 {
-    Json json;
-    json["name"] = value.name.ToUtf8();
-    if (!value.unit.IsEmpty())
-        json["unit"] = value.unit.ToUtf8();
+    Json list = Json::array();
+    for (const auto& entry : entries)
+        list.push_back(toJson(entry));
+    return list;
+}
+
+Json FaultJson(const tovo::Fault& fault)
+{
+    Json json = {{"object", WriteReference(fault.object)},
+                 {"message", fault.message},
+                 {"text", fault.text},
+                 {"place", PlaceJson(fault.place)}};
+    if (!fault.offender.empty())
+        json["offender"] = fault.offender;
+    json["chain"] = fault.chain;
+    if (!fault.ring.empty())
+        json["ring"] = ListJson(fault.ring, PlaceJson);
+    json["affected"] = ListJson(fault.affected, tovo::WriteReference);
     return json;
 }
 
-Json NamesJson(const std::vector<Dependency>& uses, bool isStaticScan)
+Json FixJson(const tovo::Fix& fix)
 {
-    Json names = Json::array();
-    for (const Dependency& use : uses) {
-        Json& name = names.emplace_back();
-        name["name"] = use.name.ToUtf8();
-        // A static scan does not know, and false would claim that it does.
-        if (!isStaticScan)
-            name["inCondition"] = use.inCondition;
-    }
-    return names;
+    return {{"description", fix.description}, {"text", fix.text}, {"sound", fix.isSound}};
 }
 
-Json UsesJson(const Dependencies& uses, bool isStaticScan)
+Json OutcomeJson(const tovo::Job& job, const tovo::Outcome& outcome)
 {
-    Json json;
-    json["jobValues"] = NamesJson(uses.jobValues, isStaticScan);
-    json["variables"] = NamesJson(uses.variables, isStaticScan);
-    json["formulas"] = NamesJson(uses.formulas, isStaticScan);
-    json["tables"] = NamesJson(uses.tables, isStaticScan);
+    Json json = {{"name", outcome.object.name}};
+    if (!outcome.unit.empty())
+        json["unit"] = outcome.unit;
+    if (outcome.object.kind == tovo::Kind::Formula)
+        json["text"] = job.TextOf(outcome.object);
+    json["value"] = ValueJson(outcome.value, outcome.isYesNo);
     return json;
 }
 
-Json FaultJson(const Fault& fault)
+Json ChangeJson(const tovo::PlaceChange& change)
 {
-    Json json;
-    json["message"] = fault.message;
-    json["text"] = fault.text.ToUtf8();
-    // Without this an empty list would come out as null; the same goes for all lists below.
-    json["chain"] = Json::array();
-    for (const CString& entry : fault.chain)
-        json["chain"].push_back(entry.ToUtf8());
+    Json json = {{"object", WriteReference(change.object)}, {"part", change.part}};
+    json["before"] = change.before ? Json(*change.before) : Json(nullptr);
+    json["after"] = change.after ? Json(*change.after) : Json(nullptr);
     return json;
 }
 
-// What a formula and an expression have in common.
-void AddFormula(Json& json, const FormulaFacts& formula, bool isStaticScan)
+Json ChangeJson(const tovo::ValueChange& change)
 {
-    json["text"] = formula.text.ToUtf8();
-    if (formula.fault) {
-        json["fault"] = FaultJson(*formula.fault);
-        // In the library's own count and not in columns: an editor can set its cursor there.
-        json["fault"]["position"] = formula.faultPos;
-        return;
-    }
-    json["value"] = ValueJson(formula.value);
-    json["uses"] = UsesJson(formula.uses, isStaticScan);
-}
-
-Json TableJson(const TableFacts& table, bool isStaticScan)
-{
-    Json json = NamedJson(table.value);
-    if (table.fault) {
-        json["fault"] = FaultJson(*table.fault);
-        return json;
-    }
-    json["value"] = ValueJson(table.value);
-    json["cell"]["row"] = table.row;
-    json["cell"]["column"] = table.column;
-    json["cell"]["content"] = table.cell.ToUtf8();
-    json["uses"] = UsesJson(table.uses, isStaticScan);
-    return json;
-}
-
-Json MadeUpJson(const Facts& facts)
-{
-    Json names = Json::array();
-    for (const CString& name : facts.madeUpVariables)
-        names.push_back(name.ToUtf8());
-    return names;
+    const bool isYesNo = tovo::IsYesNoName(change.object.name);
+    return {{"object", WriteReference(change.object)},
+            {"before", ValueJson(change.before, isYesNo)},
+            {"after", ValueJson(change.after, isYesNo)}};
 }
 
 } // namespace
 
-std::string JsonReport(const Facts& facts)
+std::string JsonText(const Json& json)
 {
-    Json json;
-    for (const Value& value : facts.jobValues)
-        json["jobValues"][value.name.ToUtf8()] = ValueJson(value);
-    json["variables"] = Json::array();
-    for (const Value& value : facts.variables) {
-        Json& variable = json["variables"].emplace_back(NamedJson(value));
-        variable["value"] = ValueJson(value);
-    }
-    json["formulas"] = Json::array();
-    for (const FormulaFacts& formula : facts.formulas) {
-        Json& entry = json["formulas"].emplace_back(NamedJson(formula.value));
-        AddFormula(entry, formula, facts.isStaticScan);
-    }
-    json["tables"] = Json::array();
-    for (const TableFacts& table : facts.tables)
-        json["tables"].push_back(TableJson(table, facts.isStaticScan));
-    json["madeUpVariables"] = MadeUpJson(facts);
-    return json.dump(2) + "\n";
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-std::string ExpressionJsonReport(const Facts& facts)
+Json ValueJson(const std::optional<double>& value, bool isYesNo)
 {
+    if (!value)
+        return nullptr;
+    if (isYesNo)
+        return *value != 0.0;
+    // JSON has no word for these numbers, and null would read as if there were no value.
+    if (std::isnan(*value))
+        return "NaN";
+    if (std::isinf(*value))
+        return *value < 0 ? "-Infinity" : "Infinity";
+    return *value;
+}
+
+Json PlaceJson(const tovo::Place& place)
+{
+    Json json = {{"object", WriteReference(place.object)}};
+    if (place.span)
+        json["span"] = SpanJson(*place.span);
+    if (!place.part.empty())
+        json["part"] = place.part;
+    return json;
+}
+
+Json FaultsJson(const tovo::Job& job, const std::vector<tovo::Fault>& faults)
+{
+    Json list = ListJson(faults, FaultJson);
+    for (std::size_t index = 0; index < std::min(list.size(), kMostFixed); ++index)
+        list[index]["fixes"] = ListJson(FixesFor(faults[index], job), FixJson);
+    return list;
+}
+
+Json ReportJson(const tovo::Job& job, const tovo::Report& report)
+{
+    const tovo::JobValues& values = job.Values();
     Json json;
-    AddFormula(json, facts.formulas.front(), facts.isStaticScan);
-    json["madeUpVariables"] = MadeUpJson(facts);
-    return json.dump(2) + "\n";
+    json["jobValues"] = {
+        {"DURATION", values.duration}, {"JOBSIZE", values.jobSize}, {"QUANTITY", values.quantity}};
+    for (const char* const kind : {"variables", "formulas", "tables"})
+        json[kind] = Json::array();
+    for (const tovo::Outcome& outcome : report.outcomes)
+        json[std::string(WordFor(outcome.object.kind)) + "s"].push_back(OutcomeJson(job, outcome));
+    json["faults"] = FaultsJson(job, report.faults);
+    return json;
+}
+
+Json PreviewJson(const tovo::Preview& preview)
+{
+    const auto toJson = [](const auto& change) { return ChangeJson(change); };
+    return {{"places", ListJson(preview.places, toJson)},
+            {"values", ListJson(preview.values, toJson)},
+            {"newFaults", ListJson(preview.newFaults, FaultJson)},
+            {"clearedFaults", ListJson(preview.clearedFaults, FaultJson)}};
 }

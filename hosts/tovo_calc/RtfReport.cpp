@@ -7,17 +7,29 @@ namespace {
 constexpr const WCHAR* kFont = u"Arial";
 constexpr int kHalfPoints = 22;
 
+void AddExpression(RtfDocument& document, const std::string& expression)
+{
+    CFmlaExprBase text;
+    text.SetFromEncodedString(CString(std::string_view(expression)));
+    document.AddExpression(text);
+    document.EndParagraph();
+}
+
 } // namespace
 
-std::string RtfReport(const Job& job)
+std::string RtfReport(const tovo::Job& job)
 {
     RtfDocument document(kFont, kHalfPoints);
-    for (const auto& formula : job.Formulas()) {
-        const CString name = formula->GetName();
-        if (!name.IsEmpty())
-            document.AddText(name + u" = ");
-        document.AddExpression(formula->GetExpression());
-        document.EndParagraph();
+    for (const tovo::Formula& formula : job.Formulas()) {
+        document.AddText(CString(std::string_view(formula.name)) + u" = ");
+        AddExpression(document, formula.expression);
     }
+    return document.GetRTFString().ToUtf8();
+}
+
+std::string RtfReport(const std::string& expression)
+{
+    RtfDocument document(kFont, kHalfPoints);
+    AddExpression(document, expression);
     return document.GetRTFString().ToUtf8();
 }

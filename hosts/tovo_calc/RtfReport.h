@@ -3,10 +3,12 @@
 
 #include <string>
 
-#include "Job.h"
+#include <TovoJob/Job.h>
 
 // One document with all formulas of the job, each after its name, in the colours of their
-// references; of an expression without a name the text alone. Plain ASCII, for any reader.
-std::string RtfReport(const Job& job);
+// references. Plain ASCII, for any reader.
+std::string RtfReport(const tovo::Job& job);
+// The same of one expression in the stored form.
+std::string RtfReport(const std::string& expression);
 
 #endif

@@ -1,92 +1,68 @@
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
 #include <exception>
-#include <fstream>
-#include <system_error>
+#include <string_view>
+#include <vector>
 
 #include <fmt/core.h>
-#include <unistd.h>
 
 #include <TovoFormula/Module.h>
 
-#include "Calculation.h"
 #include "Columns.h"
-#include "Job.h"
-#include "JobFile.h"
-#include "JsonFile.h"
-#include "JsonReport.h"
-#include "Language.h"
-#include "Options.h"
-#include "Rewrite.h"
-#include "RtfReport.h"
-#include "TextReport.h"
+#include "Commands.h"
 
 namespace {
 
-// What the command line says goes before what the file says.
-JobEntries EntriesOf(const Options& options)
+constexpr const char* kExamples = R"(Examples:
+  tovo-calc house-slab.json
+  tovo-calc house-slab.json --set "Winter work?=yes" --set QUANTITY=5
+  tovo-calc -e 'V(Length)*V(Width)' --set Length=12.5 --set Width=8.4
+  tovo-calc check house-slab.json
+  tovo-calc rename house-slab.json "Slab area" "Floor area" > renamed.json
+
+A job whose file is called like a subcommand is written as ./calc.
+
+Exit codes: 0 all calculated, 1 something is a fault, 2 nothing was done because of the command line
+or a file.)";
+
+// The arguments in the order in which the parser takes them from the end. Without a subcommand they
+// are those of calc.
+std::vector<std::string> ReversedArguments(const CLI::App& app, int argc, char** argv)
 {
-    if (options.expression)
-        return JobOfExpression(*options.expression, options.settings);
-    JobEntries entries = ReadJobFile(options.jobFile);
-    ApplySettings(entries, options.settings);
-    return entries;
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    constexpr std::string_view kOwn[] = {"-h", "--help", "--version"};
+    const auto isFirst = [&](const std::string_view name) { return arguments.front() == name; };
+    const auto subcommands = app.get_subcommands({});
+    const bool isOwn =
+        !arguments.empty() &&
+        (std::any_of(std::begin(kOwn), std::end(kOwn), isFirst) ||
+         std::any_of(subcommands.begin(), subcommands.end(),
+                     [&](const CLI::App* command) { return isFirst(command->get_name()); }));
+    if (!isOwn)
+        arguments.insert(arguments.begin(), "calc");
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
 }
 
-std::string ReportOn(const Facts& facts, const Options& options, const TextManner& manner)
-{
-    if (options.expression)
-        return options.isJson ? ExpressionJsonReport(facts) : ExpressionTextReport(facts, manner);
-    return options.isJson ? JsonReport(facts) : TextReport(facts, manner);
-}
-
-// NO_COLOR counts whatever its value is.
-bool WantsColour()
-{
-    return isatty(STDOUT_FILENO) != 0 && !std::getenv("NO_COLOR");
-}
-
-void Print(const std::string& text)
-{
-    fmt::print("{}", text);
-    // A full disk shows only here, and a script must not take half a report for a whole one.
-    if (std::fflush(stdout) != 0)
-        throw std::system_error(errno, std::generic_category(), "the report cannot be written");
-}
-
-void WriteFile(const std::string& path, const std::string& content)
-{
-    std::ofstream stream(path, std::ios::binary);
-    stream << content;
-    stream.close();
-    if (!stream)
-        throw FileFault(path, "cannot be written");
-}
-
-int Rewrite(const Options& options)
-{
-    const Rewritten rewritten = RewriteJob(options);
-    Print(rewritten.file);
-    fmt::print(stderr, "{}", rewritten.summary);
-    return kAllCalculated;
-}
-
-int Run(const Options& options)
+int Run(int argc, char** argv)
 {
     InitTovoFormulaDLL(0);
-    // The language comes before the job: the job's texts are brought into it as they are read.
-    const LanguageInForce language(LanguageOf(options.language));
-    if (options.renaming || options.removal)
-        return Rewrite(options);
-    Job job(EntriesOf(options), options.isStrict);
-    const Facts facts = CalculateJob(job, options.isStaticScan);
-    // A file that cannot be written fails the whole run, so it comes before anything is printed.
-    if (!options.rtfFile.empty())
-        WriteFile(options.rtfFile, RtfReport(job));
-    const TextManner manner{language.DecimalSeparator(), WantsColour()};
-    Print(ReportOn(facts, options, manner));
-    return HasFault(facts) ? kCalculationFailed : kAllCalculated;
+    int exitCode = kNothingDone;
+    CLI::App app(
+        "Calculates jobs of variables, formulas and tables, and answers what one asks about "
+        "them.",
+        "tovo-calc");
+    app.footer(kExamples);
+    app.set_version_flag("--version", "tovo-calc " TOVO_VERSION);
+    app.require_subcommand(1);
+    AddCalculating(app, exitCode);
+    AddEditing(app, exitCode);
+    try {
+        app.parse(ReversedArguments(app, argc, argv));
+    } catch (const CLI::ParseError& end) {
+        // The parser's own exit codes tell kinds of usage errors apart, which no caller asks for.
+        return app.exit(end) == 0 ? kAllCalculated : kNothingDone;
+    }
+    return exitCode;
 }
 
 } // namespace
@@ -94,12 +70,9 @@ int Run(const Options& options)
 int main(int argc, char** argv)
 {
     try {
-        Options options;
-        if (const std::optional<int> end = ReadCommandLine(argc, argv, options))
-            return *end;
-        return Run(options);
+        return Run(argc, argv);
     } catch (const std::exception& fault) {
         fmt::print(stderr, "tovo-calc: {}\n", Printable(std::string_view(fault.what())));
-        return kNothingCalculated;
+        return kNothingDone;
     }
 }
