@@ -17,6 +17,7 @@ inline constexpr int kNothingDone = 2;
 // that it asks for, and leaves the exit code.
 void AddCalculating(CLI::App& app, int& exitCode);
 void AddEditing(CLI::App& app, int& exitCode);
+void AddTrying(CLI::App& app, int& exitCode);
 
 // Adds one subcommand. Its Options are InputOptions and what else it takes; describe adds what is
 // not common to all.

@@ -390,6 +390,30 @@ TEST_F(TovoCalc, EditsPreviewPrintOrSaveTheJob)
     EXPECT_EQ(ReadFile(path), original);
 }
 
+TEST_F(TovoCalc, CalculatesRowsAndFindsInputs)
+{
+    const std::string job = Example("house-slab.json");
+    const std::string rows = File("rows.csv", "Length,id\n10,first\nwide,second\n");
+    const Arguments batch = {"batch", job, rows, "--output", "Slab area", "--copy", "id"};
+    const Outcome printed = Run(batch);
+    EXPECT_EQ(printed.exitCode, 1);
+    EXPECT_EQ(printed.out.find("id,Slab area,fault\nfirst,84,\nsecond,,"), 0U) << printed.out;
+    EXPECT_EQ(printed.err.find("2 rows, 1 with a fault\n  row 2: "), 0U) << printed.err;
+
+    Arguments saved = batch;
+    saved.insert(saved.end(), {"--results", (m_Folder / "results.csv").string()});
+    EXPECT_EQ(Facts(saved)["faults"], Json::parse(R"([{"row":1,"cause":0}])"));
+    EXPECT_EQ(ReadFile(m_Folder / "results.csv"), printed.out);
+
+    Arguments solve = {"solve",  job,      "Slab area", "--target", "84", "--vary",
+                       "Length", "--from", "1",         "--to",     "20"};
+    EXPECT_EQ(Run(solve).out, "Length = 10\nformula Slab area = 84\n");
+    solve[4] = "-84";
+    const Outcome none = Run(solve);
+    EXPECT_EQ(none.exitCode, 1);
+    EXPECT_EQ(none.out.find("No solution: "), 0U) << none.out;
+}
+
 TEST_F(TovoCalc, MakesAJobAndReadsItFromTheStandardInput)
 {
     const std::string path = (m_Folder / "new.json").string();
