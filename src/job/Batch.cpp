@@ -92,7 +92,8 @@ public:
 
     BatchReport Go()
     {
-        {
+        m_IsEnded = !MayGoOn();
+        if (!m_IsEnded) {
             std::vector<std::jthread> helpers;
             while (helpers.size() + 1 < std::min<std::size_t>(m_Threads, m_Portions.size()))
                 helpers.emplace_back([this] { Work(false); });

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -161,13 +162,29 @@ TEST(Batch, ThreadsShareTheRows)
     EXPECT_EQ(report.faultyRows, 20u);
     EXPECT_EQ(report.causes.size(), 1u);
 
-    options.progress = [](std::size_t, std::size_t) { return false; };
-    const BatchReport ended = batch.Run(rows, shared, options).Value();
-    EXPECT_FALSE(ended.isComplete);
-    EXPECT_LT(ended.rows, rows.size());
-
-    options.progress = [](std::size_t, std::size_t) -> bool { throw std::string("stop"); };
+    options.progress = [](std::size_t done, std::size_t) -> bool {
+        return done > 0 ? throw std::string("stop") : true;
+    };
     EXPECT_THROW(static_cast<void>(batch.Run(rows, shared, options)), std::string);
+}
+
+TEST(Batch, ProgressCanEndIt)
+{
+    const ObjectName width = VariableNamed("Width");
+    const ObjectName rate = FormulaNamed("Rate");
+    const Batch batch = Batch::Make(RoomJob(), {&width, 1}, {&rate, 1}).Value();
+    const std::vector<double> rows(20000, 1);
+    for (const std::size_t last : {0, 1}) {
+        std::vector<double> results(rows.size(), 7);
+        BatchOptions options;
+        options.progress = [&](std::size_t done, std::size_t) { return done < last; };
+        const BatchReport report = batch.Run(rows, results, options).Value();
+        EXPECT_FALSE(report.isComplete);
+        EXPECT_EQ(report.rows > 0, last > 0);
+        EXPECT_LT(report.rows, rows.size());
+        EXPECT_EQ(static_cast<std::size_t>(std::count(results.begin(), results.end(), 7)),
+                  rows.size() - report.rows);
+    }
 }
 
 namespace {
