@@ -63,6 +63,7 @@ struct ChangeJobValues {
     JobValues values;
 };
 
+// One change of a job.
 using Edit = std::variant<AddObject, ChangeObject, RenameObject, RemoveObject, ChangeJobValues>;
 
 // One place that an edit writes to. Either text is absent where the object itself is not there.

@@ -15,6 +15,7 @@ class ObjectList {
 public:
     using Entries = std::vector<std::shared_ptr<const Object>>;
 
+    // Walks forward; what it points at is const.
     class Iterator {
     public:
         using iterator_category = std::forward_iterator_tag;

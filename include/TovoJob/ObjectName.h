@@ -60,6 +60,7 @@ TOVO_API std::optional<ObjectName> ReadReference(std::string_view text);
 
 } // namespace tovo
 
+// Makes an object's name a key of the standard library's hashed containers.
 template <>
 struct std::hash<tovo::ObjectName> {
     std::size_t operator()(const tovo::ObjectName& object) const noexcept

@@ -6,7 +6,9 @@
 #include <TovoJob/Batch.h>
 #include <TovoJob/Csv.h>
 #include <TovoJob/CsvBatch.h>
+#include <TovoJob/Dependencies.h>
 #include <TovoJob/Edit.h>
+#include <TovoJob/Explanation.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/Fixes.h>
 #include <TovoJob/Functions.h>

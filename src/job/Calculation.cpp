@@ -84,6 +84,14 @@ CFmlaExpression* Calculation::ExpressionOf(const ObjectName& object) const
     return formula ? &(*formula)->GetExpression() : nullptr;
 }
 
+EngineTable* Calculation::TableOf(const ObjectName& object) const
+{
+    const auto id = m_Network.Find(object);
+    const auto* const table =
+        id ? std::get_if<std::unique_ptr<EngineTable>>(&m_Nodes[*id].object) : nullptr;
+    return table ? table->get() : nullptr;
+}
+
 NodeId Calculation::Enter(const ObjectName& object)
 {
     const NodeId id = m_Network.Enter(object);
@@ -104,9 +112,7 @@ void Calculation::Put(NodeId id, const Shared<Variable>& record)
         m_Set.AddVariable(made.get());
         object = std::move(made);
     }
-    std::erase(m_Sourced, id);
-    if (record->source)
-        m_Sourced.push_back(id);
+    SetSourced(id, record->source != nullptr);
     MarkDirty(id);
 }
 
@@ -124,9 +130,7 @@ void Calculation::Put(NodeId id, const Shared<Formula>& record)
     node.nesting = scanned.nesting;
     m_Set.AddFormula(made.get());
     node.object = std::move(made);
-    std::erase(m_Sourced, id);
-    if (record->linked)
-        m_Sourced.push_back(id);
+    SetSourced(id, record->linked != nullptr);
     SetUses(id, ReferencesIn(scanned));
     MarkDirty(id);
 }
@@ -138,9 +142,7 @@ void Calculation::Put(NodeId id, const Shared<Table>& record)
     node.steps = record->cells.size() * (record->cells.empty() ? 0 : record->cells[0].size());
     m_Set.AddFormulaTable(made.get());
     node.object = std::move(made);
-    std::erase(m_Sourced, id);
-    if (record->linked)
-        m_Sourced.push_back(id);
+    SetSourced(id, record->linked != nullptr);
     SetUses(id, ReferencesIn(*record));
     MarkDirty(id);
 }
@@ -172,7 +174,7 @@ void Calculation::TakeOut(NodeId id)
         break;
     }
     node.object = {};
-    std::erase(m_Sourced, id);
+    SetSourced(id, false);
     m_Network.SetUses(id, {});
     MarkDirty(id);
 }
@@ -191,6 +193,16 @@ void Calculation::SetUses(NodeId id, const std::vector<std::pair<ObjectName, boo
         (inCondition ? use.inCondition : use.asValue) = true;
     }
     m_Network.SetUses(id, uses);
+}
+
+// Most jobs have none, so that taking one out may look at all of them.
+void Calculation::SetSourced(NodeId id, bool isSourced)
+{
+    const bool wasSourced = std::exchange(m_Nodes[id].isSourced, isSourced);
+    if (isSourced && !wasSourced)
+        m_Sourced.push_back(id);
+    else if (wasSourced && !isSourced)
+        std::erase(m_Sourced, id);
 }
 
 void Calculation::MarkDirty(NodeId id)

@@ -49,6 +49,13 @@ public:
     const Network& Uses() const { return m_Network; }
     // The expression of a formula with its text; null for what is none, or is linked.
     CFmlaExpression* ExpressionOf(const ObjectName& object) const;
+    // The engine's table; null for what is none.
+    EngineTable* TableOf(const ObjectName& object) const;
+    CalcSetImpl& Set() { return m_Set; }
+    // The places in a node where another one is referred to.
+    std::vector<Place> ReferencesTo(NodeId id, NodeId used) const;
+    // Of each node of a ring, the reference to the next one.
+    std::vector<Place> PlacesOf(const std::vector<NodeId>& ring) const;
 
 private:
     enum class Verdict {
@@ -72,6 +79,7 @@ private:
         std::vector<Fault> faults;      // its own
         std::size_t steps = 0;
         std::size_t nesting = 0;
+        bool isSourced = false;   // is among those below
         bool isDirty = false;     // is to be judged in the next update
         bool isInUpdate = false;  // has not had its turn in the present one
         std::size_t waitsFor = 0; // how many of its uses have not had theirs
@@ -86,6 +94,7 @@ private:
     void Put(NodeId id, const Shared<JobValues>& record);
     void TakeOut(NodeId id);
     void SetUses(NodeId id, const std::vector<std::pair<ObjectName, bool>>& references);
+    void SetSourced(NodeId id, bool isSourced);
     void MarkDirty(NodeId id);
     bool IsDefined(NodeId id) const;
     bool HasValue(NodeId id) const { return m_Nodes[id].verdict == Verdict::Sound; }
@@ -102,8 +111,8 @@ private:
 
     Fault MakeFault(NodeId id, unsigned int message, Place place) const;
     Fault FaultOfEngine(NodeId id, unsigned int message);
-    std::vector<Place> ReferencesTo(NodeId id, NodeId used) const;
     Place PlaceOfReference(NodeId id, NodeId used) const;
+    Place PlaceOnRing(NodeId id, NodeId first) const;
     NodeId RootOf(NodeId id) const;
 
     JobOptions m_Options;

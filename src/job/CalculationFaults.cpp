@@ -46,13 +46,12 @@ std::string ChainLine(const ObjectName& object)
 }
 
 // The token at which a check has stopped; the whole text if the fault is the kind of its value.
-Span SpanOfFault(const CFmlaExpression& expression, unsigned int message)
+Span SpanOfFault(const CFmlaExpression& expression, const TwofoldText& text, unsigned int message)
 {
-    const CString text = expression.GetTextStr();
     if (message == MSG_WRONG_RESULT_TYPE)
-        return SpanOf(text.View(), 0, text.GetLength());
+        return text.SpanOf(0, expression.GetTextStr().GetLength());
     const int begin = std::max(0, expression.GetInvalidPos());
-    return SpanOf(text.View(), begin, EndOfTokenAt(expression, begin));
+    return text.SpanOf(begin, EndOfTokenAt(expression, begin));
 }
 
 std::string_view PartOfMessage(unsigned int message)
@@ -136,12 +135,9 @@ void Calculation::JudgeRing(const std::vector<NodeId>& group)
     }
     for (const std::vector<NodeId>& ring : RingsOf(m_Network, group)) {
         const NodeId first = ring.front();
-        Fault fault =
-            MakeFault(first, MSG_JOB_RING, PlaceOfReference(first, ring[1 % ring.size()]));
-        for (std::size_t at = 0; at < ring.size(); ++at) {
-            const NodeId next = ring[(at + 1) % ring.size()];
-            fault.ring.push_back(PlaceOfReference(ring[at], next));
-        }
+        std::vector<Place> places = PlacesOf(ring);
+        Fault fault = MakeFault(first, MSG_JOB_RING, places.front());
+        fault.ring = std::move(places);
         for (const NodeId id : ring) {
             if (m_Nodes[id].faults.empty())
                 m_Nodes[id].because = first;
@@ -179,13 +175,14 @@ Fault Calculation::FaultOfEngine(NodeId id, unsigned int message)
     const auto* const formula = std::get_if<std::unique_ptr<EngineFormula>>(&m_Nodes[id].object);
     if (formula && !std::get<Shared<Formula>>(m_Nodes[id].record)->linked) {
         const CFmlaExpression& expression = (*formula)->GetExpression();
-        const Span span = SpanOfFault(expression, message);
-        const std::string text = expression.GetTextStr().ToUtf8();
+        const TwofoldText text(expression.GetTextStr());
+        const Span span = SpanOfFault(expression, text, message);
         fault.place.span = span;
-        fault.offender = Trimmed(text.substr(span.begin.utf8, span.end.utf8 - span.begin.utf8));
+        fault.offender = Trimmed(text.Part(span));
         if (message == MSG_INVALID_ELEMENT && IsWordCharacter(Wide(fault.offender)[0])) {
-            const std::size_t next = text.find_first_not_of(' ', span.end.utf8);
-            const bool isCalled = next != text.npos && text[next] == '(';
+            const std::string whole = expression.GetTextStr().ToUtf8();
+            const std::size_t next = whole.find_first_not_of(' ', span.end.utf8);
+            const bool isCalled = next != whole.npos && whole[next] == '(';
             fault.text =
                 MessageAbout(isCalled ? MSG_JOB_NO_FUNCTION : MSG_JOB_NO_WORD, fault.offender);
         }
@@ -199,10 +196,10 @@ std::vector<Place> Calculation::ReferencesTo(NodeId id, NodeId used) const
     const ObjectName& wanted = m_Network.NameOf(used);
     std::vector<Place> places;
     if (const CFmlaExpression* const expression = ExpressionOf(self)) {
-        const CString text = expression->GetTextStr();
+        const TwofoldText text(expression->GetTextStr());
         for (const Token& token : Scan(*expression).tokens) {
             if (token.object == wanted)
-                places.push_back({self, SpanOf(text.View(), token.begin, token.end), {}});
+                places.push_back({self, text.SpanOf(token.begin, token.end), {}});
         }
     } else if (const auto* const table = std::get_if<Shared<Table>>(&m_Nodes[id].record)) {
         ForEachElement(**table, [&](const TablePart& part, const Element& element) {
@@ -214,10 +211,31 @@ std::vector<Place> Calculation::ReferencesTo(NodeId id, NodeId used) const
     return places;
 }
 
+std::vector<Place> Calculation::PlacesOf(const std::vector<NodeId>& ring) const
+{
+    std::vector<Place> places;
+    for (std::size_t at = 0; at < ring.size(); ++at)
+        places.push_back(PlaceOfReference(ring[at], ring[(at + 1) % ring.size()]));
+    return places;
+}
+
 Place Calculation::PlaceOfReference(NodeId id, NodeId used) const
 {
     const std::vector<Place> places = ReferencesTo(id, used);
     return places.empty() ? Place{m_Network.NameOf(id), {}, {}} : places.front();
+}
+
+// The reference of a node that is on a ring to the next one there.
+Place Calculation::PlaceOnRing(NodeId id, NodeId first) const
+{
+    const ObjectName& self = m_Network.NameOf(id);
+    for (const Fault& fault : m_Nodes[first].faults) {
+        const auto place = std::find_if(fault.ring.begin(), fault.ring.end(),
+                                        [&](const Place& at) { return at.object == self; });
+        if (place != fault.ring.end())
+            return *place;
+    }
+    return {self, {}, {}};
 }
 
 // The node whose own fault it is that this one fails; kNoNode for one that does not.
@@ -289,6 +307,8 @@ std::optional<Failure> Calculation::FailureOf(const ObjectName& object) const
     Failure failure{fault.message, fault.text, fault.place, {}};
     if (node.verdict == Verdict::Affected)
         failure.place = PlaceOfReference(id, node.because);
+    else if (node.verdict == Verdict::OnRing)
+        failure.place = PlaceOnRing(id, root);
     NodeId at = id;
     for (; m_Nodes[at].verdict == Verdict::Affected; at = m_Nodes[at].because)
         failure.path.push_back(m_Network.NameOf(at));

@@ -102,9 +102,10 @@ private:
         }
         return true;
     }
+    // What was on a ring is on none now that it has a turn.
     void HaveTurn(NodeId id)
     {
-        if (At(id).isDirty)
+        if (At(id).isDirty || At(id).lastVerdict == Verdict::OnRing)
             Settle(id, [&] { m_Calculation.Judge(id, m_StepsLeft); });
         Release(id);
     }

@@ -1,7 +1,6 @@
 #include "EditWork.h"
 
 #include <algorithm>
-#include <cmath>
 #include <type_traits>
 #include <utility>
 
@@ -224,7 +223,7 @@ Result<void> EditWork::CheckRemoval(const RemoveObject& edit)
     case References::ReplaceByValue: {
         m_Inside.UpdateQuietly();
         const auto value = m_Inside.calculation.ValueOf(edit.object);
-        if (!value || !std::isfinite(*value))
+        if (!value || !CanBeWritten(*value))
             return Refusal{RefusalKind::BadValue, "it has no value that could stand for it",
                            edit.object.name};
         return {};

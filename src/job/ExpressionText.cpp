@@ -77,13 +77,24 @@ bool IsReference(int code)
 
 } // namespace
 
+TwofoldText::TwofoldText(const CString& text)
+    : m_Utf8(text.ToUtf8()), m_Offsets(text.View(), m_Utf8)
+{}
+
+Span TwofoldText::SpanOf(int begin, int end) const
+{
+    return m_Offsets.Between(static_cast<std::size_t>(std::max(begin, 0)),
+                             static_cast<std::size_t>(std::max(end, 0)));
+}
+
+std::string TwofoldText::Part(const Span& span) const
+{
+    return m_Utf8.substr(span.begin.utf8, span.end.utf8 - span.begin.utf8);
+}
+
 Span SpanOf(WideView text, int begin, int end)
 {
-    const auto position = [&](int utf16) {
-        const auto units = std::min(static_cast<std::size_t>(std::max(utf16, 0)), text.size());
-        return Position{units, CString(text.substr(0, units)).ToUtf8().size()};
-    };
-    return {position(begin), position(end)};
+    return TwofoldText(CString(text)).SpanOf(begin, end);
 }
 
 ObjectName ReferredBy(const CFmlaExprBase& expression, int index)

@@ -13,6 +13,8 @@
 #include <TovoJob/ObjectName.h>
 #include <TovoJob/Span.h>
 
+#include "TextOffsets.h"
+
 namespace tovo::job {
 
 inline CString Wide(std::string_view utf8)
@@ -24,7 +26,21 @@ inline CString Wide(std::string_view utf8)
 inline constexpr int kFirstWordCode = TOK_AND;
 inline constexpr int kLastWordCode = TOK_TRUNC;
 
-// The stretch of a text between two gaps counted in UTF-16 units, which are cut to the text.
+// A text in both encodings. Making it takes time linear in the text, a span of it then takes none.
+class TwofoldText {
+public:
+    explicit TwofoldText(const CString& text);
+
+    // The stretch between two gaps counted in UTF-16 units, which are cut to the text.
+    Span SpanOf(int begin, int end) const;
+    std::string Part(const Span& span) const;
+
+private:
+    std::string m_Utf8;
+    TextOffsets m_Offsets;
+};
+
+// One span of a text that is looked at just once.
 Span SpanOf(WideView text, int begin, int end);
 
 // What a reference of the table refers to. Requires: an index of the table.

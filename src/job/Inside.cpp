@@ -20,9 +20,8 @@ bool IsSame(const std::optional<double>& a, const std::optional<double>& b)
 Changes Joined(Changes first, Changes then)
 {
     then.calculated += first.calculated;
-    if (first.values.empty()) {
+    if (first.values.empty())
         return then;
-    }
     std::unordered_map<ObjectName, std::size_t> places;
     for (std::size_t at = 0; at < first.values.size(); ++at)
         places.emplace(first.values[at].object, at);
@@ -33,8 +32,6 @@ Changes Joined(Changes first, Changes then)
         else
             first.values[place->second].after = change.after;
     }
-    std::erase_if(first.values,
-                  [](const ValueChange& change) { return IsSame(change.before, change.after); });
     then.values = std::move(first.values);
     return then;
 }
@@ -57,7 +54,11 @@ void Inside::Take(const RecordChange& change)
 
 Changes Inside::Update(const Progress& progress)
 {
-    return Joined(std::exchange(untold, {}), calculation.Update(progress));
+    Changes changes = Joined(std::exchange(untold, {}), calculation.Update(progress));
+    // What has changed and changed back meanwhile is no news.
+    std::erase_if(changes.values,
+                  [](const ValueChange& change) { return IsSame(change.before, change.after); });
+    return changes;
 }
 
 Changes Inside::UpdateQuietly()

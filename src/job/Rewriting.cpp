@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <cmath>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <TovoFormula/TokenCodes.h>
@@ -14,8 +16,10 @@ namespace tovo::job {
 
 namespace {
 
-constexpr int kMostDigits = 15;  // of a number of the language
-constexpr int kBeyondPlain = 15; // from this power of ten on a number is written with POWER
+constexpr int kMostDigits = 15; // of a number of the language
+// Between these, POWER and a factor of 15 digits stay within the range of numbers.
+constexpr double kLeastWritten = 1e-290;
+constexpr double kMostWritten = 1e308;
 
 // The digits with the user's decimal separator, which is the first character of a number.
 CString LocalNumber(std::string_view digits)
@@ -26,12 +30,15 @@ CString LocalNumber(std::string_view digits)
     return text;
 }
 
-std::string Digits(double value, std::chars_format format, int precision)
+// A positive number, without zeros at the end of its decimals.
+std::string Digits(double value, int decimals)
 {
     char digits[64];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value, format, precision).ptr;
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, decimals)
+            .ptr;
     std::string text(digits, static_cast<std::size_t>(end - digits));
-    if (text.find('.') != text.npos) {
+    if (decimals > 0) {
         text.erase(text.find_last_not_of('0') + 1);
         if (text.ends_with('.'))
             text.pop_back();
@@ -39,22 +46,30 @@ std::string Digits(double value, std::chars_format format, int precision)
     return text;
 }
 
+// The number as digits and a power of ten: 1.25e-7.
+std::pair<double, int> Split(double value)
+{
+    char digits[64];
+    const auto end = std::to_chars(digits, digits + sizeof digits, value,
+                                   std::chars_format::scientific, kMostDigits - 1)
+                         .ptr;
+    const std::string_view text(digits, static_cast<std::size_t>(end - digits));
+    const std::size_t mark = text.find('e');
+    double mantissa = 0.0;
+    std::from_chars(text.data(), text.data() + mark, mantissa);
+    return {mantissa, std::stoi(std::string(text.substr(mark + 1)))};
+}
+
 // The language has no exponents and takes 15 digits, so a number of more digits is rounded to that,
 // and one that is very large or very small becomes a product with a power of ten.
 CString PositiveNumber(double value)
 {
-    const int exponent = value == 0.0 ? 0 : static_cast<int>(std::floor(std::log10(value)));
-    if (exponent >= -1 && exponent < kBeyondPlain)
-        return LocalNumber(
-            Digits(value, std::chars_format::fixed, kMostDigits - 1 - std::max(exponent, 0)));
-    const std::string text = Digits(value, std::chars_format::scientific, kMostDigits - 1);
-    const std::size_t mark = text.find('e');
-    std::string mantissa = text.substr(0, mark);
-    if (mantissa.find('.') != mantissa.npos)
-        mantissa.erase(std::min(mantissa.size(), mantissa.find_last_not_of("0.") + 1));
-    return u"(" + LocalNumber(mantissa) + TokenName(TOK_TIMES) + TokenName(TOK_POWER) + u"(10" +
-           TokenName(TOK_COMMA) + LocalNumber(std::to_string(std::stoi(text.substr(mark + 1)))) +
-           u"))";
+    const auto [mantissa, exponent] = Split(value);
+    if (exponent >= -1 && exponent < kMostDigits)
+        return LocalNumber(Digits(value, kMostDigits - 1 - std::max(exponent, 0)));
+    return u"(" + LocalNumber(Digits(mantissa, kMostDigits - 1)) + TokenName(TOK_TIMES) +
+           TokenName(TOK_POWER) + u"(10" + TokenName(TOK_COMMA) +
+           LocalNumber(std::to_string(exponent)) + u"))";
 }
 
 CString LiteralFor(const ObjectName& object, double value)
@@ -101,6 +116,12 @@ std::optional<std::string> Rewrite(const CFmlaExprBase& expression, const Replac
     if (changes.empty())
         return std::nullopt;
     return ChangedText(expression, changes).Encoded();
+}
+
+bool CanBeWritten(double value)
+{
+    const double size = std::abs(value);
+    return size == 0.0 || (size >= kLeastWritten && size <= kMostWritten);
 }
 
 bool Fits(const CFmlaExprBase& expression, const Replacement& replacement)

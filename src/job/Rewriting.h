@@ -24,6 +24,10 @@ std::optional<std::string> Rewrite(const CFmlaExprBase& expression, const Replac
 // The table with its selectors and cells replaced; nothing if none refers to the object.
 std::optional<Table> Rewrite(const Table& table, const Replacement& replacement);
 
+// Whether an expression can have the value in place of a reference. Infinities, NaN and numbers at
+// the ends of the range cannot be written.
+bool CanBeWritten(double value);
+
 // Whether the rewritten expression would keep its references: the engine's positions have 16 bits.
 bool Fits(const CFmlaExprBase& expression, const Replacement& replacement);
 

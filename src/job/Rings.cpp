@@ -102,6 +102,9 @@ private:
         m_Stack.erase(begin, m_Stack.end());
         for (const NodeId node : group)
             m_Marks[node].isOnStack = false;
+        // Whatever the history of the job, the same rings are found.
+        std::sort(group.begin(), group.end(),
+                  [&](NodeId a, NodeId b) { return m_Network.NameOf(a) < m_Network.NameOf(b); });
         if (group.size() > 1 || UsesItself(m_Network, first))
             m_Groups.push_back(std::move(group));
     }

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include "Jobs.h"
 
@@ -51,7 +51,8 @@ protected:
     void SetUp() override
     {
         m_Folder = fs::path(testing::TempDir()) /
-                   testing::UnitTest::GetInstance()->current_test_info()->name();
+                   (std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
+                    std::to_string(getpid()));
         fs::remove_all(m_Folder);
         fs::create_directories(m_Folder);
         Write(m_Path = m_Folder / "job.json", With(R"({"name": "A", "value": 1})"));
