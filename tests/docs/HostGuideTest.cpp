@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -35,29 +34,6 @@ void Put(CalcSetImpl& job, FormulaImpl& formula, const CString& name, const CStr
     job.AddFormula(&formula);
 }
 
-// Without the indentation that all lines of the region share, which is that of its first line.
-std::vector<std::string> RegionsOf(const std::string& source)
-{
-    std::vector<std::string> regions;
-    std::istringstream lines(source);
-    std::string line;
-    bool isInside = false;
-    std::size_t indentation = 0;
-    while (std::getline(lines, line)) {
-        const std::size_t start = std::min(line.find_first_not_of(' '), line.size());
-        if (line.compare(start, 10, "// [guide:") == 0) {
-            isInside = true;
-            indentation = start;
-            regions.emplace_back();
-        } else if (line.compare(start, 8, "// [end]") == 0) {
-            isInside = false;
-        } else if (isInside) {
-            regions.back() += line.substr(std::min(indentation, line.size())) + "\n";
-        }
-    }
-    return regions;
-}
-
 // Most blocks of the guide need the messages.
 class HostGuide : public testing::Test {
 protected:
@@ -67,7 +43,8 @@ protected:
 TEST_F(HostGuide, CodeIsWhatIsCompiledHere)
 {
     std::vector<std::string> blocks = CodeBlocks(ReadDocument("host-guide.md"), "cpp");
-    std::vector<std::string> regions = RegionsOf(ReadDocument("../tests/docs/HostGuideTest.cpp"));
+    std::vector<std::string> regions =
+        GuideRegions(ReadDocument("../tests/docs/HostGuideTest.cpp"));
     std::sort(blocks.begin(), blocks.end());
     std::sort(regions.begin(), regions.end());
     EXPECT_EQ(blocks, regions);
