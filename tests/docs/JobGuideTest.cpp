@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -156,6 +157,73 @@ TEST(JobGuide, SavesFiles)
     // [end]
     EXPECT_EQ(question, "");
     std::filesystem::remove(path);
+}
+
+TEST(JobGuide, LaysScenariosOverAJob)
+{
+    const Job job = Shed();
+    std::string news;
+    // [guide: Ask what if]
+    const tovo::Snapshot snapshot(job);
+    const tovo::Scenario narrow = {{{tovo::VariableNamed("Width"), 2}}};
+    const tovo::ScenarioReport report = snapshot.Calculate(narrow).Value();
+    for (const tovo::ValueChange& change : report.report.changes.values)
+        news += change.object.name + " "; // Width Area Rate Price
+    const std::size_t worse = report.newFaults.size();
+    // [end]
+    EXPECT_EQ(news, "Width Area Rate Price ");
+    EXPECT_EQ(worse, 0u);
+}
+
+TEST(JobGuide, CalculatesRows)
+{
+    const Job job = Shed();
+    // [guide: Calculate rows]
+    const tovo::ObjectName inputs[] = {tovo::VariableNamed("Width")};
+    const tovo::ObjectName outputs[] = {tovo::FormulaNamed("Area"), tovo::FormulaNamed("Price")};
+    const tovo::Batch batch = tovo::Batch::Make(job, inputs, outputs).Value();
+    const double widths[] = {1, 2, 4};
+    double values[6]; // 1 120 4 480 16 1528
+    tovo::BatchOptions options;
+    options.threads = 2;
+    const tovo::BatchReport report = batch.Run(widths, values, options).Value();
+    const std::size_t faulty = report.faultyRows;
+    // [end]
+    EXPECT_EQ(faulty, 0u);
+    EXPECT_EQ(std::vector<double>(values, values + 6),
+              (std::vector<double>{1, 120, 4, 480, 16, 1528}));
+}
+
+TEST(JobGuide, CalculatesRecords)
+{
+    const Job job = Shed();
+    // [guide: Calculate records]
+    std::istringstream rows("Room,Width\nHall,2\nAttic,wide\n");
+    std::ostringstream results;
+    tovo::CsvBatchOptions options;
+    options.outputs = {tovo::FormulaNamed("Price")};
+    options.copied = {"Room"};
+    const tovo::BatchReport report = tovo::RunCsvBatch(job, rows, results, options).Value();
+    const std::string text = results.str();
+    // [end]
+    EXPECT_EQ(report.faultyRows, 1u);
+    EXPECT_EQ(text, CodeBlocks(ReadDocument("job-guide.md"), "text").at(1));
+}
+
+TEST(JobGuide, Solves)
+{
+    const Job job = Shed();
+    std::string said;
+    // [guide: Solve]
+    const tovo::ObjectName width = tovo::VariableNamed("Width");
+    const auto found = tovo::Solve(job, tovo::FormulaNamed("Area"), 9, width, {0, 10}).Value();
+    const double side = found.input; // 3
+    const auto none = tovo::Solve(job, tovo::FormulaNamed("Price"), -1, width, {0, 10});
+    if (!none)
+        said = none.Why().text;
+    // [end]
+    EXPECT_NEAR(side, 3, 1e-9);
+    EXPECT_EQ(said + "\n", CodeBlocks(ReadDocument("job-guide.md"), "text").at(2));
 }
 
 TEST(JobGuide, ShowsTheseBlocks)
