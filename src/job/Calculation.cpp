@@ -71,9 +71,7 @@ void Calculation::SetOptions(const JobOptions& options)
 std::optional<double> Calculation::ValueOf(const ObjectName& object) const
 {
     const auto id = m_Network.Find(object);
-    if (!id || !IsDefined(*id) || !HasValue(*id))
-        return std::nullopt;
-    return m_Nodes[*id].value;
+    return id ? ValueAt(*id) : std::nullopt;
 }
 
 CFmlaExpression* Calculation::ExpressionOf(const ObjectName& object) const
@@ -212,6 +210,13 @@ void Calculation::MarkDirty(NodeId id)
     if (!node.isDirty)
         m_Dirty.push_back(id);
     node.isDirty = true;
+}
+
+std::optional<double> Calculation::ValueAt(NodeId id) const
+{
+    if (!IsDefined(id) || !HasValue(id))
+        return std::nullopt;
+    return m_Nodes[id].value;
 }
 
 bool Calculation::IsDefined(NodeId id) const

@@ -96,6 +96,7 @@ private:
     void SetUses(NodeId id, const std::vector<std::pair<ObjectName, bool>>& references);
     void SetSourced(NodeId id, bool isSourced);
     void MarkDirty(NodeId id);
+    std::optional<double> ValueAt(NodeId id) const;
     bool IsDefined(NodeId id) const;
     bool HasValue(NodeId id) const { return m_Nodes[id].verdict == Verdict::Sound; }
 

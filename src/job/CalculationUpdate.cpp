@@ -148,7 +148,7 @@ private:
         const ObjectName& name = m_Calculation.m_Network.NameOf(id);
         if (name.kind == Kind::Formula || name.kind == Kind::Table)
             m_Changes.calculated += m_Calculation.IsDefined(id) ? 1 : 0;
-        const auto value = m_Calculation.ValueOf(name);
+        const auto value = m_Calculation.ValueAt(id);
         const bool isSame = value.has_value() == node.reported.has_value() &&
                             (!value || IsSame(*value, *node.reported));
         if (!isSame)
