@@ -29,7 +29,7 @@ public:
 
     // The message id that began the chain, 0 before the first.
     unsigned int GetError() const { return m_Error; }
-    int NumObjs() const { return m_Objects.GetSize(); }
+    int NumObjs() const { return m_Entries.GetSize(); }
     // Null and an empty text for an index outside 0 to NumObjs() - 1.
     CObject* GetObj(int index) const;
     CString GetStr(int index) const;
@@ -37,11 +37,15 @@ public:
 private:
     friend class tovo::detail::ChainMark;
 
-    void Append(CObject* object, CString text);
+    struct Entry {
+        CObject* object = nullptr; // not owned
+        CString text;
+    };
+
+    static Entry Worded(CObject* object, CString text);
 
     unsigned int m_Error = 0;
-    CObArray m_Objects;     // not owned
-    CStringArray m_Strings; // entry i belongs to object i
+    CArray<Entry> m_Entries;
 };
 
 #endif

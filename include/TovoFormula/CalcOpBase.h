@@ -80,6 +80,8 @@ public:
     bool IsExpression() const { return m_OperandKind == OP_EXPRESSION; }
 
 protected:
+    class FormerContent;
+
     // Makes the operand a reference, without looking the name up.
     void SetReference(OPERAND_KIND kind, const CString& name);
     bool IsReference() const { return IsVariable() || IsFormula() || IsFormulaTable(); }
@@ -87,6 +89,8 @@ protected:
     bool TakeExpression(std::unique_ptr<CFmlaExprBase> expression);
 
 private:
+    template <typename Fill>
+    bool LoadNewExpression(Fill fill);
     bool LoadReference(int kind, const CString& name);
     void LoadConstant(double value);
 

@@ -24,7 +24,7 @@ class CScannedVariables;
 // that calculates: one set belongs to one thread at a time.
 //
 // An exception that an object throws passes through to the host's call. An expression that was
-// being checked is left without a tree, with message 0 and invalid position 0.
+// being checked or calculated has its former tree, value, message and invalid position again.
 //
 // The order of the operations is what hosts compile against: add at the end, never between.
 

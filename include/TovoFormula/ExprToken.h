@@ -117,6 +117,7 @@ private:
             kind = wanted;
         return kind == wanted ? 1 : 0;
     }
+    int CalculateAfresh(double* args, int numArgs, int nested, CScannedVariables* list);
     int ReadFromOutside(int nested, CScannedVariables* list);
     bool Reach(IVarObj& variable, const CString& name, CScannedVariables* list);
     template <typename Object>

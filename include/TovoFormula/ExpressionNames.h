@@ -8,7 +8,7 @@
 // separator first; entry TOK_COMMA is the list separator, of one character or more.
 class TOVO_API CExpressionNames : public CStringArray {
 public:
-    CExpressionNames();
+    constexpr CExpressionNames() = default;
     ~CExpressionNames() override;
 
     // Loads all names from the string resources and the user's separators from the locale settings,

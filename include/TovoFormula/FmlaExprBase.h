@@ -218,7 +218,7 @@ private:
     tovo::detail::Reference NextVar();
     void ReportFault(unsigned int message);
     void NoteTextChange();
-    void SetText(const CString& text, const CWordArray& references);
+    void SetText(CString text, CWordArray references) noexcept;
     void CutReferences(int start, int end);
     void MoveReferences(int fromPos, int distance);
     template <typename Judge>
@@ -227,8 +227,10 @@ private:
     static tovo::detail::Translation TranslationOf(const CString& text,
                                                    std::vector<tovo::detail::Reference> references,
                                                    TEXT_LANGUAGE target);
-    bool IsTranslatedAlready(const std::vector<tovo::detail::Reference>& references) const;
-    void TranslateAndTake(const std::vector<tovo::detail::Reference>& references,
+    static bool IsTranslatedAlready(const CString& text,
+                                    const std::vector<tovo::detail::Reference>& references);
+    void TranslateAndTake(const CString& text,
+                          const std::vector<tovo::detail::Reference>& references,
                           TEXT_LANGUAGE target);
     void TakeTranslation(const tovo::detail::Translation& translation);
 

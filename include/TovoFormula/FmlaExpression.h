@@ -23,9 +23,10 @@ struct ExpressionState;
 // needed. In a class derived from this one, m_Tree always holds it.
 //
 // Owns: its tree. Does not own: the set, which must outlive it. Belongs to the thread of its set.
-// While it is being checked, calculated or scanned, whatever it calls must not change or destroy
-// it; checking or calculating it again from there is refused with 6608. If an object that a check
-// calls throws, the exception passes through and the expression is left without a tree.
+// While it is being checked, calculated or scanned, whatever it calls must not destroy it, and a
+// change of its text counts from the next check on; checking or calculating it again from there is
+// refused with 6608. If something throws meanwhile, the expression has its former tree, value,
+// message and invalid position again.
 class TOVO_API CFmlaExpression : public CFmlaExprBase {
 public:
     explicit CFmlaExpression(ICalculationSet& calcSet);
@@ -34,7 +35,7 @@ public:
     ~CFmlaExpression() override;
 
     CFmlaExprBase* Clone() override;
-    // Clears the tree too.
+    // Clears the tree too, unless it is in progress.
     void ClearExpr() override;
     using CFmlaExprBase::operator=;
     // Starts a new chain in the set's tracker, with this expression as the object.

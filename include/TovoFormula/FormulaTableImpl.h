@@ -88,6 +88,8 @@ public:
     [[nodiscard]] int ValidateElement(CFormtblElem& element, unsigned int& message, int nested);
 
 private:
+    int ValidateAll(unsigned int& message, int nested);
+    int CalculateAfresh(unsigned int& message, CScannedVariables* list);
     int ValidateLimits(unsigned int& message);
     int ValidateSelector(CFormtblElem& selector, const WCHAR* text, unsigned int& message,
                          int nested);

@@ -19,7 +19,7 @@ std::size_t HashOf(const CString& text)
 
 } // namespace
 
-CStringList::CStringList(int)
+CStringList::CStringList(int) noexcept
 {}
 
 // The nodes of a list are linked, so a copy makes its own.
@@ -31,7 +31,7 @@ CStringList::CStringList(const CStringList& other) : CObject(other)
 
 CStringList& CStringList::operator=(const CStringList& other)
 {
-    // Swapping deques leaves the nodes where they are.
+    // Swapping leaves the nodes where they are.
     CStringList copy(other);
     m_Nodes.swap(copy.m_Nodes);
     m_Buckets.swap(copy.m_Buckets);
@@ -106,6 +106,7 @@ void CStringList::RemoveAll()
 // Null stands for the end.
 POSITION CStringList::Insert(Node* before, const CString& text, std::size_t hash)
 {
+    std::vector<Node*> buckets = BucketsForOneMore();
     Node& node = TakeSpare();
     node.text = text;
     node.hash = hash;
@@ -113,8 +114,9 @@ POSITION CStringList::Insert(Node* before, const CString& text, std::size_t hash
     node.previous = before ? before->previous : m_Tail;
     (node.previous ? node.previous->next : m_Head) = &node;
     (before ? before->previous : m_Tail) = &node;
-    if (++m_Count > std::max(m_Buckets.size(), kShortList))
-        MakeIndex();
+    ++m_Count;
+    if (!buckets.empty())
+        MakeIndex(std::move(buckets));
     else if (IsIndexed())
         EnterIntoIndex(node);
     return &node;
@@ -123,7 +125,7 @@ POSITION CStringList::Insert(Node* before, const CString& text, std::size_t hash
 CStringList::Node& CStringList::TakeSpare()
 {
     if (!m_Spare)
-        return m_Nodes.emplace_back();
+        return m_Nodes.emplace_front();
     Node& node = *m_Spare;
     m_Spare = node.next;
     return node;
@@ -147,10 +149,19 @@ void CStringList::TakeFromIndex(const Node& node)
     *link = node.nextInBucket;
 }
 
-// With room for as many nodes again.
-void CStringList::MakeIndex()
+// Those of a larger index, with room for as many nodes again, where one more node calls for it;
+// else none.
+std::vector<CStringList::Node*> CStringList::BucketsForOneMore() const
 {
-    m_Buckets.assign(std::bit_ceil(2 * m_Count), nullptr);
+    const std::size_t count = m_Count + 1;
+    if (count <= std::max(m_Buckets.size(), kShortList))
+        return {};
+    return std::vector<Node*>(std::bit_ceil(2 * count), nullptr);
+}
+
+void CStringList::MakeIndex(std::vector<Node*> buckets) noexcept
+{
+    m_Buckets = std::move(buckets);
     for (Node* node = m_Head; node; node = node->next) {
         node->hash = HashOf(node->text);
         EnterIntoIndex(*node);

@@ -1,24 +1,27 @@
 #include <TovoPlatform/LocaleSettings.h>
 
-#include <map>
-#include <mutex>
+#include <algorithm>
 #include <utility>
+#include <vector>
 
+#include <TovoPlatform/ProcessState.h>
 #include <TovoPlatform/ThreadTexts.h>
+
+#include "ResourceLock.h"
 
 namespace {
 
-struct Settings {
-    std::mutex mutex;
-    std::map<int, CString> texts;
+struct Setting {
+    int code;
+    CString text;
 };
 
-Settings& TheSettings()
+constinit tovo::Everlasting<std::vector<Setting>> settings; // few, so in no order
+
+auto Find(int code)
 {
-    // Never destroyed, because static objects of hosts may still format numbers while the process
-    // ends.
-    static Settings& settings = *new Settings;
-    return settings;
+    return std::find_if(settings.value.begin(), settings.value.end(),
+                        [code](const Setting& setting) { return setting.code == code; });
 }
 
 } // namespace
@@ -29,18 +32,17 @@ CString GetLocaleSetting(int code, CString defaultText)
     const tovo::ThreadTexts* const own = tovo::ThreadTexts::InForce();
     if (const CString* const setting = own ? own->FindSetting(code) : nullptr)
         return *setting;
-    Settings& settings = TheSettings();
-    const std::lock_guard lock(settings.mutex);
-    const auto found = settings.texts.find(code);
-    return found == settings.texts.end() ? defaultText : found->second;
+    const std::lock_guard lock(tovo::ResourceLock());
+    const auto found = Find(code);
+    return found == settings.value.end() || found->text.IsEmpty() ? defaultText : found->text;
 }
 
 void SetLocaleSetting(int code, CString text)
 {
-    Settings& settings = TheSettings();
-    const std::lock_guard lock(settings.mutex);
-    if (text.IsEmpty())
-        settings.texts.erase(code);
+    const std::lock_guard lock(tovo::ResourceLock());
+    const auto found = Find(code);
+    if (found == settings.value.end())
+        settings.value.push_back({code, std::move(text)});
     else
-        settings.texts[code] = std::move(text);
+        found->text = std::move(text);
 }

@@ -1,13 +1,14 @@
 #include <TovoPlatform/StringResources.h>
 
 #include <algorithm>
-#include <mutex>
 #include <utility>
 #include <vector>
 
+#include <TovoPlatform/ProcessState.h>
 #include <TovoPlatform/ThreadTexts.h>
 
 #include "ModuleChain.h"
+#include "ResourceLock.h"
 #include "SortedStrings.h"
 
 namespace {
@@ -36,18 +37,9 @@ struct Link {
     Table table;
 };
 
-struct Chain {
-    std::mutex mutex;
-    std::vector<Link> links; // the newest last
-};
-
-Chain& TheChain()
-{
-    // Never destroyed, because modules of other libraries join it before main and leave it, or
-    // load a text, while the process ends.
-    static Chain& chain = *new Chain;
-    return chain;
-}
+// The newest last. Modules of other libraries join it before main and leave it, or load a text,
+// while the process ends.
+constinit tovo::Everlasting<std::vector<Link>> chain;
 
 } // namespace
 
@@ -71,16 +63,14 @@ BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& module, const AfxStringResourc
 CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE& module, BOOL)
 {
     Link link{this, SortedTable(module.strings, module.stringCount)};
-    Chain& chain = TheChain();
-    const std::lock_guard lock(chain.mutex);
-    chain.links.push_back(std::move(link));
+    const std::lock_guard lock(tovo::ResourceLock());
+    chain.value.push_back(std::move(link));
 }
 
 CDynLinkLibrary::~CDynLinkLibrary()
 {
-    Chain& chain = TheChain();
-    const std::lock_guard lock(chain.mutex);
-    std::erase_if(chain.links, [this](const Link& link) { return link.owner == this; });
+    const std::lock_guard lock(tovo::ResourceLock());
+    std::erase_if(chain.value, [this](const Link& link) { return link.owner == this; });
 }
 
 const WCHAR* tovo::FindStringResource(UINT id)
@@ -88,9 +78,8 @@ const WCHAR* tovo::FindStringResource(UINT id)
     const ThreadTexts* const own = ThreadTexts::InForce();
     if (const WCHAR* const text = own ? own->FindString(id) : nullptr)
         return text;
-    Chain& chain = TheChain();
-    const std::lock_guard lock(chain.mutex);
-    for (auto link = chain.links.rbegin(); link != chain.links.rend(); ++link) {
+    const std::lock_guard lock(tovo::ResourceLock());
+    for (auto link = chain.value.rbegin(); link != chain.value.rend(); ++link) {
         if (const WCHAR* const text = FindById(link->table, id))
             return text;
     }

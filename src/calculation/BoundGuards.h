@@ -1,6 +1,9 @@
 #ifndef TOVOFORMULA_SRC_BOUNDGUARDS_H
 #define TOVOFORMULA_SRC_BOUNDGUARDS_H
 
+#include <memory>
+#include <utility>
+
 #include <TovoFormula/MessageIds.h>
 
 #include "BoundWork.h"
@@ -8,29 +11,82 @@
 
 namespace tovo::detail {
 
-// Leaves an expression without a tree if an object throws while it is being checked.
-class BoundWork::Throwing {
+// What an expression had of its last check and calculation, while it is checked anew. If that
+// throws, for lack of memory or in an object of the host, the expression has it again.
+//
+// Requires: an expression that has a state.
+class BoundWork::Former {
 public:
-    explicit Throwing(BoundWork& work) : m_Work(work) {}
-    ~Throwing()
+    explicit Former(BoundWork& work)
+        : m_Work(work),
+          m_Value(work.m_Expression.m_State->value),
+          m_TreeMessage(work.m_Expression.m_Tree.m_Msg),
+          m_Message(work.m_Expression.m_MessageNum),
+          m_InvalidPos(work.m_Expression.m_InvalidPos),
+          m_ScanPos(work.m_Expression.m_ScanPos),
+          m_IsLoadedByProgram(work.m_Expression.m_State->isLoadedByProgram)
+    {}
+    ~Former()
     {
-        if (m_HasEnded)
-            return;
-        m_Work.NoteDisturbed();
-        m_Work.Forget();
-        m_Work.m_Expression.m_Tree.Clear();
-        m_Work.m_Expression.m_Tree.m_Msg = MSG_NONE;
-        m_Work.m_Expression.m_MessageNum = MSG_NONE;
-        m_Work.m_Expression.m_InvalidPos = 0;
+        if (!m_HasEnded)
+            PutBack();
     }
 
-    Throwing(const Throwing&) = delete;
-    Throwing& operator=(const Throwing&) = delete;
+    Former(const Former&) = delete;
+    Former& operator=(const Former&) = delete;
 
     void End() { m_HasEnded = true; }
 
+    // Leaves the expression without a tree.
+    void TakeTree()
+    {
+        CExprTree& tree = m_Work.m_Expression.m_Tree;
+        if (!m_HasTakenTree)
+            m_Root.reset(std::exchange(tree.m_Root, nullptr));
+        m_HasTakenTree = true;
+        tree.Clear();
+    }
+    // Leaves the state without a program.
+    void TakeProgram()
+    {
+        std::unique_ptr<Program>& program = m_Work.m_Expression.m_State->program;
+        if (!m_Program)
+            m_Program = std::move(program);
+    }
+
 private:
+    void PutBack()
+    {
+        CFmlaExpression& expression = m_Work.m_Expression;
+        ExpressionState& state = *expression.m_State;
+        m_Work.NoteDisturbed();
+        m_Work.Forget();
+        if (m_Program) {
+            state.program = std::move(m_Program);
+            state.textOfProgram = 0;
+        }
+        if (m_HasTakenTree) {
+            expression.m_Tree.Clear();
+            expression.m_Tree.m_Root = m_Root.release();
+        }
+        expression.m_Tree.m_Msg = m_TreeMessage;
+        state.isLoadedByProgram = m_IsLoadedByProgram;
+        state.value = m_Value;
+        expression.m_MessageNum = m_Message;
+        expression.m_InvalidPos = m_InvalidPos;
+        expression.m_ScanPos = m_ScanPos;
+    }
+
     BoundWork& m_Work;
+    std::unique_ptr<CETree> m_Root;
+    std::unique_ptr<Program> m_Program;
+    const double m_Value;
+    const unsigned int m_TreeMessage;
+    const int m_Message;
+    const int m_InvalidPos;
+    const int m_ScanPos;
+    const bool m_IsLoadedByProgram;
+    bool m_HasTakenTree = false;
     bool m_HasEnded = false;
 };
 
@@ -39,7 +95,7 @@ private:
 class BoundWork::Rerun {
 public:
     Rerun(BoundWork& work, ExpressionState& state)
-        : m_Throwing(work), m_State(state), m_Mark(state.marks), m_Outer(innermost)
+        : m_Work(work), m_State(state), m_Mark(state.marks), m_Outer(innermost)
     {
         if (!m_Outer)
             outermost = this;
@@ -50,12 +106,14 @@ public:
         innermost = m_Outer;
         if (m_Entry)
             CFmlaExpression::m_NestedFmlaNames.RemoveAt(m_Entry);
+        if (!m_HasEnded)
+            PutBack();
     }
 
     Rerun(const Rerun&) = delete;
     Rerun& operator=(const Rerun&) = delete;
 
-    void End() { m_Throwing.End(); }
+    void End() { m_HasEnded = true; }
 
     // Whether the outermost one, which need not be in its set, bears the name.
     static bool IsNamed(const CString& name)
@@ -74,20 +132,30 @@ private:
     {
         if (m_Outer && !m_Outer->m_IsEntered)
             m_Outer->EnterWithOuter();
-        m_IsEntered = true;
         if (!m_State.checkedName.IsEmpty())
             m_Entry = CFmlaExpression::m_NestedFmlaNames.AddHead(m_State.checkedName);
+        m_IsEntered = true;
+    }
+    // What has thrown has run on a program that was the one loaded last, and has left its value.
+    void PutBack()
+    {
+        m_Work.NoteDisturbed();
+        m_Work.Forget();
+        m_State.isLoadedByProgram = true;
+        m_Work.m_Expression.m_MessageNum = MSG_NONE;
+        m_Work.m_Expression.m_InvalidPos = 0;
     }
 
     static inline constinit thread_local Rerun* innermost = nullptr;
     static inline constinit thread_local Rerun* outermost = nullptr;
 
-    Throwing m_Throwing;
+    BoundWork& m_Work;
     ExpressionState& m_State;
     UnderWay m_Mark;
     Rerun* const m_Outer;
     POSITION m_Entry = nullptr;
     bool m_IsEntered = false;
+    bool m_HasEnded = false;
 };
 
 } // namespace tovo::detail

@@ -1,4 +1,5 @@
 #include <cassert>
+#include <utility>
 
 #include <TovoFormula/CalcErrorTracker.h>
 #include <TovoFormula/CalculationInterfaces.h>
@@ -15,9 +16,9 @@
 
 namespace tovo::detail {
 
-int BoundWork::LoadNamed(const CString& name, int nested)
+int BoundWork::LoadNamed(Former& former, const CString& name, int nested)
 {
-    const int isLoaded = Load(nested);
+    const int isLoaded = LoadAfresh(former, nested);
     if (name.IsEmpty())
         return isLoaded;
     if (!isLoaded) {
@@ -30,6 +31,15 @@ int BoundWork::LoadNamed(const CString& name, int nested)
 
 int BoundWork::Load(int nested)
 {
+    State();
+    Former former(*this);
+    const int isLoaded = LoadAfresh(former, nested);
+    former.End();
+    return isLoaded;
+}
+
+int BoundWork::LoadAfresh(Former& former, int nested)
+{
     // A tree that is being built or walked further up must not be torn down.
     const UnderWay underWay(State().marks);
     if (!underWay.IsFirst())
@@ -37,13 +47,11 @@ int BoundWork::Load(int nested)
     if (underWay.IsTooDeep())
         return Fail(MSG_GENERAL_FAILURE);
 
-    Throwing throwing(*this);
-    m_Expression.m_Tree.Clear();
+    former.TakeTree();
     m_Expression.m_MessageNum = MSG_NONE;
     m_Expression.m_InvalidPos = 0;
     State().isLoadedByProgram = false;
     const int isBuilt = BuildTree(nested);
-    throwing.End();
     if (!nested || !isBuilt)
         NoteDisturbed();
     Forget();
@@ -112,13 +120,12 @@ int BoundWork::CloseTree(int lastPos, int endPos)
 void BoundWork::BuildTreeOfProgram()
 {
     const Program& program = *State().program;
-    CExprTree& tree = m_Expression.m_Tree;
+    CExprTree tree(m_Expression.CalcSet());
     std::vector<Reference> references;
     for (const ReferencePlace& place : program.Places())
         references.push_back({place.position, place.length, place.kind});
     const Spelling spelling(program.Names());
     TokenScanner scanner(program.Text(), references, spelling, 0);
-    tree.Clear();
     tree.m_IsShapeOnly = true;
     while (scanner.Next() == TokenScanner::Outcome::Token) {
         [[maybe_unused]] const int isTaken =
@@ -130,9 +137,12 @@ void BoundWork::BuildTreeOfProgram()
     }
     [[maybe_unused]] const int isClosed = tree.EndOfExpression();
     assert(isClosed);
-    tree.m_IsShapeOnly = false;
     tree.m_Root->GetData()->SetValue(State().value);
+    m_Expression.m_Tree.Clear();
+    m_Expression.m_Tree.m_Root = std::exchange(tree.m_Root, nullptr);
+    m_Expression.m_Tree.m_Msg = tree.m_Msg;
     State().isLoadedByProgram = false;
+    State().mayRunAgain = false;
 }
 
 } // namespace tovo::detail

@@ -1,3 +1,5 @@
+#include <new>
+
 #include <TovoFormula/CalculationInterfaces.h>
 #include <TovoFormula/MessageIds.h>
 #include <TovoFormula/ScannedVariables.h>
@@ -137,9 +139,9 @@ void BoundWork::KeepText()
 }
 
 // The same for other sets. False if that cannot be told: a table that did something for once has
-// given texts, or taken away what others have given.
-bool BoundWork::KeepElsewhere(const Start& start, std::vector<LeftText> LeftElsewhere::*by)
-{
+// given texts, or taken away what others have given; or there is no memory to take it down.
+bool BoundWork::KeepElsewhere(const Start& start, std::vector<LeftText> LeftElsewhere::*by) noexcept
+try {
     ExpressionState& state = State();
     std::vector<LeftText> given = ErrorTexts::GivenElsewhere(state.calcSet, start.turn);
     if (given.empty()) {
@@ -152,6 +154,8 @@ bool BoundWork::KeepElsewhere(const Start& start, std::vector<LeftText> LeftElse
         state.leftElsewhere = std::make_unique<LeftElsewhere>();
     (*state.leftElsewhere).*by = std::move(given);
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 void BoundWork::LeaveTexts(std::vector<LeftText> LeftElsewhere::*by)

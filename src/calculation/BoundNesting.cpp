@@ -4,6 +4,7 @@
 
 #include "../expression_core/Names.h"
 #include "../expression_core/ReferenceKinds.h"
+#include "../expression_core/ScanMark.h"
 #include "../expression_core/ScanRecord.h"
 #include "BoundWork.h"
 #include "StaticScan.h"
@@ -58,14 +59,16 @@ int BoundWork::CheckFound(Object* object, int kind, const CString& name)
 {
     if (!object) {
         const ReferenceKind& row = kReferenceKinds[kind];
-        TakeMessage(row.notFound);
+        State();
         m_Expression.CalcSet().ErrorTracker().SetError(row.notFound, &m_Expression,
                                                        row.missingLabel + name);
+        TakeMessage(row.notFound);
         return 0;
     }
     auto message = static_cast<unsigned int>(m_Expression.m_MessageNum);
     if (object->IsValid(message, 1))
         return 1;
+    State();
     TakeMessage(message);
     return 0;
 }
@@ -75,6 +78,7 @@ void BoundWork::ScanStatically(CScannedVariables& list, int all)
     StaticScan scan(list);
     if (scan.IsTooDeep() || !scan.Enters(&m_Expression))
         return;
+    ScanMark scanned(&list);
     for (const auto& [kind, name] : References()) {
         if (!IsNestedKind(kind)) {
             AddOnce(list, name);
@@ -85,6 +89,7 @@ void BoundWork::ScanStatically(CScannedVariables& list, int all)
                 object->GetVariables(list, all, 0);
         });
     }
+    scanned.End();
 }
 
 } // namespace tovo::detail

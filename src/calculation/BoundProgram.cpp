@@ -91,15 +91,15 @@ bool BoundWork::RunAgain(ExpressionState& state, const CString& name)
 }
 
 // The road of the program, from the mark on the expression to the value.
-bool BoundWork::CheckByProgram(const CString& name)
+bool BoundWork::CheckByProgram(Former& former, const CString& name)
 {
     ExpressionState& state = State();
-    if (state.marks > 0 || state.gaveUpIn == Pass::Present() || !HasProgramFor(name))
+    if (state.marks > 0 || state.gaveUpIn == Pass::Present() || !HasProgramFor(former, name))
         return false;
     const UnderWay underWay(state.marks);
     if (underWay.IsTooDeep())
         return false;
-    m_Expression.m_Tree.Clear();
+    former.TakeTree();
     if (!RunAsCheck(state))
         return false;
     m_Expression.m_Tree.m_Msg = MSG_NONE;
@@ -108,7 +108,7 @@ bool BoundWork::CheckByProgram(const CString& name)
 }
 
 // A part of its caller, as RunAsCheck.
-[[gnu::always_inline]] inline bool BoundWork::CheckWithCare(ExpressionState& state,
+[[gnu::always_inline]] inline bool BoundWork::CheckWithCare(Former& former, ExpressionState& state,
                                                             const CString& name, const Start& start)
 {
     if (!state.formulaName || *state.formulaName != name)
@@ -122,10 +122,7 @@ bool BoundWork::CheckByProgram(const CString& name)
         if (!entry->HasEntered())
             return false;
     }
-    Throwing throwing(*this);
-    const bool isChecked = CheckByProgram(name);
-    throwing.End();
-    if (!isChecked)
+    if (!CheckByProgram(former, name))
         return false;
     state.reachedIn = Pass::First();
     NoteChecked(name, start);
@@ -148,13 +145,14 @@ bool BoundWork::CalculateByProgram(ExpressionState& state, const CString& name, 
 bool BoundWork::CalculateWithCare(ExpressionState& state, const CString& name, bool withIsValid)
 {
     const Start start;
-    if (!CheckWithCare(state, name, start))
-        return false;
+    Former former(*this);
+    bool isDone = CheckWithCare(former, state, name, start);
     // The check has calculated all there is, unless it has called an object last.
-    if (state.calculatedIn == Pass::Present())
-        return true;
-    return start.pass == Pass::Present() ? WalkByProgram(state, start, &name)
-                                         : CalculateDisturbed(state, name, withIsValid);
+    if (isDone && state.calculatedIn != Pass::Present())
+        isDone = start.pass == Pass::Present() ? WalkByProgram(state, start, &name)
+                                               : CalculateDisturbed(state, name, withIsValid);
+    former.End();
+    return isDone;
 }
 
 // Something has changed in the course of the check, so that it does not count. A calculation checks
@@ -176,7 +174,7 @@ bool BoundWork::WalkByProgram(ExpressionState& state, const Start& start,
 }
 
 // Whether there is a program for the present text, whose kind is what the name says.
-bool BoundWork::HasProgramFor(const CString& name)
+bool BoundWork::HasProgramFor(Former& former, const CString& name)
 {
     ExpressionState& state = State();
     const bool isCurrent = state.program && state.textOfProgram == m_Expression.m_TextVersion &&
@@ -191,6 +189,7 @@ bool BoundWork::HasProgramFor(const CString& name)
             return false;
         }
         Forget();
+        former.TakeProgram();
         state.program = std::move(program);
         state.textOfProgram = m_Expression.m_TextVersion;
     }

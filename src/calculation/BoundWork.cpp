@@ -8,6 +8,8 @@
 #include <TovoFormula/MessageIds.h>
 
 #include "../expression_core/IfDepthGuard.h"
+#include "../expression_core/RestoreOnThrow.h"
+#include "../expression_core/ScanMark.h"
 #include "BoundGuards.h"
 #include "Namesakes.h"
 
@@ -63,8 +65,9 @@ void BoundWork::TakeMessage(unsigned int message)
 
 int BoundWork::Fail(unsigned int message)
 {
-    TakeMessage(message);
+    State();
     m_Expression.CalcSet().ErrorTracker().SetError(message, &m_Expression);
+    TakeMessage(message);
     return 0;
 }
 
@@ -76,6 +79,14 @@ void BoundWork::Forget()
     state.isLoadedByProgram = false;
     state.mayRunAgain = false;
     state.checkedIn = state.calculatedIn = state.scannedIn = kNeverInPass;
+}
+
+void BoundWork::ForgetTree()
+{
+    Forget();
+    const ExpressionState* const state = m_Expression.m_State.get();
+    if (!state || state->marks == 0)
+        m_Expression.m_Tree.Clear();
 }
 
 // Ends what is remembered of whatever has reached this expression in the pass: done again, it would
@@ -91,17 +102,32 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
 {
     if (!nested)
         return ValidateAfresh(message, name, nested);
+    if (IsCheckedAtOnce(name))
+        return 1;
+    Former former(*this);
+    const int isValid = ValidateWithCare(former, message, name);
+    former.End();
+    return isValid;
+}
+
+bool BoundWork::IsCheckedAtOnce(const CString& name)
+{
     ExpressionState& state = State();
+    m_IsNamesake = false;
     if (IsChecked(name)) {
-        NoteLoaded();
         LeaveTexts(&LeftElsewhere::byCheck);
-        return 1;
+        NoteLoaded();
+        return true;
     }
-    if (Namesakes::AreNone(state) && RunAgain(state, name)) {
-        GiveTextOfProgram();
-        m_IsNamesake = false;
-        return 1;
-    }
+    if (!Namesakes::AreNone(state) || !RunAgain(state, name))
+        return false;
+    GiveTextOfProgram();
+    return true;
+}
+
+int BoundWork::ValidateWithCare(Former& former, unsigned int& message, const CString& name)
+{
+    ExpressionState& state = State();
     std::optional<PassApart> apart;
     if (Namesakes::MayExist() && Namesakes::AreThere(state, name))
         apart.emplace();
@@ -111,51 +137,60 @@ int BoundWork::Validate(unsigned int& message, const CString& name, int nested)
     if (!name.IsEmpty()) {
         entry.emplace(CFmlaExpression::m_NestedFmlaNames, name);
         if (!entry->HasEntered()) {
+            Fail(MSG_FORMULA_INSIDE_ITSELF);
             message = MSG_FORMULA_INSIDE_ITSELF;
-            return Fail(message);
+            return 0;
         }
     }
-    Throwing throwing(*this);
     const Start start;
-    const bool isDone = CheckByProgram(name);
+    const bool isDone = CheckByProgram(former, name);
     if (isDone)
         GiveTextOfProgram();
-    if (isDone || LoadNamed(name, nested)) {
-        throwing.End();
+    if (isDone || LoadNamed(former, name, 1)) {
         state.reachedIn = Pass::First();
         if (!m_IsNamesake)
             NoteChecked(name, start);
         return 1;
     }
-    throwing.End();
     message = static_cast<unsigned int>(m_Expression.m_MessageNum);
     return 0;
 }
 
 int BoundWork::ValidateAfresh(unsigned int& message, const CString& name, int nested)
 {
-    if (LoadNamed(name, nested))
-        return 1;
-    message = static_cast<unsigned int>(m_Expression.m_MessageNum);
-    return 0;
+    State();
+    Former former(*this);
+    const int isLoaded = LoadNamed(former, name, nested);
+    former.End();
+    if (!isLoaded)
+        message = static_cast<unsigned int>(m_Expression.m_MessageNum);
+    return isLoaded;
 }
 
 int BoundWork::CheckAndCalculate(unsigned int& message, const CString& name,
                                  CScannedVariables* list)
 {
     if (IsChecked(name) && IsCalculated(list)) {
-        NoteLoaded();
         LeaveTexts(&LeftElsewhere::byCalculation);
+        NoteLoaded();
         return 1;
     }
     const Start start;
-    if (!Validate(message, name, 1))
-        return 0;
+    std::optional<Former> former;
+    if (list)
+        former.emplace(*this);
+    const bool isAtOnce = IsCheckedAtOnce(name);
+    if (!former && !(isAtOnce && IsCalculated(list)))
+        former.emplace(*this);
+    const bool isValid = isAtOnce || ValidateWithCare(*former, message, name);
     // Building the tree has calculated it already.
-    if (IsCalculated(list) || Walk(list, start, m_IsNamesake ? nullptr : &name))
-        return 1;
-    message = static_cast<unsigned int>(m_Expression.m_MessageNum);
-    return 0;
+    const bool isCalculated =
+        isValid && (IsCalculated(list) || Walk(list, start, m_IsNamesake ? nullptr : &name));
+    if (former)
+        former->End();
+    if (isValid && !isCalculated)
+        message = static_cast<unsigned int>(m_Expression.m_MessageNum);
+    return isCalculated ? 1 : 0;
 }
 
 int BoundWork::Calculate(CScannedVariables* list)
@@ -177,6 +212,8 @@ int BoundWork::Walk(CScannedVariables* list, const Start& start, const CString* 
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
     const bool hasProgram = state.isLoadedByProgram;
+    ScanMark scanned(list);
+    RestoreOnThrow former(state.value);
     if (hasProgram && !list && RunAsWalk()) {
         GiveTextOfProgram();
     } else {
@@ -186,9 +223,13 @@ int BoundWork::Walk(CScannedVariables* list, const Start& start, const CString* 
             m_Expression.m_MessageNum = static_cast<int>(m_Expression.m_Tree.GetMsg());
             NoteDisturbed();
             Forget();
+            scanned.End();
+            former.End();
             return 0;
         }
     }
+    scanned.End();
+    former.End();
     NoteCalculated(list, start, checkedName);
     if (list && hasProgram) {
         // The tree was for the scan alone.

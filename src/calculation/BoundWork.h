@@ -44,13 +44,16 @@ public:
     void NoteRenamed();
     // The tree is no longer what was loaded last, or it is gone.
     void Forget();
+    // The text is another one, and there is no tree. One that is being built or walked stays for so
+    // long, and is that of the text that it was begun with.
+    void ForgetTree();
 
     int Fail(unsigned int message);
     void TakeMessage(unsigned int message);
     ExpressionState& State();
 
 private:
-    class Throwing;
+    class Former;
 
     // How things were when an operation began.
     struct Start {
@@ -60,8 +63,11 @@ private:
     };
 
     bool MayUsePrograms() const;
+    bool IsCheckedAtOnce(const CString& name);
+    int ValidateWithCare(Former& former, unsigned int& message, const CString& name);
     int ValidateAfresh(unsigned int& message, const CString& name, int nested);
-    int LoadNamed(const CString& name, int nested);
+    int LoadNamed(Former& former, const CString& name, int nested);
+    int LoadAfresh(Former& former, int nested);
     int BuildTree(int nested);
     int InsertScanned(int code, const CString& token, int pos, int nested);
     int CloseTree(int lastPos, int endPos);
@@ -76,11 +82,12 @@ private:
                                              bool withIsValid);
     [[gnu::noinline]] bool CalculateDisturbed(ExpressionState& state, const CString& name,
                                               bool withIsValid);
-    bool CheckWithCare(ExpressionState& state, const CString& name, const Start& start);
+    bool CheckWithCare(Former& former, ExpressionState& state, const CString& name,
+                       const Start& start);
     [[gnu::noinline]] bool WalkByProgram(ExpressionState& state, const Start& start,
                                          const CString* checkedName);
-    bool CheckByProgram(const CString& name);
-    bool HasProgramFor(const CString& name);
+    bool CheckByProgram(Former& former, const CString& name);
+    bool HasProgramFor(Former& former, const CString& name);
     std::unique_ptr<Program> Compile();
     bool RunAsWalk();
     void GiveTextOfProgram();
@@ -94,7 +101,7 @@ private:
     void NoteChecked(const CString& name, const Start& start);
     void NoteCalculated(CScannedVariables* list, const Start& start, const CString* checkedName);
     void KeepText();
-    bool KeepElsewhere(const Start& start, std::vector<LeftText> LeftElsewhere::*by);
+    bool KeepElsewhere(const Start& start, std::vector<LeftText> LeftElsewhere::*by) noexcept;
     void NoteDisturbed();
     void LeaveTexts(std::vector<LeftText> LeftElsewhere::*by);
     bool EndsWithObject() const;

@@ -32,20 +32,12 @@ CString Describe(CObject* object)
 
 namespace tovo::detail {
 
-ChainMark::~ChainMark()
-{
-    innermost = m_Outer;
-    if (m_Outer)
-        m_Outer->m_Grown.insert(m_Outer->m_Grown.end(), m_Grown.begin(), m_Grown.end());
-}
-
 void ChainMark::TakeBack()
 {
-    for (; !m_Grown.empty(); m_Grown.pop_back()) {
-        CCalcErrorTracker& tracker = *m_Grown.back().tracker;
-        const int length = std::min(m_Grown.back().length, tracker.NumObjs());
-        tracker.m_Objects.SetSize(length);
-        tracker.m_Strings.SetSize(length);
+    std::vector<Grown>& grown = m_Outermost->m_Grown;
+    for (; grown.size() > m_Start; grown.pop_back()) {
+        CCalcErrorTracker& tracker = *grown.back().tracker;
+        tracker.m_Entries.SetSize(std::min(grown.back().length, tracker.NumObjs()));
     }
 }
 
@@ -55,14 +47,21 @@ using tovo::detail::ChainMark;
 
 CCalcErrorTracker::CCalcErrorTracker() = default;
 
-CCalcErrorTracker::~CCalcErrorTracker() = default;
+CCalcErrorTracker::~CCalcErrorTracker()
+{
+    ChainMark::NoteGone(*this);
+}
 
 void CCalcErrorTracker::SetError(unsigned int error, CObject* object, CString text)
 {
+    // The new chain is made before the former one ends.
+    const Entry first = Worded(object, std::move(text));
+    if (m_Entries.IsEmpty())
+        m_Entries.Add(first);
+    else
+        m_Entries.SetAt(0, first);
+    m_Entries.SetSize(1);
     m_Error = error;
-    m_Objects.RemoveAll();
-    m_Strings.RemoveAll();
-    Append(object, std::move(text));
 }
 
 void CCalcErrorTracker::SetError(unsigned int error, CObject* object)
@@ -72,14 +71,14 @@ void CCalcErrorTracker::SetError(unsigned int error, CObject* object)
 
 void CCalcErrorTracker::AddObj(CObject* object, CString text)
 {
+    const Entry entry = Worded(object, std::move(text));
     ChainMark::NoteGrowing(*this, NumObjs());
-    Append(object, std::move(text));
+    m_Entries.Add(entry);
 }
 
-void CCalcErrorTracker::Append(CObject* object, CString text)
+CCalcErrorTracker::Entry CCalcErrorTracker::Worded(CObject* object, CString text)
 {
-    m_Strings.Add(text.IsEmpty() ? Describe(object) : text);
-    m_Objects.Add(object);
+    return {object, text.IsEmpty() ? Describe(object) : std::move(text)};
 }
 
 void CCalcErrorTracker::AddObj(CObject* object)
@@ -89,10 +88,10 @@ void CCalcErrorTracker::AddObj(CObject* object)
 
 CObject* CCalcErrorTracker::GetObj(int index) const
 {
-    return index >= 0 && index < NumObjs() ? m_Objects.GetAt(index) : nullptr;
+    return index >= 0 && index < NumObjs() ? m_Entries[index].object : nullptr;
 }
 
 CString CCalcErrorTracker::GetStr(int index) const
 {
-    return index >= 0 && index < NumObjs() ? m_Strings.GetAt(index) : CString();
+    return index >= 0 && index < NumObjs() ? m_Entries[index].text : CString();
 }

@@ -9,6 +9,7 @@
 #include <TovoPlatform/ArgumentValidator.h>
 
 #include "../expression_core/Pass.h"
+#include "Namesakes.h"
 
 using namespace tovo::detail;
 
@@ -77,9 +78,39 @@ CalcSetImpl::CalcSetImpl()
 
 CalcSetImpl::CalcSetImpl(const CalcSetImpl& other) = default;
 
-CalcSetImpl& CalcSetImpl::operator=(const CalcSetImpl& other) = default;
+// Other maps count as changed ones.
+CalcSetImpl& CalcSetImpl::operator=(const CalcSetImpl& other)
+{
+    if (this == &other)
+        return *this;
+    Pass::NoteChange();
+    MapVersions::Next();
+    m_Duration = other.m_Duration;
+    m_DURATIONInCondition = other.m_DURATIONInCondition;
+    m_JobSize = other.m_JobSize;
+    m_JOBSIZEInCondition = other.m_JOBSIZEInCondition;
+    m_Quantity = other.m_Quantity;
+    m_QuantityInCalculations = other.m_QuantityInCalculations;
+    m_QuantityInCondition = other.m_QuantityInCondition;
+    m_ReportFcnDomainErrors = other.m_ReportFcnDomainErrors;
+    m_StrError = other.m_StrError;
+    m_HasDatabase = other.m_HasDatabase;
+    m_ErrorTracker = other.m_ErrorTracker;
+    m_Variables = other.m_Variables;
+    m_MissingVariables = other.m_MissingVariables;
+    m_Formulas = other.m_Formulas;
+    m_FormulaTables = other.m_FormulaTables;
+    m_UsesStockLookup = other.m_UsesStockLookup;
+    return *this;
+}
 
-CalcSetImpl::~CalcSetImpl() = default;
+// A held pass may go on without it.
+CalcSetImpl::~CalcSetImpl()
+{
+    Pass::NoteChange();
+    ErrorTexts::NoteGone(*this);
+    Namesakes::NoteGone(*this);
+}
 
 IVarObj* CalcSetImpl::GetVarObj(CExString name, int, long)
 {

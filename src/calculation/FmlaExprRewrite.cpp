@@ -9,7 +9,7 @@ using namespace tovo::detail;
 
 namespace {
 
-bool IsFormulaAt(const CFmlaExpression& expression, int index, const CString& name)
+bool IsFormulaAt(const CFmlaExprBase& expression, int index, const CString& name)
 {
     return expression.VarType(index) == TOK_FORMULA && expression.VarLength(index) > 0 &&
            expression.VarName(index) == name;
@@ -33,7 +33,7 @@ bool HasFormula(const CFmlaExpression& expression, std::span<const Reference> re
 // Takes out what stood between a removed reference, which was at the index, and the one that is to
 // be its neighbour: all in front of the new first reference, or all after the one before except its
 // last character. A reference that touches is left alone.
-void DeleteUpToNeighbour(CFmlaExpression& expression, int index)
+void DeleteUpToNeighbour(CFmlaExprBase& expression, int index)
 {
     const bool hasNext = index < expression.NumVars();
     int wholeVar = 0;
@@ -48,7 +48,7 @@ void DeleteUpToNeighbour(CFmlaExpression& expression, int index)
 
 // Removes one reference after the other. What a table of a host's own says may change its meaning
 // with each of them, where entries overlap or reach beyond the text.
-bool RemoveOneByOne(CFmlaExpression& expression, const CString& name)
+bool RemoveOneByOne(CFmlaExprBase& expression, const CString& name)
 {
     bool isFound = false;
     for (int index = 0; index < expression.NumVars();) {
@@ -180,8 +180,13 @@ int CFmlaExpression::RemoveFormulaFromExpression(const CString& name)
 {
     const std::vector<Reference> references = ReferencesOf(m_VarPtrs);
     const bool hasRest = m_VarPtrs.GetSize() % kWordsPerReference != 0;
-    if (hasRest || !AreSound(references, m_ExprText.GetLength()))
-        return RemoveOneByOne(*this, name) ? 1 : 0;
+    if (hasRest || !AreSound(references, m_ExprText.GetLength())) {
+        CFmlaExprBase changed(*this);
+        if (!RemoveOneByOne(changed, name))
+            return 0;
+        CFmlaExprBase::operator=(changed);
+        return 1;
+    }
     const CString text = m_ExprText;
     Removal removal(text.View(), references, m_ExprTextLimit);
     const bool isFound = removal.Run(name.View());

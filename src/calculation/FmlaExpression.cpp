@@ -33,8 +33,7 @@ CFmlaExprBase* CFmlaExpression::Clone()
 void CFmlaExpression::ClearExpr()
 {
     CFmlaExprBase::ClearExpr();
-    BoundWork(*this).Forget();
-    m_Tree.Clear();
+    BoundWork(*this).ForgetTree();
 }
 
 void CFmlaExpression::TrackError(unsigned int message)
@@ -47,18 +46,19 @@ CFmlaExpression& CFmlaExpression::operator=(CFmlaExpression& other)
     if (this == &other)
         return *this;
     CFmlaExprBase::operator=(other);
-    BoundWork(*this).Forget();
-    m_Tree.Clear();
+    BoundWork(*this).ForgetTree();
     return *this;
 }
 
 void CFmlaExpression::SetExpr(const CFmlaExpression& source)
 {
-    SetExpr(source.m_ExprText, source.m_VarPtrs);
-    const int length = m_ExprText.GetLength();
-    const bool lacksBlank = NumVars() > 0 && length == VarEndPos(NumVars() - 1) - 1;
+    CString text = source.m_ExprText;
+    const int length = text.GetLength();
+    const int last = source.NumVars() - 1;
+    const bool lacksBlank = last >= 0 && length == source.VarEndPos(last) - 1;
     if (lacksBlank && length < m_ExprTextLimit)
-        m_ExprText += u' ';
+        text += u' ';
+    SetExpr(text, source.m_VarPtrs);
 }
 
 int CFmlaExpression::LoadExpressionTree(int nested)

@@ -19,9 +19,10 @@ struct Strays {
     std::unordered_map<CString, const ExpressionState*> byName;
 };
 
+thread_local Strays strays;
+
 Strays& StraysOfPass()
 {
-    static thread_local Strays strays;
     if (strays.pass != Pass::First()) {
         strays.pass = Pass::First();
         strays.calcSet = nullptr;
@@ -56,24 +57,37 @@ bool Namesakes::AreThere(ExpressionState& state, const CString& name)
 {
     if (name.IsEmpty())
         return false;
-    Strays& strays = StraysOfPass();
-    if (!strays.calcSet) {
-        strays.calcSet = &state.calcSet;
-        strays.names = NamesOfFormulas(state.calcSet);
+    Strays& present = StraysOfPass();
+    if (!present.calcSet) {
+        present.calcSet = &state.calcSet;
+        present.names = NamesOfFormulas(state.calcSet);
         plainIn = Pass::First();
         plainSet = &state.calcSet;
     }
-    if (strays.names == NamesOfFormulas(state.calcSet) && IsUnderOwnName(state, name)) {
-        const auto found = strays.byName.find(name);
-        if (found != strays.byName.end() && found->second != &state)
+    if (present.names == NamesOfFormulas(state.calcSet) && IsUnderOwnName(state, name)) {
+        const auto found = present.byName.find(name);
+        if (found != present.byName.end() && found->second != &state)
             found->second = nullptr;
-        return found != strays.byName.end() && !found->second;
+        return found != present.byName.end() && !found->second;
     }
     knownIn = Pass::First();
-    const auto [stray, isNew] = strays.byName.emplace(name, &state);
-    if (stray->second != &state || (isNew && HasAnotherFormula(*strays.calcSet, state, name)))
+    const auto [stray, isNew] = present.byName.emplace(name, &state);
+    if (stray->second != &state || (isNew && HasAnotherFormula(*present.calcSet, state, name)))
         stray->second = nullptr;
     return !stray->second;
+}
+
+// The next set that is asked takes its place. Whether a formula was found under its own name in the
+// one that is gone, nobody can tell any more.
+void Namesakes::NoteGone(const ICalculationSet& calcSet)
+{
+    if (plainSet != &calcSet || plainIn != Pass::First())
+        return;
+    strays.calcSet = nullptr;
+    strays.names = nullptr;
+    plainIn = kNeverInPass;
+    plainSet = nullptr;
+    knownIn = Pass::First();
 }
 
 } // namespace tovo::detail

@@ -29,6 +29,8 @@ public:
     }
     // Whether another expression bears the name under which this one is going to be checked.
     static bool AreThere(ExpressionState& state, const CString& name);
+    // To be called by a set that is going.
+    static void NoteGone(const ICalculationSet& calcSet);
 
     // Whether the set has the formula under its own name, as far as it is known.
     static bool IsKnownByName(const ExpressionState& state)

@@ -17,7 +17,7 @@ public:
     static void* Allocate(std::size_t size)
     {
         if (size != kBlockSize || !blocks.first)
-            return ::operator new(size);
+            return AllocateAfresh(size);
         Block* const block = blocks.first;
         blocks.first = block->next;
         --blocks.count;
@@ -25,7 +25,7 @@ public:
     }
     static void Free(void* memory, std::size_t size) noexcept
     {
-        if (size != kBlockSize || blocks.count >= kMost || (blocks.count == 0 && !Keep()))
+        if (size != kBlockSize || blocks.count >= blocks.most)
             ::operator delete(memory);
         else
             blocks.Push(memory);
@@ -44,6 +44,7 @@ private:
     struct Blocks {
         Block* first = nullptr;
         int count = 0;
+        int most = 0; // none before the thread's first allocation and after its end
 
         void Push(void* memory)
         {
@@ -53,22 +54,24 @@ private:
     };
     // Gives the blocks back when the thread ends; from then on none is kept.
     struct Keeper {
+        Keeper() { blocks.most = kMost; }
         ~Keeper()
         {
-            isOver = true;
+            blocks.most = 0;
             while (Block* const block = blocks.first) {
                 blocks.first = block->next;
                 ::operator delete(block);
             }
             blocks.count = 0;
         }
-        bool isOver = false;
     };
 
-    static bool Keep()
+    // To arrange for something at the end of a thread may take memory, which nothing that is freed
+    // can ask for.
+    static void* AllocateAfresh(std::size_t size)
     {
-        static thread_local Keeper keeper;
-        return !keeper.isOver;
+        static thread_local const Keeper keeper;
+        return ::operator new(size);
     }
 
     static inline constinit thread_local Blocks blocks;

@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_SRC_CHAINMARK_H
 #define TOVOFORMULA_SRC_CHAINMARK_H
 
+#include <cstddef>
 #include <vector>
 
 class CCalcErrorTracker;
@@ -11,8 +12,14 @@ namespace tovo::detail {
 // reported once more. Kept for each thread; the innermost one takes down what is added.
 class ChainMark {
 public:
-    ChainMark() : m_Outer(innermost) { innermost = this; }
-    ~ChainMark();
+    ChainMark()
+        : m_Outer(innermost),
+          m_Outermost(m_Outer ? m_Outer->m_Outermost : this),
+          m_Start(m_Outermost->m_Grown.size())
+    {
+        innermost = this;
+    }
+    ~ChainMark() { innermost = m_Outer; }
 
     ChainMark(const ChainMark&) = delete;
     ChainMark& operator=(const ChainMark&) = delete;
@@ -23,7 +30,15 @@ public:
     static void NoteGrowing(CCalcErrorTracker& tracker, int length)
     {
         if (innermost)
-            innermost->m_Grown.push_back({&tracker, length});
+            innermost->m_Outermost->m_Grown.push_back({&tracker, length});
+    }
+
+    // To be called by a tracker that is going.
+    static void NoteGone(const CCalcErrorTracker& tracker)
+    {
+        if (innermost)
+            std::erase_if(innermost->m_Outermost->m_Grown,
+                          [&](const Grown& grown) { return grown.tracker == &tracker; });
     }
 
 private:
@@ -35,7 +50,9 @@ private:
     static inline constinit thread_local ChainMark* innermost = nullptr;
 
     ChainMark* const m_Outer;
-    std::vector<Grown> m_Grown; // in the order of time
+    ChainMark* const m_Outermost;
+    std::vector<Grown> m_Grown; // in the order of time; of the outermost mark, for all within it
+    const std::size_t m_Start;  // where that of this mark begins
 };
 
 } // namespace tovo::detail

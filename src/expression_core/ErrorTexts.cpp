@@ -9,7 +9,10 @@ namespace tovo::detail {
 
 void ErrorTexts::Set(ICalculationSet& calcSet, RuntimeError error)
 {
+    // What cannot be given is not noted, and the other way round.
+    MakeRoom(calcSet);
     calcSet.SetStrError(error == 0 ? CString() : tovo::RuntimeErrorText(error));
+    Note(calcSet, error);
 }
 
 RuntimeError ErrorTexts::LastOf(const ICalculationSet& calcSet)
@@ -39,11 +42,27 @@ std::vector<LeftText> ErrorTexts::GivenElsewhere(const ICalculationSet& calcSet,
 // Makes room for what the set is going to be given.
 void ErrorTexts::MoveToOthers(const ICalculationSet& calcSet)
 {
+    MakeRoom(calcSet);
     std::erase_if(Others(), [&](const LeftText& text) {
         return text.calcSet == &calcSet || text.calcSet == last.calcSet;
     });
     Others().push_back(last);
     hasOthers = true;
+}
+
+// For what is noted when another set was given a text before.
+void ErrorTexts::MakeRoom(const ICalculationSet& calcSet)
+{
+    if (last.calcSet && last.calcSet != &calcSet)
+        Others().reserve(Others().size() + 1);
+}
+
+void ErrorTexts::NoteGone(const ICalculationSet& calcSet)
+{
+    if (last.calcSet == &calcSet)
+        last.calcSet = nullptr;
+    if (hasOthers)
+        std::erase_if(Others(), [&](const LeftText& text) { return text.calcSet == &calcSet; });
 }
 
 void ErrorTexts::ForgetOthers()

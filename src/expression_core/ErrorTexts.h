@@ -25,9 +25,10 @@ class ErrorTexts {
 public:
     static void Give(ICalculationSet& calcSet, RuntimeError error)
     {
-        Note(calcSet, error);
         // Nearly every token clears the text, and nearly always it is clear.
-        if (error != 0 || !ObjectCalls::IsStrErrorClear(calcSet))
+        if (error == 0 && ObjectCalls::IsStrErrorClear(calcSet))
+            Note(calcSet, error);
+        else
             Set(calcSet, error);
     }
     // What the set was given last in this pass, 0 for none.
@@ -43,6 +44,9 @@ public:
 
     // Whether more sets than one were given texts.
     static bool HasOthers() { return hasOthers; }
+
+    // To be called by a set that is going.
+    static void NoteGone(const ICalculationSet& calcSet);
 
     // Forgets what was given, for the sets may be gone.
     static void BeginPass()
@@ -61,6 +65,7 @@ private:
         last = {&calcSet, error, ++turns};
     }
     static void MoveToOthers(const ICalculationSet& calcSet);
+    static void MakeRoom(const ICalculationSet& calcSet);
     static void ForgetOthers();
     static std::vector<LeftText>& Others();
 

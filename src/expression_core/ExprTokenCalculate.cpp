@@ -10,14 +10,37 @@
 #include "Computation.h"
 #include "ErrorTexts.h"
 #include "JobValues.h"
+#include "Pass.h"
 #include "ReferenceKinds.h"
+#include "RestoreOnThrow.h"
 #include "ScanRecord.h"
 
 using namespace tovo::detail;
 
+namespace {
+
+// An object that changes something while it is asked may be gone when it returns.
+template <typename Object>
+bool IsThereStill(ICalculationSet& calcSet, int code, const CString& name, const Object* object)
+{
+    return WithObject(calcSet, code, name, [object](auto* found) {
+        return static_cast<const void*>(found) == static_cast<const void*>(object);
+    });
+}
+
+} // namespace
+
 int CExprToken::Calculate(double* args, int numArgs, int nested, CScannedVariables* list)
 {
+    RestoreOnThrow former(m_CalcError);
     m_CalcError = MSG_NONE;
+    const int result = CalculateAfresh(args, numArgs, nested, list);
+    former.End();
+    return result;
+}
+
+int CExprToken::CalculateAfresh(double* args, int numArgs, int nested, CScannedVariables* list)
+{
     ErrorTexts::Give(CalcSet(), 0);
     if (numArgs < m_MinArgs || numArgs > m_MaxArgs || (numArgs > 0 && !args))
         return HardFailure(MSG_GENERAL_FAILURE);
@@ -34,17 +57,11 @@ int CExprToken::Calculate(double* args, int numArgs, int nested, CScannedVariabl
 
 bool CExprToken::BadErrno()
 {
-    switch (errno) {
-    case EDOM:
-        m_CalcError = MSG_INVALID_PARAMETER;
-        break;
-    case ERANGE:
-        m_CalcError = MSG_MATH_RANGE;
-        break;
-    default:
+    const int error = errno;
+    if (error != EDOM && error != ERANGE)
         return false;
-    }
-    ErrorTexts::Give(CalcSet(), errno);
+    ErrorTexts::Give(CalcSet(), error);
+    m_CalcError = error == EDOM ? MSG_INVALID_PARAMETER : MSG_MATH_RANGE;
     return true;
 }
 
@@ -65,18 +82,20 @@ int CExprToken::Give(double value)
 
 int CExprToken::HardFailure(unsigned int message)
 {
+    CalcSet().ErrorTracker().SetError(message, this);
     m_CalcError = message;
     m_Calculated = 0;
-    CalcSet().ErrorTracker().SetError(m_CalcError, this);
     return 0;
 }
 
 // The set says whether a failure on the domain fails the calculation or counts as 0.0.
 int CExprToken::DomainFailure(unsigned int message)
 {
-    m_Value = 0.0;
-    if (CalcSet().GetReportFcnDomainErrors())
-        return HardFailure(message);
+    if (CalcSet().GetReportFcnDomainErrors()) {
+        HardFailure(message);
+        m_Value = 0.0;
+        return 0;
+    }
     m_CalcError = MSG_NONE;
     return Give(0.0);
 }
@@ -90,7 +109,9 @@ int CExprToken::ReadFromOutside(int nested, CScannedVariables* list)
     const CString name = GetName();
     return WithObject(CalcSet(), m_Code, name, [&](auto* object) {
         // The object writes its message straight into this token's, which is 0 if it writes none.
-        if (!object || !Reach(*object, name, list))
+        const PassNumber pass = Pass::Present();
+        if (!object || !Reach(*object, name, list) ||
+            (Pass::Present() != pass && !IsThereStill(CalcSet(), m_Code, name, object)))
             return HardFailure(m_CalcError);
         return Give(object->GetValue());
     });

@@ -170,7 +170,7 @@ bool Program::Execute(ExpressionState& state)
         }
         case Operation::Table:
             *stack++ = top;
-            if (!CallObject(state, *m_Bindings[at->index].table, kPurpose, top))
+            if (!CallObject(state, m_Bindings[at->index], &Binding::table, kPurpose, top))
                 return false;
             break;
         case Operation::Add:
@@ -307,27 +307,38 @@ bool Program::CallFormula(ExpressionState& state, const Binding& binding, Purpos
     }
     if (binding.state && binding.state->ownNameIn != Pass::Present())
         ObjectCalls::NoteFound(*binding.state, binding.name);
-    return CallObject(state, *binding.formula, purpose, value);
+    return CallObject(state, binding, &Binding::formula, purpose, value);
 }
 
-// Asks as the tree does. An object that fails reports that when the tree asks it once more.
+// Asks as the tree does. An object that fails reports that when the tree asks it once more. One
+// that has changed something may be gone when it returns: then the name is looked up again, and the
+// tree sees to an object that is no longer there.
 template <typename Object>
-bool Program::CallObject(ExpressionState& state, Object& object, Purpose purpose, double& value)
+bool Program::CallObject(ExpressionState& state, const Binding& binding, Object* Binding::*object,
+                         Purpose purpose, double& value)
 {
     ChainMark chain;
     unsigned int message = MSG_NONE;
-    bool isCalculated = purpose != Purpose::Check || object.IsValid(message, 1);
+    Object* const asked = binding.*object;
+    PassNumber pass = Pass::Present();
+    const auto isThereStill = [&] {
+        if (Pass::Present() == pass && IsBoundStill())
+            return true;
+        pass = Pass::Present();
+        return BindAll(state) && binding.*object == asked;
+    };
+    bool isCalculated = purpose != Purpose::Check || (asked->IsValid(message, 1) && isThereStill());
     if (isCalculated) {
         // What the object leaves as a text may be the last one.
         if (EndsWithReference())
             ErrorTexts::Give(state.calcSet, 0);
-        isCalculated = object.Calculate(message, nullptr);
+        isCalculated = asked->Calculate(message, nullptr) && isThereStill();
     }
     if (!isCalculated) {
         chain.TakeBack();
         return false;
     }
-    value = object.GetValue();
+    value = asked->GetValue();
     return IsBoundStill() || BindAll(state);
 }
 

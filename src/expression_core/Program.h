@@ -173,8 +173,8 @@ private:
                      double& value);
     // Apart from its callers, which take less of the stack without it.
     template <typename Object>
-    [[gnu::noinline]] bool CallObject(ExpressionState& state, Object& object, Purpose purpose,
-                                      double& value);
+    [[gnu::noinline]] bool CallObject(ExpressionState& state, const Binding& binding,
+                                      Object* Binding::*object, Purpose purpose, double& value);
 
     std::vector<Instruction> m_Code;
     std::vector<Binding> m_Bindings;

@@ -186,10 +186,13 @@ void CTree::Clear()
 
 CTree* CTree::InsertChildAt(int index, CTree* child)
 {
-    if (!m_Children)
-        m_Children = new Children;
+    // A node whose child cannot be taken in goes on having no list.
+    std::unique_ptr<Children> first(m_Children ? nullptr : new Children);
+    CObArray& children = m_Children ? *m_Children : *first;
     const bool isPlace = index >= 0 && index <= NumChildren();
-    m_Children->InsertAt(isPlace ? index : NumChildren(), child);
+    children.InsertAt(isPlace ? index : NumChildren(), child);
+    if (first)
+        m_Children = first.release();
     return child;
 }
 

@@ -1,5 +1,7 @@
 #include <TovoFormula/ExpressionNames.h>
 
+#include <array>
+
 #include <TovoFormula/TokenCodes.h>
 #include <TovoPlatform/LocaleSettings.h>
 #include <TovoPlatform/ThreadTexts.h>
@@ -39,16 +41,19 @@ CString UsersListSeparator(const CString& fromResource)
 
 } // namespace
 
-CExpressionNames::CExpressionNames() = default;
-
 CExpressionNames::~CExpressionNames() = default;
 
 void CExpressionNames::Init()
 {
+    std::array<CString, kTokenCount> names;
     for (int code = 0; code < kTokenCount; ++code)
-        SetAtGrow(code, LoadName(code));
-    SetAt(TOK_NUMBER, WithUsersDecimalSeparator(GetAt(TOK_NUMBER)));
-    SetAt(TOK_COMMA, UsersListSeparator(GetAt(TOK_COMMA)));
+        names[static_cast<std::size_t>(code)] = LoadName(code);
+    names[TOK_NUMBER] = WithUsersDecimalSeparator(names[TOK_NUMBER]);
+    names[TOK_COMMA] = UsersListSeparator(names[TOK_COMMA]);
+    if (GetSize() < kTokenCount)
+        SetSize(kTokenCount);
+    for (int code = 0; code < kTokenCount; ++code)
+        SetAt(code, names[static_cast<std::size_t>(code)]);
     if (!tovo::ThreadTexts::InForce())
         tovo::detail::SetProcessDecimalSeparator(GetAt(TOK_NUMBER)[0]);
 }

@@ -60,13 +60,13 @@ void CFmlaExprBase::TrackError(unsigned int message)
 
 void CFmlaExprBase::Init()
 {
+    InitExprNames();
     NoteTextChange();
     m_ExprText.Empty();
     m_InvalidPos = -1;
     m_MessageNum = 0;
     m_ScanPos = 0;
     m_ExprTextLimit = kDefaultTextLimit;
-    InitExprNames();
 }
 
 void CFmlaExprBase::SetExpr(const CString& text)
@@ -168,9 +168,9 @@ void TextExchange::Swap(CFmlaExprBase& a, CFmlaExprBase& b) noexcept
     }
 }
 
-void CFmlaExprBase::SetText(const CString& text, const CWordArray& references)
+void CFmlaExprBase::SetText(CString text, CWordArray references) noexcept
 {
     NoteTextChange();
-    m_ExprText = text;
-    m_VarPtrs = references;
+    m_ExprText = std::move(text);
+    m_VarPtrs = std::move(references);
 }

@@ -1,6 +1,7 @@
 #include <TovoFormula/FmlaExprBase.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <TovoPlatform/ArgumentValidator.h>
 
@@ -73,11 +74,13 @@ int CFmlaExprBase::InsertString(const CString& text, int pos)
     if (last >= 0 && VarPos(last) >= pos && !FitsWord(VarPos(last) + inserted))
         return 0;
 
-    NoteTextChange();
+    CString changed = m_ExprText;
     if (inserted > 0)
-        m_ExprText += CString(kBlank, BlanksMissingBefore(*this, pos));
-    m_ExprText.Insert(pos, text);
-    m_ExprText = m_ExprText.Left(m_ExprTextLimit);
+        changed += CString(kBlank, BlanksMissingBefore(*this, pos));
+    changed.Insert(pos, text);
+    changed = changed.Left(m_ExprTextLimit);
+    NoteTextChange();
+    m_ExprText = std::move(changed);
     m_InvalidPos = -1;
     MoveReferences(pos, inserted);
     return 1;
@@ -87,21 +90,26 @@ int CFmlaExprBase::DeleteChars(int start, int end, int* pWholeVar)
 {
     CArgumentValidator::ValidateNonNullPointer("FmlaExprEdit", __LINE__, pWholeVar, "pWholeVar",
                                                "CFmlaExprBase::DeleteChars");
-    *pWholeVar = 0;
     end = std::min(end, m_ExprTextLimit);
     start = std::min({start, m_ExprTextLimit, end});
     if (start < 0 || end < 0 || start >= m_ExprTextLimit || InVar(start, nullptr) ||
-        InVar(end, nullptr))
+        InVar(end, nullptr)) {
+        *pWholeVar = 0;
         return 0;
+    }
 
-    m_InvalidPos = -1;
+    int isWholeVar = 0;
     if (start == end) {
         int index = 0;
-        *pWholeVar = OnVarLeftEdge(start, &index);
-        end = *pWholeVar ? VarEndPos(index) : start + 1;
+        isWholeVar = OnVarLeftEdge(start, &index);
+        end = isWholeVar ? VarEndPos(index) : start + 1;
     }
+    CString changed = m_ExprText;
+    changed.Delete(start, end - start);
     NoteTextChange();
-    m_ExprText.Delete(start, end - start);
+    *pWholeVar = isWholeVar;
+    m_ExprText = std::move(changed);
+    m_InvalidPos = -1;
     CutReferences(start, end);
     return 1;
 }
@@ -110,17 +118,13 @@ int CFmlaExprBase::InsertVariable(const CString& name, int pos, int kind)
 {
     if (NumVars() >= kMaxReferences)
         return 0;
-    const CString text = m_ExprText;
-    const CWordArray references = m_VarPtrs;
-    const int invalidPos = m_InvalidPos;
     const CString stretch = kBlank + name + kBlank;
-    if (!InsertString(stretch, pos))
+    CFmlaExprBase changed(*this);
+    if (!changed.InsertString(stretch, pos) || !changed.InsVarPtrs(pos, stretch.GetLength(), kind))
         return 0;
-    if (InsVarPtrs(pos, stretch.GetLength(), kind))
-        return 1;
-    SetText(text, references);
-    m_InvalidPos = invalidPos;
-    return 0;
+    SetText(std::move(changed.m_ExprText), std::move(changed.m_VarPtrs));
+    m_InvalidPos = -1;
+    return 1;
 }
 
 int CFmlaExprBase::InsertFormula(const CString& name, int pos)
@@ -143,8 +147,8 @@ int CFmlaExprBase::InsVarPtrs(int pos, int length, int kind)
             return 0;
     CWordArray entry;
     AppendReference(entry, {pos, length, kind});
-    NoteTextChange();
     m_VarPtrs.InsertAt(index * kWordsPerReference, entry);
+    NoteTextChange();
     return 1;
 }
 
@@ -202,16 +206,18 @@ void CFmlaExprBase::CutReferences(int start, int end)
     int first = NumVars();
     while (first > 0 && VarEndPos(first - 1) > start)
         --first;
-    CWordArray moved;
+    // In place, as the text has changed already.
+    int kept = first;
     for (int index = first; index < NumVars(); ++index) {
         Reference reference = EntryAt(index);
         if (reference.position < end)
             continue;
         reference.position -= end - start;
-        AppendReference(moved, reference);
+        int word = kept++ * kWordsPerReference;
+        for (const int value : {reference.position, reference.length, reference.kind})
+            m_VarPtrs.SetAt(word++, static_cast<WORD>(value));
     }
-    m_VarPtrs.RemoveAt(first * kWordsPerReference, (NumVars() - first) * kWordsPerReference);
-    m_VarPtrs.InsertAt(first * kWordsPerReference, moved);
+    m_VarPtrs.RemoveAt(kept * kWordsPerReference, (NumVars() - kept) * kWordsPerReference);
 }
 
 // Moves the references at or behind a position. They are the last ones, as the table is ordered.

@@ -182,8 +182,7 @@ void CFmlaExprBase::SetFromEncodedString(CString encoded)
 {
     Decoder decoder(encoded.View());
     decoder.Run();
-    SetExpr(CString(decoder.TakeText()));
-    TranslateAndTake(decoder.TakeReferences(), TL_LOCAL);
+    TranslateAndTake(CString(decoder.TakeText()), decoder.TakeReferences(), TL_LOCAL);
     // Whoever was told of a fault in a number may have marked it.
     m_InvalidPos = -1;
 }

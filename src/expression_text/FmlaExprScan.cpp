@@ -1,22 +1,20 @@
 #include <TovoFormula/FmlaExprBase.h>
 
+#include <algorithm>
 #include <atomic>
-#include <mutex>
+#include <utility>
 
+#include <TovoPlatform/ProcessState.h>
 #include <TovoPlatform/ThreadTexts.h>
 
 #include "../expression_core/Pass.h"
+#include "../expression_core/RestoreOnThrow.h"
 #include "../expression_core/UserLanguage.h"
 #include "TokenScanner.h"
 
 using namespace tovo::detail;
 
-CExpressionNames CFmlaExprBase::m_ExprNames;
-int CFmlaExprBase::m_ExpressionNamesInitialized = 0;
-
 namespace {
-
-std::mutex namesMutex;
 
 // Every expression asks on its construction, so asking takes no lock.
 std::atomic_ref<int> IsLoaded(int& flag)
@@ -26,11 +24,14 @@ std::atomic_ref<int> IsLoaded(int& flag)
 
 } // namespace
 
+constinit CExpressionNames CFmlaExprBase::m_ExprNames;
+constinit int CFmlaExprBase::m_ExpressionNamesInitialized = 0;
+
 void CFmlaExprBase::InitExprNames()
 {
     if (IsLoaded(m_ExpressionNamesInitialized).load(std::memory_order_acquire))
         return;
-    const std::lock_guard lock(namesMutex);
+    const std::lock_guard lock(tovo::LoadingLock());
     if (m_ExpressionNamesInitialized)
         return;
     LoadNames();
@@ -39,7 +40,7 @@ void CFmlaExprBase::InitExprNames()
 
 void CFmlaExprBase::ReInitExprNames()
 {
-    const std::lock_guard lock(namesMutex);
+    const std::lock_guard lock(tovo::LoadingLock());
     Pass::NoteChange();
     LoadNames();
     IsLoaded(m_ExpressionNamesInitialized).store(1, std::memory_order_release);
@@ -49,8 +50,12 @@ void CFmlaExprBase::ReInitExprNames()
 void CFmlaExprBase::LoadNames()
 {
     const tovo::ThreadTextsInForce none(nullptr);
+    // Has room for all names, so that nothing can go wrong once they are loaded.
+    auto present = std::make_shared<CExpressionNames>();
+    present->SetSize(std::max(m_ExprNames.GetSize(), static_cast<int>(kTokenCount)));
     m_ExprNames.Init();
-    processLanguage = UserLanguage(std::make_shared<const CExpressionNames>(m_ExprNames));
+    *present = m_ExprNames;
+    processLanguage = UserLanguage(std::move(present));
 }
 
 const std::shared_ptr<const CExpressionNames>& CFmlaExprBase::PresentNames()
@@ -70,8 +75,11 @@ int CFmlaExprBase::GetTokenString(int code, CString& text)
 int CFmlaExprBase::FindFirstToken(CString& token, int& tokenCode, int& tokenPos, int startPos,
                                   TEXT_LANGUAGE language)
 {
+    RestoreOnThrow former(m_ScanPos);
     m_ScanPos = startPos;
-    return FindNextToken(token, tokenCode, tokenPos, language);
+    const int isFound = FindNextToken(token, tokenCode, tokenPos, language);
+    former.End();
+    return isFound;
 }
 
 int CFmlaExprBase::FindNextToken(CString& token, int& tokenCode, int& tokenPos,
@@ -102,15 +110,16 @@ int CFmlaExprBase::DeliverToken(TokenScanner& scanner, CString& token, int& toke
                                 int& tokenPos)
 {
     const TokenScanner::Outcome outcome = scanner.Next();
+    CString text = outcome == TokenScanner::Outcome::End ? token : scanner.TokenString();
+    RestoreOnThrow former(m_ScanPos);
     m_ScanPos = scanner.ScanPos();
-    tokenPos = scanner.TokenPos();
-    if (outcome == TokenScanner::Outcome::End)
-        return 0;
-    token = scanner.TokenString();
-    if (outcome == TokenScanner::Outcome::Fault) {
+    if (outcome == TokenScanner::Outcome::Fault)
         ReportFault(scanner.FaultMessage());
+    former.End();
+    token = std::move(text);
+    tokenPos = scanner.TokenPos();
+    if (outcome != TokenScanner::Outcome::Token)
         return 0;
-    }
     tokenCode = scanner.TokenCode();
     return 1;
 }
@@ -118,8 +127,10 @@ int CFmlaExprBase::DeliverToken(TokenScanner& scanner, CString& token, int& toke
 void CFmlaExprBase::ReportFault(unsigned int message)
 {
     NoteTouched();
+    RestoreOnThrow former(m_MessageNum);
     m_MessageNum = static_cast<int>(message);
     TrackError(message);
+    former.End();
 }
 
 Spelling CFmlaExprBase::SpellingOf(TEXT_LANGUAGE language)

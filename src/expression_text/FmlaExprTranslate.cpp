@@ -1,8 +1,10 @@
 #include <TovoFormula/FmlaExprBase.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "../expression_core/Names.h"
+#include "../expression_core/RestoreOnThrow.h"
 #include "../expression_core/UserLanguage.h"
 #include "Translation.h"
 
@@ -68,7 +70,7 @@ Spelled SpellOut(WideView text, const std::vector<Reference>& references,
 
 void CFmlaExprBase::TranslateText(TEXT_LANGUAGE target)
 {
-    TranslateAndTake(ReferencesOf(m_VarPtrs), target);
+    TranslateAndTake(m_ExprText, ReferencesOf(m_VarPtrs), target);
 }
 
 int CFmlaExprBase::TokenNeedsTranslation(int code) const
@@ -84,27 +86,28 @@ Translation CFmlaExprBase::TranslationOf(const CString& text, std::vector<Refere
 }
 
 // Where the languages agree, only a fault in a number would show.
-bool CFmlaExprBase::IsTranslatedAlready(const std::vector<Reference>& references) const
+bool CFmlaExprBase::IsTranslatedAlready(const CString& text,
+                                        const std::vector<Reference>& references)
 {
-    return languageInForce->areNamesEnglish && FitWords(references) &&
-           !MayHaveFault(m_ExprText.View());
+    return languageInForce->areNamesEnglish && FitWords(references) && !MayHaveFault(text.View());
 }
 
 // A reference that the table cannot hold is not entered: it becomes literal text, in the form that
 // a reader of encoded strings knows, so that nothing of it is lost.
-void CFmlaExprBase::TranslateAndTake(const std::vector<Reference>& references, TEXT_LANGUAGE target)
+void CFmlaExprBase::TranslateAndTake(const CString& text, const std::vector<Reference>& references,
+                                     TEXT_LANGUAGE target)
 {
-    if (IsTranslatedAlready(references)) {
+    if (IsTranslatedAlready(text, references)) {
         CWordArray words;
         for (const Reference& reference : references)
             AppendReference(words, reference);
-        SetText(m_ExprText, words);
+        SetText(text, std::move(words));
         m_ScanPos = m_ExprText.GetLength();
         return;
     }
-    Translation translation = TranslationOf(m_ExprText, references, target);
+    Translation translation = TranslationOf(text, references, target);
     if (!FitWords(translation.references)) {
-        Spelled spelled = SpellOut(m_ExprText.View(), references, translation.references);
+        Spelled spelled = SpellOut(text.View(), references, translation.references);
         translation =
             TranslationOf(CString(std::move(spelled.text)), std::move(spelled.references), target);
     }
@@ -117,8 +120,16 @@ void CFmlaExprBase::TakeTranslation(const Translation& translation)
     for (const Reference& reference : translation.references)
         if (reference.FitsWords())
             AppendReference(words, reference);
-    SetText(CString(translation.text), words);
+    CString text(translation.text);
+    if (!translation.fault) {
+        SetText(std::move(text), std::move(words));
+        m_ScanPos = translation.scanPos;
+        return;
+    }
+    // Who is told of a fault may look at the text. If that throws, there was no translation.
+    RestoreOnThrow former(m_ExprText, m_VarPtrs, m_ScanPos, m_MessageNum, m_InvalidPos);
+    SetText(std::move(text), std::move(words));
     m_ScanPos = translation.scanPos;
-    if (translation.fault)
-        ReportFault(translation.fault);
+    ReportFault(translation.fault);
+    former.End();
 }

@@ -11,6 +11,7 @@
 #include "../expression_core/Names.h"
 #include "../expression_core/ObjectCalls.h"
 #include "../expression_core/Pass.h"
+#include "../expression_core/RestoreOnThrow.h"
 #include "../expression_core/ScanRecord.h"
 #include "../expression_text/ReferenceTable.h"
 
@@ -75,8 +76,9 @@ void CFormtblElem::init(const CString& combined)
     if (combined.IsEmpty())
         return ClearAll();
     const bool hasKind = KindOfLetter(combined[0]) != kNoKind;
+    const CString name = hasKind ? combined.Mid(1) : combined;
     SetType(hasKind ? combined[0] : kConstant);
-    SetName(hasKind ? combined.Mid(1) : combined);
+    SetName(name);
 }
 
 void CFormtblElem::SetFromCombinedString(const CString& combined)
@@ -236,14 +238,16 @@ int CFormtblElem::CheckNestedFormulas(unsigned int& message)
     return WithNested(CalcSet(), kind, m_Name, [&](auto* object) {
         const ReferenceKind& row = kReferenceKinds[kind];
         if (!object) {
-            message = row.notFound;
             CalcSet().ErrorTracker().SetError(row.notFound, this, row.label + m_Name);
+            message = row.notFound;
             return 0;
         }
-        if (object->IsValid(message, 1))
-            return 1;
-        CalcSet().ErrorTracker().AddObj(this);
-        return 0;
+        RestoreOnThrow former(message);
+        const bool isValid = object->IsValid(message, 1) != 0;
+        if (!isValid)
+            CalcSet().ErrorTracker().AddObj(this);
+        former.End();
+        return isValid ? 1 : 0;
     });
 }
 

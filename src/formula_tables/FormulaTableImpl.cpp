@@ -19,6 +19,8 @@
 #include "../calculation/UnderWay.h"
 #include "../expression_core/Names.h"
 #include "../expression_core/Pass.h"
+#include "../expression_core/RestoreOnThrow.h"
+#include "../expression_core/ScanMark.h"
 
 using namespace tovo::detail;
 
@@ -167,6 +169,16 @@ int FormulaTableImpl::Calculate(unsigned int& message, CScannedVariables* list)
     std::optional<PassApart> apart;
     if (m_Calculated)
         apart.emplace();
+    RestoreOnThrow former(message);
+    ScanMark scanned(list);
+    const int isCalculated = CalculateAfresh(message, list);
+    scanned.End();
+    former.End();
+    return isCalculated;
+}
+
+int FormulaTableImpl::CalculateAfresh(unsigned int& message, CScannedVariables* list)
+{
     if (!CalculateSelectors(message, list))
         return 0;
 
@@ -205,12 +217,14 @@ void FormulaTableImpl::GetVariables(CScannedVariables& list, int all, int clear)
     StaticScan scan(list);
     if (scan.IsTooDeep() || !scan.Enters(static_cast<CObject*>(this)))
         return;
+    ScanMark scanned(&list);
     m_RowSelector.GetVariables(list, all, 0);
     if (m_NumColumns > 1)
         m_ColumnSelector.GetVariables(list, all, 0);
     for (int index = 0; index < m_Cells.GetSize(); ++index)
         if (CFormtblElem* const cell = m_Cells[index])
             cell->GetVariables(list, all, 0);
+    scanned.End();
 }
 
 void FormulaTableImpl::SetName(CString& name)

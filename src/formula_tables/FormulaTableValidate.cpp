@@ -6,6 +6,7 @@
 #include "../calculation/UnderWay.h"
 #include "../expression_core/Pass.h"
 #include "../expression_core/ReferenceKinds.h"
+#include "../expression_core/RestoreOnThrow.h"
 
 using namespace tovo::detail;
 
@@ -38,17 +39,25 @@ int FormulaTableImpl::IsValid(unsigned int& message, int nested)
         return FailOnTable(MSG_FORMULA_INSIDE_ITSELF, message);
     if (underWay.IsTooDeep())
         return FailOnTable(MSG_GENERAL_FAILURE, message);
+    RestoreOnThrow former(message);
+    const int isValid = ValidateAll(message, nested);
+    former.End();
+    if (isValid) {
+        m_Validated = 1;
+        ErrorTexts::NoteOnce();
+    }
+    return isValid;
+}
+
+int FormulaTableImpl::ValidateAll(unsigned int& message, int nested)
+{
     if (!ValidateLimits(message) ||
         !ValidateSelector(m_RowSelector, u"Row selector", message, nested))
         return 0;
     if (m_NumColumns > 1 &&
         !ValidateSelector(m_ColumnSelector, u"Column selector", message, nested))
         return 0;
-    if (!ValidateCells(message, nested))
-        return 0;
-    m_Validated = 1;
-    ErrorTexts::NoteOnce();
-    return 1;
+    return ValidateCells(message, nested);
 }
 
 int FormulaTableImpl::ValidateElement(CFormtblElem& element, unsigned int& message, int nested)
@@ -63,8 +72,8 @@ int FormulaTableImpl::ValidateElement(CFormtblElem& element, unsigned int& messa
         if (object)
             return object->IsValid(message, nested) ? 1 : 0;
         const ReferenceKind& row = kReferenceKinds[kind];
-        message = row.notFound;
         m_CalcSet->ErrorTracker().SetError(row.notFound, this, row.label + name);
+        message = row.notFound;
         return 0;
     });
 }
@@ -107,16 +116,16 @@ int FormulaTableImpl::ValidateCells(unsigned int& message, int nested)
 
 int FormulaTableImpl::FailOnTable(unsigned int error, unsigned int& message)
 {
-    message = error;
     m_CalcSet->ErrorTracker().SetError(error, this);
+    message = error;
     return 0;
 }
 
 int FormulaTableImpl::FailOnMissingCell(int cell, unsigned int& message)
 {
-    message = MSG_GENERAL_FAILURE;
-    m_CalcSet->ErrorTracker().SetError(message, nullptr, PlaceOfCell(cell));
+    m_CalcSet->ErrorTracker().SetError(MSG_GENERAL_FAILURE, nullptr, PlaceOfCell(cell));
     m_CalcSet->ErrorTracker().AddObj(this);
+    message = MSG_GENERAL_FAILURE;
     return 0;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <mutex>
 #include <set>
 #include <string>
 #include <utility>
@@ -12,6 +13,7 @@
 #include <TovoPlatform/InvalidArgument.h>
 #include <TovoPlatform/LocaleSettings.h>
 #include <TovoPlatform/NumberText.h>
+#include <TovoPlatform/ProcessState.h>
 #include <TovoPlatform/ThreadTexts.h>
 
 #include "../expression_core/Pass.h"
@@ -86,7 +88,7 @@ tovo::ThreadTexts TextsOf(std::span<const AfxStringResource> strings, const CStr
                           const CString& list)
 {
     std::vector<AfxStringResource> all(strings.begin(), strings.end());
-    const auto own = StringTable();
+    const std::span own(stringModule.strings, stringModule.stringCount);
     all.insert(all.end(), own.begin(), own.end());
     return {all, {{LOCALE_SDECIMAL, decimal}, {LOCALE_SLIST, list}}};
 }
@@ -103,11 +105,15 @@ std::shared_ptr<const LanguageTexts> Made(tovo::ThreadTexts texts)
         LanguageTexts{std::move(texts), UserLanguage(names)});
 }
 
+constinit tovo::Everlasting<std::shared_ptr<const LanguageTexts>>
+    english; // null until it is needed
+
 std::shared_ptr<const LanguageTexts> English()
 {
-    static const std::shared_ptr<const LanguageTexts> english =
-        Made(TextsOf({}, CString(u"."), CString(u",")));
-    return english;
+    const std::lock_guard lock(tovo::LoadingLock());
+    if (!english.value)
+        english.value = Made(TextsOf({}, CString(u"."), CString(u",")));
+    return english.value;
 }
 
 } // namespace

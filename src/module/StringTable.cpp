@@ -1,5 +1,7 @@
 #include "StringTable.h"
 
+#include <iterator>
+
 #include <TovoFormula/MessageIds.h>
 #include <TovoFormula/TokenNameIds.h>
 
@@ -107,11 +109,17 @@ constexpr bool EveryIdIsNext()
 }
 static_assert(EveryIdIsNext(), "an id is missing or out of order");
 
+constexpr bool EveryIdHasAText()
+{
+    for (const AfxStringResource& resource : kStrings)
+        if (!resource.text)
+            return false;
+    return true;
+}
+static_assert(EveryIdHasAText(), "a text is missing");
+
 } // namespace
 
-std::span<const AfxStringResource> StringTable()
-{
-    return kStrings;
-}
+constinit AFX_EXTENSION_MODULE stringModule{kStrings, std::size(kStrings)};
 
 } // namespace tovo::detail

@@ -7,6 +7,7 @@
 
 #include "../expression_core/Names.h"
 #include "../expression_text/ReferenceTable.h"
+#include "FormerContent.h"
 #include "OperandKinds.h"
 
 using namespace tovo::detail;
@@ -124,6 +125,7 @@ CalcOpBase& CalcOpBase::operator=(CalcOpBase& other)
 {
     if (this == &other)
         return *this;
+    FormerContent former(*this);
     Clear();
     m_ConstantText = other.m_ConstantText;
     m_ConstantValue = other.m_ConstantValue;
@@ -134,66 +136,76 @@ CalcOpBase& CalcOpBase::operator=(CalcOpBase& other)
         m_OperandKind = other.m_OperandKind;
     else if (CreateNewExpression())
         *m_Expression = *other.m_Expression;
+    former.End();
     return *this;
 }
 
 void CalcOpBase::LoadNumericConstant(double value)
 {
+    CString text;
+    ftoa(value, text, kShownDecimals);
     LoadConstant(value);
-    ftoa(value, m_ConstantText, kShownDecimals);
+    m_ConstantText = std::move(text);
     m_NumericConstant = true;
 }
 
 void CalcOpBase::LoadBooleanConstant(double value)
 {
     const bool isYes = value != 0.0;
+    CString text = isYes ? u"1" : u"0";
     LoadConstant(isYes ? 1.0 : 0.0);
-    m_ConstantText = isYes ? u"1" : u"0";
+    m_ConstantText = std::move(text);
     m_BooleanConstant = true;
+}
+
+// False if no expression can be made.
+template <typename Fill>
+bool CalcOpBase::LoadNewExpression(Fill fill)
+{
+    FormerContent former(*this);
+    const bool isMade = CreateNewExpression();
+    if (isMade)
+        fill(*m_Expression);
+    former.End();
+    return isMade;
 }
 
 bool CalcOpBase::LoadExpression(const CString& text)
 {
-    if (!CreateNewExpression())
-        return false;
-    m_Expression->SetExpr(text);
-    return true;
+    return LoadNewExpression([&](CFmlaExprBase& expression) { expression.SetExpr(text); });
 }
 
 bool CalcOpBase::LoadExpression(const CString& text, const CWordArray& pointers)
 {
-    if (!CreateNewExpression())
-        return false;
-    m_Expression->SetExpr(text, pointers);
-    return true;
+    return LoadNewExpression(
+        [&](CFmlaExprBase& expression) { expression.SetExpr(text, pointers); });
 }
 
 bool CalcOpBase::LoadExpression(const CString& text, const CString& pointers)
 {
-    if (!CreateNewExpression())
-        return false;
-    m_Expression->SetExpr(text, pointers);
-    return true;
+    return LoadNewExpression(
+        [&](CFmlaExprBase& expression) { expression.SetExpr(text, pointers); });
 }
 
 bool CalcOpBase::LoadEncodedExpression(const CString& encoded)
 {
-    if (!CreateNewExpression())
-        return false;
-    m_Expression->SetFromEncodedString(encoded);
-    if (m_Expression->IsSingleVarElement())
-        LoadReference(m_Expression->VarType(0), m_Expression->VarName(0));
-    return true;
+    return LoadNewExpression([&](CFmlaExprBase& expression) {
+        expression.SetFromEncodedString(encoded);
+        if (expression.IsSingleVarElement())
+            LoadReference(expression.VarType(0), expression.VarName(0));
+    });
 }
 
 bool CalcOpBase::LoadPrefixedString(const CString& text)
 {
+    FormerContent former(*this);
     Clear();
     const int kind = text.GetLength() > 1 ? KindOfLetter(text[0]) : kNoKind;
-    if (kind != kNoKind)
-        return LoadReference(kind, text.Mid(1));
-    LoadConstant(tovo::ParseDouble(text) / kThousandths);
-    return true;
+    const bool isLoaded = kind == kNoKind || LoadReference(kind, text.Mid(1));
+    if (kind == kNoKind)
+        LoadConstant(tovo::ParseDouble(text) / kThousandths);
+    former.End();
+    return isLoaded;
 }
 
 CString CalcOpBase::GetPrefixedString()

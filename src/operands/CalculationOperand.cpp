@@ -7,6 +7,7 @@
 #include "../expression_core/Pass.h"
 #include "../expression_core/ReferenceKinds.h"
 #include "../expression_core/ScanRecord.h"
+#include "FormerContent.h"
 #include "OperandKinds.h"
 
 using namespace tovo::detail;
@@ -50,8 +51,9 @@ void CalculationOperand::InitData()
 
 bool CalculationOperand::LoadVariable(CString& name)
 {
+    IVarObj* const variable = CalcSet().GetVarObj(name, 1, 0);
     SetReference(OP_VARIABLE, name);
-    m_VarObj = CalcSet().GetVarObj(m_RefName, 1, 0);
+    m_VarObj = variable;
     if (!m_VarObj)
         m_OperandKind = OP_NOT_LOADED;
     return m_VarObj != nullptr;
@@ -59,17 +61,18 @@ bool CalculationOperand::LoadVariable(CString& name)
 
 bool CalculationOperand::LoadFormula(CString& name)
 {
+    IFormulaObj* const formula = CalcSet().HasDatabase() ? CalcSet().GetFormulaObj(name) : nullptr;
     SetReference(OP_FORMULA, name);
-    if (CalcSet().HasDatabase())
-        m_FmlaObj = CalcSet().GetFormulaObj(m_RefName);
+    m_FmlaObj = formula;
     return m_FmlaObj || RefuseLoad(MSG_OPERAND_FORMULA_NOT_FOUND);
 }
 
 bool CalculationOperand::LoadFormulaTable(CString& name)
 {
+    IFormulaTableObj* const table =
+        CalcSet().HasDatabase() ? CalcSet().GetFormulaTableObj(name) : nullptr;
     SetReference(OP_FORMTBL, name);
-    if (CalcSet().HasDatabase())
-        m_FormtblObj = CalcSet().GetFormulaTableObj(m_RefName);
+    m_FormtblObj = table;
     return m_FormtblObj || RefuseLoad(MSG_OPERAND_FORMTBL_NOT_FOUND);
 }
 
@@ -140,16 +143,18 @@ CalculationOperand& CalculationOperand::operator=(CalcOpBase& other)
 {
     if (this == &other)
         return *this;
+    FormerContent former(*this);
     CalcOpBase::operator=(other);
     CString name = m_RefName;
-    if (name.IsEmpty())
-        return *this;
-    if (other.IsVariable())
-        static_cast<void>(LoadVariable(name));
-    else if (other.IsFormula())
-        static_cast<void>(LoadFormula(name));
-    else if (other.IsFormulaTable())
-        static_cast<void>(LoadFormulaTable(name));
+    if (!name.IsEmpty()) {
+        if (other.IsVariable())
+            static_cast<void>(LoadVariable(name));
+        else if (other.IsFormula())
+            static_cast<void>(LoadFormula(name));
+        else if (other.IsFormulaTable())
+            static_cast<void>(LoadFormulaTable(name));
+    }
+    former.End();
     return *this;
 }
 
@@ -220,12 +225,12 @@ bool CalculationOperand::GetVariables(CScannedVariables& list, bool all, bool cl
     }
     if (!IsReference())
         return true;
-    return OnNested([&](auto& object) {
-        if (!object.IsValid(m_MsgId, 1))
-            return false;
-        object.GetVariables(list, all, clear);
-        return true;
-    });
+    // Looked up again, since an object that is checked may take itself out.
+    return OnNested([&](auto& object) { return object.IsValid(m_MsgId, 1) != 0; }) &&
+           OnNested([&](auto& object) {
+               object.GetVariables(list, all, clear);
+               return true;
+           });
 }
 
 bool CalculationOperand::GetCalculated()

@@ -1,9 +1,10 @@
 #ifndef TOVOPLATFORM_COLLECTIONS_H
 #define TOVOPLATFORM_COLLECTIONS_H
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <deque>
+#include <forward_list>
 #include <iterator>
 #include <list>
 #include <type_traits>
@@ -17,6 +18,10 @@
 
 // The collections of the host framework, each over a container of the standard library and with
 // the framework's names. They own their elements as values; a pointer kept in one is not owned.
+//
+// An operation that throws, most often for lack of memory, leaves its collection as it was. An
+// array promises that for elements whose copies do not throw, as those of numbers, pointers and
+// texts do not. No destructor allocates.
 
 // The base of whatever a POSITION stands for.
 struct __POSITION {};
@@ -92,6 +97,7 @@ public:
     void SetAtGrow(int index, ARG_TYPE element)
     {
         const TYPE kept = element; // it may be one of this array's own
+        MakeRoom(index, 1);
         GrowTo(index);
         if (index == GetSize())
             m_Elements.push_back(kept);
@@ -103,13 +109,15 @@ public:
     void InsertAt(int index, ARG_TYPE element, int count = 1)
     {
         const TYPE kept = element; // as above
-        GrowTo(index);
         ExpectMore();
+        MakeRoom(index, count);
+        GrowTo(index);
         m_Elements.insert(PlaceAt(index), Unsigned(count), kept);
     }
     void InsertAt(int index, const CArray& other)
     {
         const std::vector<TYPE> elements = other.m_Elements;
+        MakeRoom(index, other.GetSize());
         GrowTo(index);
         m_Elements.insert(PlaceAt(index), elements.begin(), elements.end());
     }
@@ -136,6 +144,14 @@ private:
         constexpr std::size_t kSmallestPiece = 24;
         if (m_Elements.capacity() == 0)
             m_Elements.reserve(kSmallestPiece / sizeof(TYPE));
+    }
+    // For count elements at the index or at the end. What follows need not allocate, so it leaves
+    // nothing half done.
+    void MakeRoom(int index, int count)
+    {
+        const std::size_t needed = Unsigned(std::max(index, GetSize())) + Unsigned(count);
+        if (needed > m_Elements.capacity())
+            m_Elements.reserve(std::max(needed, 2 * m_Elements.capacity()));
     }
     void GrowTo(int count)
     {
@@ -169,8 +185,8 @@ using CWordArray = CArray<WORD, WORD>;                // of 16-bit numbers
 // A list of strings in which every place found stays good while its element is there.
 class TOVO_API CStringList : public CObject {
 public:
-    // The block size is a hint that this list has no use for.
-    explicit CStringList(int blockSize = 10);
+    // The block size is a hint that this list has no use for. Allocates nothing.
+    explicit CStringList(int blockSize = 10) noexcept;
     CStringList(const CStringList& other);
     CStringList& operator=(const CStringList& other);
     ~CStringList() override;
@@ -217,13 +233,14 @@ private:
     Node*& BucketOf(const Node& node) { return m_Buckets[node.hash & (m_Buckets.size() - 1)]; }
     void EnterIntoIndex(Node& node);
     void TakeFromIndex(const Node& node);
-    void MakeIndex();
+    std::vector<Node*> BucketsForOneMore() const;
+    void MakeIndex(std::vector<Node*> buckets) noexcept;
     Node* Search(const CString& text, std::size_t hash) const;
     Node* FirstOf(const CString& text) const;
 
     // Nodes never move, and one taken out waits for the next text, so that a list used as a stack
     // need not allocate.
-    std::deque<Node> m_Nodes;
+    std::forward_list<Node> m_Nodes;
     Node* m_Spare = nullptr; // linked by next
     Node* m_Head = nullptr;
     Node* m_Tail = nullptr;
@@ -272,15 +289,18 @@ public:
     // Enters the value, or replaces the one that the key has.
     void SetAt(ARG_KEY key, ARG_VALUE value)
     {
-        m_Version = MapVersions::Next();
         if (const auto found = m_Index.find(key); found != m_Index.end()) {
+            m_Version = MapVersions::Next();
             found->second->value = value;
             return;
         }
-        m_Entries.push_back(Entry{{}, key, value, {}});
-        const auto entry = std::prev(m_Entries.end());
+        Entries added; // apart until the index has it
+        added.push_back(Entry{{}, key, value, {}});
+        const auto entry = added.begin();
         entry->self = entry;
         m_Index.emplace(key, entry);
+        m_Entries.splice(m_Entries.end(), added);
+        m_Version = MapVersions::Next();
     }
     bool RemoveKey(ARG_KEY key)
     {
