@@ -8,7 +8,11 @@
 // separator first; entry TOK_COMMA is the list separator, of one character or more.
 class TOVO_API CExpressionNames : public CStringArray {
 public:
+#ifdef _GLIBCXX_DEBUG // such a host is refused when it is linked, and has to come as far
+    CExpressionNames() = default;
+#else
     constexpr CExpressionNames() = default;
+#endif
     ~CExpressionNames() override;
 
     // Loads all names from the string resources and the user's separators from the locale settings,
