@@ -16,6 +16,7 @@ inline constexpr int kNothingDone = 2;
 // Each adds its subcommands. Parsing a command line runs the one that it names, in the language
 // that it asks for, and leaves the exit code.
 void AddCalculating(CLI::App& app, int& exitCode);
+void AddAsking(CLI::App& app, int& exitCode);
 void AddEditing(CLI::App& app, int& exitCode);
 void AddTrying(CLI::App& app, int& exitCode);
 

@@ -17,6 +17,8 @@ constexpr const char* kExamples = R"(Examples:
   tovo-calc house-slab.json --set "Winter work?=yes" --set QUANTITY=5
   tovo-calc -e 'V(Length)*V(Width)' --set Length=12.5 --set Width=8.4
   tovo-calc check house-slab.json
+  tovo-calc explain house-slab.json "Concrete rate"
+  tovo-calc graph house-slab.json | dot -Tsvg > graph.svg
   tovo-calc batch house-slab.json rows.csv --output "Job price" > prices.csv
   tovo-calc solve house-slab.json "Slab area" --target 120 --vary Length --from 5 --to 20
   tovo-calc rename house-slab.json "Slab area" "Floor area" > renamed.json
@@ -57,6 +59,7 @@ int Run(int argc, char** argv)
     app.set_version_flag("--version", "tovo-calc " TOVO_VERSION);
     app.require_subcommand(1);
     AddCalculating(app, exitCode);
+    AddAsking(app, exitCode);
     AddEditing(app, exitCode);
     AddTrying(app, exitCode);
     try {

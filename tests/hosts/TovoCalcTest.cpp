@@ -148,6 +148,7 @@ TEST_F(TovoCalc, RefusesWhatItCannotUseOnTheCommandLine)
         {{"-e", "1", "--list", ""}, "must not be empty"},
         {{"-e", "1", "--decimal", ",", "--list", ","}, "list separator"},
         {{"rename", job, "Gone", "B"}, "the job has no \"Gone\""},
+        {{"explain", job}, "NAME is required"},
         {{"remove", job, "A", "--leave", "--replace-by-value"}, "excludes"},
         {{"convert", "-", "--in-place"}, "has no file"},
         {{"new", job}, "has been made"},
@@ -388,6 +389,38 @@ TEST_F(TovoCalc, EditsPreviewPrintOrSaveTheJob)
     EXPECT_EQ(preview["places"].size(), 2U);
     EXPECT_EQ(preview["values"], Json::array());
     EXPECT_EQ(ReadFile(path), original);
+}
+
+TEST_F(TovoCalc, AnswersQuestionsAboutTheExample)
+{
+    const struct {
+        Arguments question; // the job goes after its first word
+        const char* parts[2];
+    } rows[] = {
+        {{"explain", "Concrete rate"}, {"table Concrete rate = 139.5 €/m³\n", "row 3: 24.75"}},
+        {{"explain", "Pump cost", "--set", "Pump limit=30"},
+         {"formula Pump cost = 0 €\n", "Pump rental = 310 (not taken)"}},
+        {{"uses", "Slab area"},
+         {"formula Slab area\n  uses     Length, Width\n", "  used by  formula Concrete volume,"}},
+        {{"uses", "V(Pump limit)", "--all"}, {"formula Pump cost*", "formula Job price*"}},
+        {{"uses"}, {"\nformula Discount          QUANTITY*\n", "\ntable Wage                "}},
+        {{"graph"}, {"digraph", "Job price"}},
+        {{"graph", "Pump cost", "--json"}, {"\"V(Pump rental)\"", "\"edges\""}},
+    };
+    for (const auto& row : rows) {
+        Arguments arguments = row.question;
+        arguments.insert(arguments.begin() + 1, Example("house-slab.json"));
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        for (const char* const part : row.parts)
+            EXPECT_NE(outcome.out.find(part), std::string::npos) << part << '\n' << outcome.out;
+    }
+    const std::string job = Example("faults.json");
+    EXPECT_EQ(Run({"explain", job, "Level two"}).exitCode, 1);
+    const Json uses = Facts({"uses", job, "Formula missing"})["uses"];
+    EXPECT_EQ(uses[0]["object"], "F(Sond)");
+    EXPECT_EQ(uses[0]["defined"], false);
+    EXPECT_EQ(uses[0]["places"][0]["span"]["utf8"], Json::parse("[2,8]"));
 }
 
 TEST_F(TovoCalc, CalculatesRowsAndFindsInputs)
