@@ -37,6 +37,7 @@ struct BatchReport {
     bool isComplete = true;         // false if the progress callback ended the work
 };
 
+// How to calculate rows.
 struct BatchOptions {
     // How many threads calculate, the caller's among them; 0 for as many as the machine has.
     unsigned int threads = 1;

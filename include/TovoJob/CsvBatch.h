@@ -13,6 +13,7 @@ namespace tovo {
 
 class Job;
 
+// How to calculate the rows of a CSV text.
 struct CsvBatchOptions {
     // What is written for each row; all formulas of the job if empty.
     std::vector<ObjectName> outputs = {};

@@ -26,6 +26,7 @@ struct ObjectName {
     Kind kind = Kind::Variable;
     std::string name; // UTF-8; of a job value its English word
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): it sees a 0 in what is defaulted
     friend auto operator<=>(const ObjectName&, const ObjectName&) = default;
 };
 

@@ -16,6 +16,7 @@ struct Range {
     double high = 0.0;
 };
 
+// How closely to look.
 struct SolveOptions {
     // Into how many equal steps the range is cut at first. A pair of solutions within one step, or
     // a value that is only touched, may be missed.
@@ -25,6 +26,7 @@ struct SolveOptions {
     double tolerance = 1e-9;
 };
 
+// The input that was found, and how well it does.
 struct Solution {
     double input = 0.0;
     double value = 0.0;           // of the formula for that input

@@ -74,6 +74,7 @@ enum class GrammarPlace {
     Operator,
 };
 
+// One thing that may stand at the cursor.
 struct Completion {
     CompletionKind kind = CompletionKind::Variable;
     GrammarPlace place = GrammarPlace::Operand;
@@ -83,6 +84,7 @@ struct Completion {
     bool isPrefix = true; // what was typed is its beginning, not some other part of it
 };
 
+// What to offer.
 struct CompletionOptions {
     // The formula whose text it is: left out are then formulas and tables that depend on it, and
     // what cannot come to the kind of value that its name asks for. Empty for none.

@@ -17,7 +17,7 @@ union Everlasting {
     constexpr Everlasting() : value() {}
     ~Everlasting() {}
 
-    Value value;
+    Value value; // made at compile time
 };
 
 // The lock under which a library loads anew what it keeps for the process. What it loads may be
