@@ -174,7 +174,7 @@ TEST(Batch, ProgressCanEndIt)
     const ObjectName rate = FormulaNamed("Rate");
     const Batch batch = Batch::Make(RoomJob(), {&width, 1}, {&rate, 1}).Value();
     const std::vector<double> rows(20000, 1);
-    for (const std::size_t last : {0, 1}) {
+    for (const std::size_t last : {0u, 1u}) {
         std::vector<double> results(rows.size(), 7);
         BatchOptions options;
         options.progress = [&](std::size_t done, std::size_t) { return done < last; };

@@ -40,7 +40,7 @@ Scenario Calculating(const char* name, bool isCalculatedBefore)
 {
     Scenario scenario{name, name, [name](Shop& shop) { return shop.Calculate(Named(shop, name)); }};
     if (isCalculatedBefore)
-        scenario.prepare = [name](Shop& shop) {
+        scenario.prepare = [](Shop& shop) {
             shop.CalculateAll();
             shop.width.SetValue(3.5);
             shop.set.StartNewPass();
