@@ -94,10 +94,8 @@ std::vector<Scenario> Evaluations()
     for (const int nested : {0, 1})
         all.push_back({"check", "typed",
                        [nested](Shop& shop) { return shop.Check(shop.typed, "Typed?", nested); }});
-    all.push_back({"load", "typed", [](Shop& shop) {
-                       return Answer(shop.typed.LoadExpressionTree(1) +
-                                     0 * shop.typed.NestedFormulasOK());
-                   }});
+    all.push_back(
+        {"load", "typed", [](Shop& shop) { return Answer(shop.typed.LoadExpressionTree(1)); }});
     all.push_back({"table", "Rate", [](Shop& shop) {
                        unsigned int message = 77;
                        const int isDone = shop.rate.Calculate(message, &shop.scanned);
