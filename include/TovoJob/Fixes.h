@@ -32,7 +32,7 @@ struct Fix {
 // separators of another country, signs of other languages, missing and superfluous parentheses and
 // operators. Each has been applied to a copy of the job and cleared the fault there; it leaves the
 // text in front of it without a fault, and makes no cycle. Those that leave no fault in the object
-// go first. Empty if nothing is known that helps.
+// come first. Empty if nothing is known that helps.
 //
 // Costs as much as calculating, some dozen times, the object and what it depends on. Variables that
 // a host computes are not asked again.

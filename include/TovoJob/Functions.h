@@ -10,14 +10,14 @@
 
 namespace tovo {
 
-// A function of the language, as an author is told about it. All texts are English, and live as
+// A function of the language, as authors need to know it. All texts are English, and live as
 // long as the program.
 struct FunctionInfo {
     static constexpr std::size_t kMostParameters = 3;
 
     int code = 0; // the token code
     std::string_view name;
-    std::array<std::string_view, kMostParameters> parameters; // empty behind the last
+    std::array<std::string_view, kMostParameters> parameters; // empty after the last
     std::size_t required = 1;                                 // how many of them must be there
     bool repeats = false;          // the last one can be there many times
     std::string_view sentence;     // what it returns

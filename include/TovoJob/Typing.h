@@ -26,7 +26,7 @@ struct TypedReference {
     ObjectName object;
 };
 
-// A word that stands for nothing, or for more than one thing.
+// A word that means nothing, or more than one thing.
 struct UnresolvedWord {
     Span span; // in the text that was typed
     std::string word;
@@ -86,15 +86,15 @@ struct Completion {
 
 // What to offer.
 struct CompletionOptions {
-    // The formula whose text it is: left out are then formulas and tables that depend on it, and
-    // what cannot come to the kind of value that its name asks for. Empty for none.
+    // The formula whose text it is: then formulas and tables that depend on it are left out, and so
+    // is what cannot evaluate to the kind of value that its name asks for. Empty for none.
     std::string formula = {};
     std::size_t most = 100;
 };
 
 // The names, functions and words that fit at the cursor, a byte offset. Those that begin with what
-// was typed go first, the longest beginning in front; then those that contain it. Among these
-// variables, formulas and tables in their order, then words.
+// was typed come first, the longest beginning in front; then those that contain it. Among equals,
+// variables, formulas and tables come in their order, then words.
 TOVO_API std::vector<Completion> Complete(std::string_view text, std::size_t cursor, const Job& job,
                                           const CompletionOptions& options = {});
 
@@ -104,7 +104,7 @@ struct Signature {
     Span call;                              // the function's name in the text
     std::string text;                       // "ROUND(value;places)": in the user's language
     std::vector<Span> parameters;           // in that text
-    // The one that the cursor is in; absent behind the last one.
+    // The one that the cursor is in; absent after the last one.
     std::optional<std::size_t> parameter;
     std::string example; // in the user's language
 };

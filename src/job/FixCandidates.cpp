@@ -236,14 +236,14 @@ private:
         const auto operand = OperandBefore(m_Begin);
         if (!operand)
             return;
-        const Token* const behind = TokenFrom(m_Begin + 1);
-        if (behind && OperandAfter(m_Begin + 1) && !IsOperator(behind->code))
+        const Token* const after = TokenFrom(m_Begin + 1);
+        if (after && OperandAfter(m_Begin + 1) && !IsOperator(after->code))
             return OfferCall(TOK_MOD, m_Begin, m_Begin + 1);
         const CString hundredth = TokenName(TOK_DIVIDE) + u"100";
         // Next to a sum, a product or nothing the division may stand as it is.
         const Token* const before = TokenBefore(operand->begin);
-        const bool isApart = (!behind || behind->code == TOK_RPAREN || behind->code == TOK_COMMA ||
-                              IsOperator(behind->code)) &&
+        const bool isApart = (!after || after->code == TOK_RPAREN || after->code == TOK_COMMA ||
+                              IsOperator(after->code)) &&
                              (!before || before->code != TOK_DIVIDE);
         if (isApart)
             return Offer({{operand->end, m_Begin + 1, hundredth}}, "Divide by 100");
@@ -377,7 +377,7 @@ private:
         return std::nullopt;
     }
 
-    // An operand that begins behind the position, with its minus.
+    // An operand that begins after the position, with its minus.
     std::optional<Stretch> OperandAfter(int position) const
     {
         const Token* const first = TokenFrom(position);
@@ -412,7 +412,7 @@ private:
     const int m_End;
     const CString m_Separator; // the user's, between arguments
     const CString m_Decimal;
-    std::size_t m_At = 0; // the token at the fault, or the first one behind it
+    std::size_t m_At = 0; // the token at the fault, or the first one after it
     std::vector<Candidate> m_Candidates;
 };
 

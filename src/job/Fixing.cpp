@@ -41,7 +41,7 @@ public:
                            [&](const Fault& other) { return IsSame(fault, other); });
     }
 
-    // Whether the fault is gone after the change, whose text ends behind the last edit there.
+    // Whether the fault is gone after the change, whose last edit ends there in the new text.
     bool Clears(const Fault& fault, const Edit& change, std::span<const ObjectName> referred,
                 std::size_t end, bool& isSound)
     {

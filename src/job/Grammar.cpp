@@ -6,7 +6,7 @@ namespace tovo::job {
 
 namespace {
 
-// What stands inside parentheses may be a comparison, even where it has to come to yes or no.
+// What stands inside parentheses may be a comparison, even where it has to evaluate to yes or no.
 Expected WantedInside(Expected outside)
 {
     return outside == Expected::Number ? Expected::Number : Expected::AnyOperand;

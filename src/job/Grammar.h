@@ -22,14 +22,14 @@ struct OpenCall {
     int function = TOK_GROUP;
     std::size_t element = 0; // which element is the function's name, or the parenthesis of a group
     std::size_t commas = 0;
-    Expected wanted = Expected::AnyOperand; // at the place of the function or the group
+    Expected wanted = Expected::AnyOperand; // where the function or the group stands
 };
 
 // Where in an expression one is after its elements up to there. Follows the text also where it is
 // wrong: an author who is still typing is in the middle of it.
 class Grammar {
 public:
-    // Resulting: what a whole expression has to come to.
+    // Resulting: what a whole expression has to evaluate to.
     explicit Grammar(Expected resulting = Expected::AnyOperand) : m_Resulting(resulting) {}
 
     // Takes the next element. Whatever was meant as a name counts as TOK_VARIABLE.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
 
-// Names that differ in letter case alone can be many; so many of them are told.
+// Names that differ in letter case alone can be many; no more than these are listed.
 constexpr std::size_t kMostAlike = 8;
 
 std::uint64_t NumberWith(std::uint64_t number, WCHAR character)

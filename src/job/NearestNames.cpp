@@ -1,8 +1,8 @@
 #include "NearestNames.h"
 
 #include <algorithm>
+#include <array>
 #include <tuple>
-#include <utility>
 
 #include <TovoFormula/ExprToken.h>
 
@@ -26,25 +26,30 @@ std::size_t MistakesIn(std::size_t length)
 // From here on a word may stand for a longer name that begins with it.
 constexpr std::size_t kShortestBeginning = 3;
 
-} // namespace
-
-// The table of distances between beginnings of the texts, of which only the diagonal band is looked
-// at that can lead to an allowed result, and of which only three rows are kept.
+// How many characters must be put in, taken out, replaced or exchanged with their neighbour to turn
+// one text into the other; most + 1 if it takes more than that. Of the table of distances between
+// beginnings of the texts, only the diagonal band is looked at that can lead to an allowed result,
+// and only three rows are kept.
+//
+// Requires: a is no longer than the longest word, and most is no more than the most mistakes.
 std::size_t TypingDistance(WideView a, WideView b, std::size_t most)
 {
     if (std::max(a.size(), b.size()) - std::min(a.size(), b.size()) > most)
         return most + 1;
-    std::vector<std::size_t> beforeLast;
-    std::vector<std::size_t> last(b.size() + 1, most + 1);
+    using Row = std::array<std::size_t, kLongestWord + kMostMistakes + 2>;
+    std::array<Row, 3> rows;
+    for (Row& row : rows)
+        row.fill(most + 1);
     for (std::size_t column = 0; column <= std::min(b.size(), most); ++column)
-        last[column] = column;
+        rows[0][column] = column;
     for (std::size_t row = 1; row <= a.size(); ++row) {
-        std::vector<std::size_t> present(b.size() + 1, most + 1);
-        if (row <= most)
-            present[0] = row;
+        const Row& beforeLast = rows[(row + 1) % 3];
+        const Row& last = rows[(row + 2) % 3];
+        Row& present = rows[row % 3];
         const std::size_t first = row > most ? row - most : 1;
-        for (std::size_t column = std::max<std::size_t>(first, 1);
-             column <= std::min(b.size(), row + most); ++column) {
+        const std::size_t end = std::min(b.size(), row + most);
+        present[first - 1] = row <= most ? row : most + 1;
+        for (std::size_t column = first; column <= end; ++column) {
             const bool isSame = a[row - 1] == b[column - 1];
             present[column] = std::min({last[column] + 1, present[column - 1] + 1,
                                         last[column - 1] + (isSame ? 0U : 1U), most + 1});
@@ -53,10 +58,12 @@ std::size_t TypingDistance(WideView a, WideView b, std::size_t most)
             if (isExchange)
                 present[column] = std::min(present[column], beforeLast[column - 2] + 1);
         }
-        beforeLast = std::exchange(last, std::move(present));
+        present[end + 1] = most + 1;
     }
-    return last[b.size()];
+    return rows[a.size() % 3][b.size()];
 }
+
+} // namespace
 
 std::vector<Suggestion> NearestTo(WideView word, const KnownNames& names, bool isCalled,
                                   std::size_t most)

@@ -26,20 +26,21 @@ void WriteCall(Signature& signature)
     const CString separator = TokenName(TOK_COMMA);
     CString text = TokenName(function.code) + TokenName(TOK_LPAREN);
     const auto count = function.ParameterCount();
-    std::vector<int> bounds;
+    std::vector<std::size_t> bounds;
     for (std::size_t at = 0; at < count; ++at) {
         if (at > 0)
             text += separator;
-        bounds.push_back(text.GetLength());
+        bounds.push_back(text.View().size());
         text += Wide(function.parameters[at]);
-        bounds.push_back(text.GetLength());
+        bounds.push_back(text.View().size());
     }
     if (function.repeats)
         text += separator + u"...";
     text += TokenName(TOK_RPAREN);
     signature.text = text.ToUtf8();
+    const TextOffsets offsets(text.View(), signature.text);
     for (std::size_t at = 0; at < count; ++at)
-        signature.parameters.push_back(SpanOf(text.View(), bounds[2 * at], bounds[2 * at + 1]));
+        signature.parameters.push_back(offsets.Between(bounds[2 * at], bounds[2 * at + 1]));
 }
 
 } // namespace

@@ -18,10 +18,10 @@ public:
     // Requires: wide is CString(utf8).
     TextOffsets(WideView wide, std::string_view utf8);
 
-    // Positions behind the end are taken as the end.
+    // Positions after the end count as the end.
     Position At(std::size_t utf16) const;
     Span Between(std::size_t begin, std::size_t end) const { return {At(begin), At(end)}; }
-    // The last gap between two characters that is not behind the byte.
+    // The last gap between two characters that is not after the byte.
     std::size_t Utf16At(std::size_t utf8) const;
 
 private:

@@ -276,7 +276,7 @@ std::vector<TextChange> Resolve(const CFmlaExprBase& expression,
     const CString source = expression.GetTextStr();
     const WideView text = source.View();
     std::vector<TextChange> changes;
-    std::size_t next = 0; // behind the last change
+    std::size_t next = 0; // after the last change
     const auto keepBlanks = [&](std::size_t end) {
         for (; next < end; ++next) {
             if (IsBlank(text[next]) && text[next] != u' ')

@@ -214,7 +214,7 @@ TEST(Fixes, KeepTheirPromisesForAnyText)
     }
 }
 
-// What is wrong in a word is told of the whole word.
+// The span of a fault in a word is the whole word.
 TEST(Fixes, FaultsNameTheWord)
 {
     Job job;

@@ -259,7 +259,7 @@ TEST(Typing, TakesAnyText)
         "Höhe",   "1.2.3", "^^", "\t",    "PI",  "?", "\xEF\xBF\xBD", "\xE2\x82"};
     const Job job = AwkwardJob();
     std::mt19937 random(7);
-    for (int run = 0; run < 3000; ++run) {
+    for (int run = 0; run < 800; ++run) {
         std::string text;
         for (auto count = random() % 12; count > 0; --count)
             text += parts[random() % std::size(parts)];
@@ -285,10 +285,10 @@ TEST(Typing, TakesLongTexts)
 {
     Job job;
     std::string name = "b";
-    for (int count = 0; count < 100; ++count, name += " b")
+    for (int count = 0; count < 60; ++count, name += " b")
         job.AddVariable(name, 1).Value();
     for (const char* const part : {"b ", "bc ", "[", "V(", "(", "1", "[b", "b]", "a", "b+"}) {
-        const std::string text = Repeated(part, 5'000);
+        const std::string text = Repeated(part, 3'000);
         const auto typed = ResolveTyped(text, job);
         EXPECT_TRUE(typed || typed.Why().kind == RefusalKind::LimitExceeded);
         (void)Complete(text, text.size(), job);
