@@ -92,11 +92,6 @@ std::string TwofoldText::Part(const Span& span) const
     return m_Utf8.substr(span.begin.utf8, span.end.utf8 - span.begin.utf8);
 }
 
-Span SpanOf(WideView text, int begin, int end)
-{
-    return TwofoldText(CString(text)).SpanOf(begin, end);
-}
-
 ObjectName ReferredBy(const CFmlaExprBase& expression, int index)
 {
     // The engine's kinds are the token codes 0, 1 and 2, in the order of ours.

@@ -40,9 +40,6 @@ private:
     TextOffsets m_Offsets;
 };
 
-// One span of a text that is looked at just once.
-Span SpanOf(WideView text, int begin, int end);
-
 // What a reference of the table refers to. Requires: an index of the table.
 ObjectName ReferredBy(const CFmlaExprBase& expression, int index);
 

@@ -8,18 +8,22 @@ namespace {
 
 constexpr WCHAR kReplacement = u'\uFFFD';
 
-bool IsLeadingSurrogate(WCHAR character)
+bool IsPairAt(WideView text, std::size_t at)
 {
-    return character >= 0xD800 && character <= 0xDBFF;
+    const auto isWithin = [&](std::size_t index, WCHAR first, WCHAR last) {
+        return index < text.size() && text[index] >= first && text[index] <= last;
+    };
+    return isWithin(at, 0xD800, 0xDBFF) && isWithin(at + 1, 0xDC00, 0xDFFF);
 }
 
-// How many bytes became the character. One that is part of no well-formed sequence became a
-// replacement character alone.
+// How many bytes stand for a character that is no half of a pair. In a text that was read, a byte
+// that is part of no well-formed sequence became a replacement character alone; in one that was
+// written, a half without the other became a replacement character of three bytes.
 std::size_t BytesOf(WCHAR character, std::string_view rest)
 {
     if (character == kReplacement && !rest.starts_with("\xEF\xBF\xBD"))
         return 1;
-    return character < 0x80 ? 1 : character < 0x800 ? 2 : IsLeadingSurrogate(character) ? 4 : 3;
+    return character < 0x80 ? 1 : character < 0x800 ? 2 : 3;
 }
 
 } // namespace
@@ -29,12 +33,15 @@ TextOffsets::TextOffsets(WideView wide, std::string_view utf8)
     m_Bytes.reserve(wide.size() + 1);
     std::size_t byte = 0;
     for (std::size_t at = 0; at < wide.size(); ++at) {
-        const std::size_t bytes = BytesOf(wide[at], utf8.substr(std::min(byte, utf8.size())));
         m_Bytes.push_back(byte);
         // Between the halves of a pair there is no gap: both begin where the pair does.
-        if (IsLeadingSurrogate(wide[at]) && ++at < wide.size())
+        if (IsPairAt(wide, at)) {
             m_Bytes.push_back(byte);
-        byte += bytes;
+            byte += 4;
+            ++at;
+        } else {
+            byte += BytesOf(wide[at], utf8.substr(std::min(byte, utf8.size())));
+        }
     }
     m_Bytes.push_back(utf8.size());
 }

@@ -14,8 +14,8 @@ namespace tovo::job {
 // Turns positions in one text from UTF-16 to UTF-8 and back, each at once. Made in one pass.
 class TextOffsets {
 public:
-    // The text as a caller has it, which need not be well-formed, and its 16-bit characters.
-    // Requires: wide is CString(utf8).
+    // A text as a caller has it, which need not be well-formed, and its 16-bit characters.
+    // Requires: wide is CString(utf8), or utf8 is that of the wide text.
     TextOffsets(WideView wide, std::string_view utf8);
 
     // Positions after the end count as the end.

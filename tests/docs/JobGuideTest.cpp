@@ -99,6 +99,57 @@ TEST(JobGuide, ListsFaults)
     EXPECT_EQ(shown, "Area: The variable was not found.  Lenght ; so does Price; so does Rate");
 }
 
+TEST(JobGuide, TakesTypedTexts)
+{
+    Job job = Shed();
+    std::string asked;
+    // [guide: Resolve names]
+    const auto typed = tovo::ResolveTyped("2*(width+if(heated?,1,0))", job).Value();
+    job.AddFormula("Edge", typed.expression).Value(); // 2*(V(Width)+IF(V(Heated?),1,0))
+    for (const tovo::UnresolvedWord& word :
+         tovo::ResolveTyped("Widht+LOG(2)", job).Value().unresolved)
+        asked += word.message + (word.choices.empty() ? "" : " " + word.choices[0] + "?") + "\n";
+    // [end]
+    EXPECT_EQ(typed.expression, "2*(V(Width)+IF(V(Heated?),1,0))");
+    EXPECT_EQ(asked, CodeBlocks(ReadDocument("job-guide.md"), "text").at(0));
+}
+
+TEST(JobGuide, HelpsTyping)
+{
+    const Job job = Shed();
+    // [guide: Complete names]
+    const std::string text = "2*w";
+    std::string labels;
+    for (const tovo::Completion& completion : tovo::Complete(text, text.size(), job, {"Area", 10}))
+        labels += completion.label + " "; // Width POWER
+    const auto signature = tovo::SignatureAt("ROUND(2.675,", 12, job);
+    const std::string help = signature->text + ": " + signature->example;
+    const std::size_t parameter = signature->parameter.value(); // 1: places
+    // [end]
+    EXPECT_EQ(labels, "Width POWER ");
+    EXPECT_EQ(help, "ROUND(value,places): ROUND(2.675,2)");
+    EXPECT_EQ(parameter, 1u);
+}
+
+TEST(JobGuide, OffersFixes)
+{
+    Job job = Shed();
+    std::string said;
+    // [guide: Apply fixes]
+    job.SetExpression("Area", "V(Widht)^2").Value();
+    for (int round = 0; round < 2; ++round) {
+        job.Update();
+        const std::vector<tovo::Fault> faults = job.Faults();
+        const std::vector<tovo::Fix> fixes = tovo::FixesFor(faults.at(0), job);
+        job.Apply(fixes.at(0).change).Value();
+        said += fixes.at(0).description + "; ";
+    }
+    const std::string area = job.FindFormula("Area")->expression; // POWER(V(Width),2)
+    // [end]
+    EXPECT_EQ(area, "POWER(V(Width),2)");
+    EXPECT_EQ(said, "Use variable \"Width\"; Use POWER; ");
+}
+
 TEST(JobGuide, Asks)
 {
     Job job = Shed();
@@ -120,7 +171,7 @@ TEST(JobGuide, Explains)
     const auto explanation = tovo::Explain(job, tovo::FormulaNamed("Price")).Value();
     const std::string text = tovo::WriteText(explanation);
     // [end]
-    EXPECT_EQ(text, CodeBlocks(ReadDocument("job-guide.md"), "text").at(0));
+    EXPECT_EQ(text, CodeBlocks(ReadDocument("job-guide.md"), "text").at(1));
 }
 
 TEST(JobGuide, Edits)
@@ -207,7 +258,7 @@ TEST(JobGuide, CalculatesRecords)
     const std::string text = results.str();
     // [end]
     EXPECT_EQ(report.faultyRows, 1u);
-    EXPECT_EQ(text, CodeBlocks(ReadDocument("job-guide.md"), "text").at(1));
+    EXPECT_EQ(text, CodeBlocks(ReadDocument("job-guide.md"), "text").at(2));
 }
 
 TEST(JobGuide, Solves)
@@ -223,7 +274,7 @@ TEST(JobGuide, Solves)
         said = none.Why().text;
     // [end]
     EXPECT_NEAR(side, 3, 1e-9);
-    EXPECT_EQ(said + "\n", CodeBlocks(ReadDocument("job-guide.md"), "text").at(2));
+    EXPECT_EQ(said + "\n", CodeBlocks(ReadDocument("job-guide.md"), "text").at(3));
 }
 
 TEST(JobGuide, ShowsTheseBlocks)
