@@ -1,3 +1,4 @@
+#include <cmath>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -13,11 +14,15 @@ namespace tovo {
 
 namespace {
 
-using job::NumberText;
-
 std::string Quoted(const std::string& text)
 {
     return nlohmann::json(text).dump();
+}
+
+// A zero keeps its sign only with a fraction, since "-0" is read as an integer.
+std::string NumberText(double number)
+{
+    return number == 0.0 && std::signbit(number) ? "-0.0" : job::NumberText(number);
 }
 
 std::string ElementText(const Element& element)

@@ -77,6 +77,7 @@ TEST(JobText, ReferencesAreWrittenAsInFormulas)
         {"\"F(Edge)\"", "true", "T by F(Edge) 1 2 [YES] [7]"},
         {"\"T(Rate)\"", R"j("V(a\\)b\\\\)")j", R"j(T by T(Rate) 1 2 [V(a\)b\\)] [7])j"},
         {"2", "null", "T by 2 1 2 [] [7]"},
+        {"-1", "-0.0", "T by -1 1 2 [-0] [7]"},
     };
     for (const Case& row : kCases) {
         const Job job = ReadJob(TableWith(row.selector, row.cell), "job").Value();
