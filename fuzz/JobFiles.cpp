@@ -1,228 +1,171 @@
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <TovoFormula/Module.h>
-#include <TovoFormula/RtfDocument.h>
-#include <support/RtfReader.h>
+#include <TovoJob/TovoJob.h>
+#include <TovoPlatform/NumberText.h>
 
-#include "Calculation.h"
-#include "JobDocument.h"
-#include "JsonFile.h"
+#include "JobSights.h"
 #include "Oracles.h"
 #include "Reader.h"
-#include "TextReport.h"
 
-// Job files of any bytes: read, calculated, reported, edited and read again. The first line says
-// what is done with the job, the rest is the file.
+// Job files of any bytes: read, calculated, written and read again. The first line says how the
+// file is read, the rest is the file, or what one is composed of.
 
 namespace tovo::fuzz {
 namespace {
 
-constexpr int kMostEdits = 8;
-// Texts in a report grow with what each formula reads.
+// Faults tell what each formula reads, so they grow with the square of the objects.
 constexpr std::size_t kMostObjects = 200;
-
-// A file in memory that has a path.
-class MemoryFile {
-public:
-    explicit MemoryFile(std::string_view content) : m_Descriptor(memfd_create("job", 0))
-    {
-        const auto size = static_cast<ssize_t>(content.size());
-        Require(write(m_Descriptor, content.data(), content.size()) == size, "a file in memory");
-    }
-    ~MemoryFile() { close(m_Descriptor); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    std::string Path() const { return "/proc/self/fd/" + std::to_string(m_Descriptor); }
-
-private:
-    int m_Descriptor;
-};
-
-std::string RichText(::Job& job)
-{
-    RtfDocument document(u"Arial", 22);
-    for (const auto& formula : job.Formulas()) {
-        document.AddText(formula->GetName() + u" = ");
-        document.AddExpression(formula->GetExpression());
-        document.EndParagraph();
-    }
-    return document.GetRTFString().ToUtf8();
-}
-
-// All that is told of a job.
-std::string Told(::Job& job, bool isStaticScan)
-{
-    const Facts facts = CalculateJob(job, isStaticScan);
-    for (const FormulaFacts& formula : facts.formulas)
-        Require(!formula.fault ||
-                    (formula.faultPos >= -1 && formula.faultPos <= formula.text.GetLength()),
-                "an invalid position inside the text", [&] { return formula.text.ToUtf8(); });
-    const std::string richText = RichText(job);
-    Require(test::ReadRtf(richText).has_value(), "a document that parses",
-            [&] { return richText; });
-    return TextReport(facts, {}) + richText;
-}
+constexpr int kMostCells = 12;
 
 nlohmann::json Text(const CString& text)
 {
     return text.ToUtf8();
 }
 
-// A file with everything where it belongs, since few changes to one leave it that.
-std::string Composed(Reader reader)
+double FiniteNumber(Reader& reader)
 {
-    nlohmann::json job = {{"duration", 5}, {"jobsize", 700}, {"quantity", 2}};
-    for (const char* list : {"variables", "formulas", "tables"})
-        job[list] = nlohmann::json::array();
-    for (std::size_t object = 0; object < kMostObjects && !reader.AtEnd(); ++object) {
-        const int kind = reader.Pick(3);
-        const CString name = reader.Name();
-        const double number = reader.Number();
-        if (kind == 0)
-            job["variables"].push_back({{"name", Text(name)},
-                                        {"value", IsYesNoName(name) ? nlohmann::json(number > 0)
-                                                                    : nlohmann::json(number)}});
-        else if (kind == 1)
-            job["formulas"].push_back({{"name", Text(name)}, {"expression", Text(reader.Text())}});
-        else
-            job["tables"].push_back({{"name", Text(name)},
-                                     {"rowSelector", Text(reader.Name())},
-                                     {"columnSelector", Text(reader.Name())},
-                                     {"rowLimits", {number, reader.Number()}},
-                                     {"columnLimits", {number, reader.Number()}},
-                                     {"cells",
-                                      {{Text(reader.Name()), Text(reader.Name())},
-                                       {Text(reader.Name()), Text(reader.Name())}}}});
-    }
-    return job.dump(1);
+    const double number = reader.Number();
+    return std::isfinite(number) ? number : 0.0;
 }
 
-std::unique_ptr<JobDocument> Opened(const std::string& path, bool isStrict)
-{
-    try {
-        return std::make_unique<JobDocument>(path, isStrict);
-    } catch (const FileFault&) {
-        return nullptr; // what is no job is refused so
-    }
-}
-
-class Session {
+// A file of a format version with everything where it belongs, since few changes to one leave it
+// that.
+class Composer {
 public:
-    Session(JobDocument& document, Reader actions, bool isStrict)
-        : m_Document(document), m_Actions(actions), m_IsStrict(isStrict)
-    {}
+    Composer(Reader reader, int version) : m_Reader(reader), m_Version(version) {}
 
-    void Run()
+    std::string Compose()
     {
-        if (IsThorough())
-            RequireSameAnew();
-        else
-            Told(m_Document.Objects(), false);
-        for (int edit = 0; edit < kMostEdits && !m_Actions.AtEnd(); ++edit) {
-            const std::string before = m_Document.Bytes();
-            Act();
-            if (IsThorough())
-                RequireSameAnew();
-            if (m_Document.Bytes() != before)
-                RequireUndone(before);
+        nlohmann::json job = {{"duration", 5}, {"jobsize", 700}, {"quantity", 2}};
+        if (m_Version == 2)
+            job["version"] = 2;
+        const char* const lists[] = {"variables", "formulas", "tables"};
+        for (const char* list : lists)
+            job[list] = nlohmann::json::array();
+        for (std::size_t object = 0; object < kMostObjects && !m_Reader.AtEnd(); ++object) {
+            const int kind = m_Reader.Pick(3);
+            job[lists[kind]].push_back(kind == 0 ? Variable() : kind == 1 ? Formula() : Table());
         }
+        return job.dump(1);
     }
 
 private:
-    void Act()
+    nlohmann::json Variable()
     {
-        const int action = m_Actions.Pick(4);
-        const auto count = static_cast<int>(m_Document.FormulaCount());
-        if (count == 0)
-            return;
-        const auto formula = static_cast<std::size_t>(m_Actions.Pick(count));
-        if (action == 0)
-            return Rename(formula);
-        if (action == 1)
-            return static_cast<void>(m_Document.Remove(formula));
-        if (action == 2)
-            return StoreAgain(formula);
-        m_Document.StoreExpression(formula, m_Actions.Name());
-        m_Document.Refresh();
+        const std::string name = m_Reader.Name().ToUtf8();
+        const double number = FiniteNumber(m_Reader);
+        return {{"name", name},
+                {"value", IsYesNoName(name) ? nlohmann::json(number > 0) : nlohmann::json(number)}};
     }
-    void Rename(std::size_t formula)
+    nlohmann::json Formula()
     {
-        const CString name = m_Actions.Name();
-        const std::string before = m_Document.Bytes();
-        const std::size_t changes = m_Document.Effects(formula, name).size();
-        try {
-            Require(m_Document.Rename(formula, name) == changes, "the changes that were announced");
-            Require(m_Document.Formula(formula).GetName() == name, "the new name");
-        } catch (const FileFault&) {
-            Require(m_Document.Bytes() == before, "a refusal that changes nothing",
-                    [&] { return before; });
+        nlohmann::json formula = {{"name", Text(m_Reader.Name())}};
+        formula["unit"] = Text(m_Reader.Name());
+        formula["expression"] = Text(m_Reader.Text());
+        return formula;
+    }
+    nlohmann::json Table()
+    {
+        nlohmann::json table = {{"name", Text(m_Reader.Name())}};
+        const int columns = 1 + m_Reader.Pick(3);
+        const int rows = 2 + m_Reader.Pick(kMostCells / columns - 1);
+        table["rowSelector"] = Element();
+        table["rowLimits"] = Limits(rows);
+        if (columns > 1) {
+            table["columnSelector"] = Element();
+            table["columnLimits"] = Limits(columns);
         }
+        for (int row = 0; row < rows; ++row)
+            for (int column = 0; column < columns; ++column)
+                table["cells"][static_cast<std::size_t>(row)].push_back(Element());
+        return table;
     }
-    // What an expression is stored as is read as the same expression.
-    void StoreAgain(std::size_t formula)
+    // Most often they rise.
+    nlohmann::json Limits(int count)
     {
-        CFmlaExpression& expression = m_Document.Formula(formula).GetExpression();
-        const CString stored = expression.GetEncodedString();
-        RequireSettledForm(stored);
-        m_Document.StoreExpression(formula, stored);
-        m_Document.Refresh();
+        nlohmann::json limits = nlohmann::json::array();
+        double limit = FiniteNumber(m_Reader);
+        for (; count > 0; --count, limit += 1.0)
+            limits.push_back(limit);
+        return limits;
+    }
+    nlohmann::json Element()
+    {
+        const int kind = m_Reader.Pick(6);
+        const CString text = m_Reader.Name();
+        if (kind < 3) {
+            const std::string name = text.ToUtf8();
+            return m_Version == 1 ? std::string(1, "VFT"[kind]) + name
+                                  : WriteReference({static_cast<Kind>(kind), name});
+        }
+        if (m_Version == 1)
+            return Text(text);
+        if (kind == 3)
+            return nullptr;
+        const double number = ParseDouble(text);
+        return kind == 4 ? nlohmann::json(number > 0) : nlohmann::json(number);
     }
 
-    // The bytes are the job: read from them by somebody else, all is told the same. A scan for the
-    // texts alone may fail no more than one that calculates.
-    void RequireSameAnew()
-    {
-        ::Job anew(ParseJob("anew", m_Document.Bytes()), m_IsStrict);
-        const std::string told = Told(m_Document.Objects(), false);
-        const std::string toldAnew = Told(anew, false);
-        Require(told == toldAnew, "the same job", [&] { return told + '\n' + toldAnew; });
-        Require(Told(anew, false) == told, "the same job calculated again", [&] { return told; });
-        Told(anew, true);
-    }
-    void RequireUndone(const std::string& before)
-    {
-        const std::string after = m_Document.Bytes();
-        Require(m_Document.Undo() && m_Document.Bytes() == before, "the file before",
-                [&] { return before; });
-        Require(m_Document.Redo() && m_Document.Bytes() == after, "the file after",
-                [&] { return after; });
-    }
-
-    JobDocument& m_Document;
-    Reader m_Actions;
-    const bool m_IsStrict;
+    Reader m_Reader;
+    const int m_Version;
 };
 
-Reader ReaderOf(std::string_view input)
+// Calculates everything.
+Report Told(Job& job)
 {
-    return Reader(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
+    Report report = job.Calculate();
+    RequireSoundFaults(job, report);
+    return report;
+}
+
+Job ReadAgain(const std::string& written, const JobOptions& options)
+{
+    Result<Job> job = ReadJob(written, "written", options);
+    Require(bool(job), "a job that can be read again",
+            [&] { return job.Why().text + '\n' + written; });
+    return std::move(job).Value();
 }
 
 void Run(std::string_view input)
 {
     const std::size_t lineEnd = std::min(input.find('\n'), input.size());
-    Reader actions = ReaderOf(input.substr(0, lineEnd));
-    const bool isStrict = actions.Pick(2) != 0;
-    SpeakLanguage(actions.Pick(kSoundLanguages));
+    Reader reader(input.substr(0, lineEnd));
+    const int choice = reader.Pick(kOptions);
+    SpeakLanguage(reader.Pick(kSoundLanguages));
+    const int version = reader.Pick(3); // 0 for bytes that are no composed file
     const std::string_view rest = input.substr(std::min(lineEnd + 1, input.size()));
-    const bool isComposed = actions.Pick(2) != 0;
-    const MemoryFile file(isComposed ? Composed(ReaderOf(rest)) : std::string(rest));
-    const std::unique_ptr<JobDocument> document = Opened(file.Path(), isStrict);
-    if (!document)
+    Result<Job> read =
+        ReadJob(version == 0 ? std::string(rest) : Composer(Reader(rest), version).Compose(), "job",
+                OptionsOf(choice));
+    if (!read) {
+        Require(read.Why().kind == RefusalKind::BadFile && !read.Why().text.empty(),
+                "a refusal in words");
         return;
-    ::Job& job = document->Objects();
-    if (job.Variables().size() + job.Formulas().size() + job.Tables().size() < kMostObjects)
-        Session(*document, actions, isStrict).Run();
+    }
+    Job job = std::move(read).Value();
+    if (job.Variables().size() + job.Formulas().size() + job.Tables().size() > kMostObjects)
+        return;
+    const Report told = Told(job);
+    const std::string written = WriteJob(job);
+    Job again = ReadAgain(written, OptionsOf(choice));
+    Require(WriteJob(again) == written, "the same bytes", [&] { return written; });
+    RequireSame("the same job", told, Told(again));
+    if (!IsThorough())
+        return;
+    for (int other = 0; other < kOptions; ++other) {
+        again.SetOptions(OptionsOf(other));
+        Job anew = ReadAgain(written, OptionsOf(other));
+        RequireSame("the same job with other options", Told(again), Told(anew));
+    }
+    RequireSame("the same job calculated again", told, Told(job));
 }
 
 } // namespace
@@ -230,7 +173,7 @@ void Run(std::string_view input)
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
-    InitTovoFormulaDLL(0);
+    InitTovoFormulaDLL();
     return 0;
 }
 

@@ -18,6 +18,7 @@ inline constexpr int kLongestQuickText = 300;
 // ended goes on to give zeros and empty texts.
 class Reader {
 public:
+    explicit Reader(std::string_view script) : m_Rest(script) {}
     Reader(const std::uint8_t* bytes, std::size_t count)
         : m_Rest(reinterpret_cast<const char*>(bytes), count)
     {}

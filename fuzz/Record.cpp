@@ -26,6 +26,14 @@ Record& Record::operator<<(const CString& text)
     return *this;
 }
 
+Record& Record::operator<<(const std::string& text)
+{
+    Mix(std::hash<std::string>()(text));
+    if (m_IsWritten)
+        m_Text += '"' + text + "\" ";
+    return *this;
+}
+
 Record& Record::operator<<(const char* label)
 {
     if (m_IsWritten)

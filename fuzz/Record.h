@@ -26,6 +26,7 @@ public:
     // All its bits count, but not which of the numbers that are none it is.
     Record& operator<<(double value);
     Record& operator<<(const CString& text);
+    Record& operator<<(const std::string& text);
     // A label for the reader of a written record.
     Record& operator<<(const char* label);
 
