@@ -17,6 +17,7 @@ void RegisterExpressions(ResultTable& table);
 void RegisterNets(ResultTable& table);
 void RegisterLookups(ResultTable& table);
 void RegisterLoading(ResultTable& table);
+void RegisterJobs(ResultTable& table);
 // Measured in time as it passes, since several threads share it, where the section compares those.
 void RegisterBatches(ResultTable& table);
 // Measures at once, as bytes do not vary.

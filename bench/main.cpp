@@ -23,6 +23,7 @@ int main(int argc, char** argv)
     bench::RegisterNets(table);
     bench::RegisterLookups(table);
     bench::RegisterLoading(table);
+    bench::RegisterJobs(table);
     bench::RegisterBatches(table);
     bench::NoteStack(table);
     bench::TableReporter reporter(table);

@@ -60,13 +60,14 @@ StepRunner::StepRunner(const BatchPlan& plan)
 
 void StepRunner::AddStep(const BatchPlan::Step& step)
 {
-    Step made{m_Slots[step.slot].get(), nullptr, {}};
+    Step made{m_Slots[step.slot].get(), nullptr, nullptr, nullptr};
     if (const auto* const text = std::get_if<std::string>(&step.work)) {
         made.formula = std::make_unique<FormulaImpl>(&m_Set, made.result->GetName(), Wide(*text));
     } else {
         const Table& table = std::get<Table>(step.work);
         made.table = std::make_unique<FormulaTableImpl>(&m_Set, RowsOf(table), ColumnsOf(table));
         Fill(*made.table, m_Set, table);
+        made.record = &table;
     }
     m_Steps.push_back(std::move(made));
 }
@@ -91,10 +92,10 @@ bool StepRunner::Run(std::span<const double> inputs, std::span<double> outputs)
             continue;
         }
         const FormulaTableImpl& table = *step.table;
-        const CFormtblElem& cell = *table.GetCell(table.GetRowIndex(), table.GetColIndex());
-        if (!cell.isValid())
+        const auto value = ReachedValue(table, *step.record);
+        if (!value)
             return false;
-        step.result->SetValue(cell.value());
+        step.result->SetValue(*value);
     }
     for (std::size_t output = 0; output < m_Outputs.size(); ++output)
         outputs[output] = m_Outputs[output] ? m_Outputs[output]->GetValue() : kNoValue;

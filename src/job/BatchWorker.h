@@ -31,6 +31,7 @@ private:
         VariableImpl* result;
         std::unique_ptr<FormulaImpl> formula; // or else a table
         std::unique_ptr<FormulaTableImpl> table;
+        const Table* record; // of the plan; null for a formula
     };
     // How an input that is a job value gets into the set.
     using SetJobValue = void (CalcSetImpl::*)(double);

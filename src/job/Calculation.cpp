@@ -13,12 +13,12 @@ namespace {
 constexpr std::array<std::string_view, 3> kJobValues = {"DURATION", "JOBSIZE", "QUANTITY"};
 
 // What is referred to in a text, with whether that is in a condition.
-std::vector<std::pair<ObjectName, bool>> ReferencesIn(const ScannedText& scanned)
+std::vector<std::pair<ObjectName, bool>> ReferencesIn(ScannedText scanned)
 {
     std::vector<std::pair<ObjectName, bool>> references;
-    for (const Token& token : scanned.tokens) {
+    for (Token& token : scanned.tokens) {
         if (!token.object.name.empty())
-            references.emplace_back(token.object, token.inCondition);
+            references.emplace_back(std::move(token.object), token.inCondition);
     }
     return references;
 }
@@ -95,6 +95,7 @@ NodeId Calculation::Enter(const ObjectName& object)
     const NodeId id = m_Network.Enter(object);
     if (id == m_Nodes.size()) {
         m_Nodes.emplace_back();
+        m_Turns.emplace_back();
         MarkDirty(id);
     }
     return id;
@@ -123,13 +124,14 @@ void Calculation::Put(NodeId id, const Shared<Formula>& record)
         (*before)->linked == record->linked)
         return;
     auto made = std::make_unique<EngineFormula>(m_Set, *record);
-    const ScannedText scanned = Scan(made->GetExpression());
+    ScannedText scanned = Scan(made->GetExpression());
     node.steps = scanned.tokens.size();
     node.nesting = scanned.nesting;
+    node.length = static_cast<std::size_t>(made->GetExpression().GetTextStr().GetLength());
     m_Set.AddFormula(made.get());
     node.object = std::move(made);
     SetSourced(id, record->linked != nullptr);
-    SetUses(id, ReferencesIn(scanned));
+    SetUses(id, ReferencesIn(std::move(scanned)));
     MarkDirty(id);
 }
 
@@ -181,15 +183,21 @@ void Calculation::TakeOut(NodeId id)
 void Calculation::SetUses(NodeId id, const std::vector<std::pair<ObjectName, bool>>& references)
 {
     std::vector<Use> uses;
-    std::unordered_map<NodeId, std::size_t> places;
-    for (const auto& [object, inCondition] : references) {
-        const NodeId used = Enter(object);
-        const auto [place, isNew] = places.try_emplace(used, uses.size());
-        if (isNew)
-            uses.push_back({used});
-        Use& use = uses[place->second];
-        (inCondition ? use.inCondition : use.asValue) = true;
+    uses.reserve(references.size());
+    for (const auto& [object, inCondition] : references)
+        uses.push_back({Enter(object), !inCondition, inCondition});
+    m_PlaceInUses.resize(m_Nodes.size(), kNoPlace);
+    std::size_t count = 0;
+    for (const Use& use : uses) {
+        std::size_t& place = m_PlaceInUses[use.node];
+        if (place == kNoPlace)
+            uses[place = count++] = use;
+        uses[place].asValue |= use.asValue;
+        uses[place].inCondition |= use.inCondition;
     }
+    uses.resize(count);
+    for (const Use& use : uses)
+        m_PlaceInUses[use.node] = kNoPlace;
     m_Network.SetUses(id, uses);
 }
 
@@ -205,11 +213,11 @@ void Calculation::SetSourced(NodeId id, bool isSourced)
 
 void Calculation::MarkDirty(NodeId id)
 {
-    Node& node = m_Nodes[id];
-    node.verdict = Verdict::Pending;
-    if (!node.isDirty)
+    Turn& turn = m_Turns[id];
+    turn.verdict = Verdict::Pending;
+    if (!turn.isDirty)
         m_Dirty.push_back(id);
-    node.isDirty = true;
+    turn.isDirty = true;
 }
 
 std::optional<double> Calculation::ValueAt(NodeId id) const

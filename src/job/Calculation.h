@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -58,7 +59,7 @@ public:
     std::vector<Place> PlacesOf(const std::vector<NodeId>& ring) const;
 
 private:
-    enum class Verdict {
+    enum class Verdict : std::uint8_t {
         Pending,  // not looked at since it changed
         Sound,    // has a value
         Missing,  // nobody defined it
@@ -71,19 +72,25 @@ private:
     struct Node {
         Record record; // null for what is only referred to
         EngineObject object;
-        Verdict verdict = Verdict::Pending;
-        Verdict lastVerdict = Verdict::Pending; // of the last turn
         double value = 0.0;
         std::optional<double> reported; // the value that a report has told last
         NodeId because = kNoNode;       // what fails, of an affected one; of a ring its first node
         std::vector<Fault> faults;      // its own
         std::size_t steps = 0;
         std::size_t nesting = 0;
-        bool isSourced = false;   // is among those below
-        bool isDirty = false;     // is to be judged in the next update
-        bool isInUpdate = false;  // has not had its turn in the present one
-        std::size_t waitsFor = 0; // how many of its uses have not had theirs
+        std::size_t length = 0;
+        bool isSourced = false; // is among those below
     };
+    // What the turn of one node looks at in others. It lies apart from the nodes, so that it is in
+    // the processor's cache when a hundred thousand of them are calculated.
+    struct Turn {
+        std::uint32_t waitsFor = 0; // how many of its uses have not had their turn
+        Verdict verdict = Verdict::Pending;
+        Verdict lastVerdict = Verdict::Pending; // of the last turn
+        bool isDirty = false;                   // is to be judged in the next update
+        bool isInUpdate = false;                // has not had its turn in the present one
+    };
+    static constexpr std::size_t kNoPlace = ~std::size_t{0};
     class UpdateRun;
     friend class UpdateRun;
 
@@ -98,7 +105,7 @@ private:
     void MarkDirty(NodeId id);
     std::optional<double> ValueAt(NodeId id) const;
     bool IsDefined(NodeId id) const;
-    bool HasValue(NodeId id) const { return m_Nodes[id].verdict == Verdict::Sound; }
+    bool HasValue(NodeId id) const { return m_Turns[id].verdict == Verdict::Sound; }
 
     // Evaluate one node, whose uses have had their turn.
     void SampleSources();
@@ -119,7 +126,9 @@ private:
     JobOptions m_Options;
     CalcSetImpl m_Set;
     Network m_Network;
-    std::vector<Node> m_Nodes; // by NodeId
+    std::vector<Node> m_Nodes; // by NodeId, as the next
+    std::vector<Turn> m_Turns;
+    std::vector<std::size_t> m_PlaceInUses; // by NodeId: work space of SetUses, else kNoPlace
     std::vector<NodeId> m_Dirty;
     std::vector<NodeId> m_Sourced; // what a host computes: variables with a source, linked objects
 };

@@ -86,8 +86,7 @@ bool Calculation::FindOwnFaults(NodeId id, std::size_t& stepsLeft)
         node.faults.push_back(MakeFault(id, message, {m_Network.NameOf(id), {}, {}}));
         return true;
     };
-    if (formula && static_cast<std::size_t>((*formula)->GetExpression().GetTextStr().GetLength()) >
-                       m_Options.limits.textLength)
+    if (node.length > m_Options.limits.textLength)
         return exceed(MSG_JOB_TEXT_TOO_LONG);
     if (node.nesting > m_Options.limits.nesting)
         return exceed(MSG_JOB_NESTED_TOO_DEEP);
@@ -113,7 +112,7 @@ bool Calculation::FindOwnFaults(NodeId id, std::size_t& stepsLeft)
 void Calculation::FindUnknownNames(NodeId id)
 {
     m_Network.ForEachUse(id, [&](const Use& use) {
-        if (m_Nodes[use.node].verdict != Verdict::Missing)
+        if (m_Turns[use.node].verdict != Verdict::Missing)
             return;
         const ObjectName& unknown = m_Network.NameOf(use.node);
         for (Place& place : ReferencesTo(id, use.node)) {
@@ -130,7 +129,7 @@ void Calculation::JudgeRing(const std::vector<NodeId>& group)
 {
     for (const NodeId id : group) {
         m_Nodes[id].faults.clear();
-        m_Nodes[id].verdict = Verdict::OnRing;
+        m_Turns[id].verdict = Verdict::OnRing;
         m_Nodes[id].because = group.front();
     }
     for (const std::vector<NodeId>& ring : RingsOf(m_Network, group)) {
@@ -241,9 +240,9 @@ Place Calculation::PlaceOnRing(NodeId id, NodeId first) const
 // The node whose own fault it is that this one fails; kNoNode for one that does not.
 NodeId Calculation::RootOf(NodeId id) const
 {
-    while (m_Nodes[id].verdict == Verdict::Affected)
+    while (m_Turns[id].verdict == Verdict::Affected)
         id = m_Nodes[id].because;
-    if (m_Nodes[id].verdict == Verdict::OnRing)
+    if (m_Turns[id].verdict == Verdict::OnRing)
         id = m_Nodes[id].because;
     return m_Nodes[id].faults.empty() ? kNoNode : id;
 }
@@ -257,9 +256,10 @@ std::vector<Fault> Calculation::Faults(const Content& content) const
         for (const auto& object : objects.All()) {
             const NodeId id = *m_Network.Find(NameOf(*object));
             const Node& node = m_Nodes[id];
-            if (node.verdict == Verdict::Affected)
+            const Verdict verdict = m_Turns[id].verdict;
+            if (verdict == Verdict::Affected)
                 affected.push_back(id);
-            if (node.verdict != Verdict::Faulty && node.verdict != Verdict::OnRing)
+            if (verdict != Verdict::Faulty && verdict != Verdict::OnRing)
                 continue;
             if (!node.faults.empty())
                 firstFaults.emplace(id, faults.size());
@@ -274,7 +274,7 @@ std::vector<Fault> Calculation::Faults(const Content& content) const
     for (const NodeId id : affected) {
         std::vector<NodeId> way;
         NodeId at = id;
-        while (m_Nodes[at].verdict == Verdict::Affected && !roots.contains(at)) {
+        while (m_Turns[at].verdict == Verdict::Affected && !roots.contains(at)) {
             way.push_back(at);
             at = m_Nodes[at].because;
         }
@@ -299,18 +299,18 @@ std::optional<Failure> Calculation::FailureOf(const ObjectName& object) const
     if (!found || !IsDefined(*found))
         return std::nullopt;
     const NodeId id = *found;
-    const Node& node = m_Nodes[id];
+    const Verdict verdict = m_Turns[id].verdict;
     const NodeId root = RootOf(id);
-    if (node.verdict == Verdict::Sound || node.verdict == Verdict::Pending || root == kNoNode)
+    if (verdict == Verdict::Sound || verdict == Verdict::Pending || root == kNoNode)
         return std::nullopt;
     const Fault& fault = m_Nodes[root].faults.front();
     Failure failure{fault.message, fault.text, fault.place, {}};
-    if (node.verdict == Verdict::Affected)
-        failure.place = PlaceOfReference(id, node.because);
-    else if (node.verdict == Verdict::OnRing)
+    if (verdict == Verdict::Affected)
+        failure.place = PlaceOfReference(id, m_Nodes[id].because);
+    else if (verdict == Verdict::OnRing)
         failure.place = PlaceOnRing(id, root);
     NodeId at = id;
-    for (; m_Nodes[at].verdict == Verdict::Affected; at = m_Nodes[at].because)
+    for (; m_Turns[at].verdict == Verdict::Affected; at = m_Nodes[at].because)
         failure.path.push_back(m_Network.NameOf(at));
     failure.path.push_back(m_Network.NameOf(at));
     std::reverse(failure.path.begin(), failure.path.end());

@@ -39,8 +39,8 @@ public:
     ~UpdateRun()
     {
         for (const NodeId id : m_Members) {
-            if (std::exchange(At(id).isInUpdate, false) || At(id).isDirty) {
-                At(id).isDirty = false;
+            if (std::exchange(TurnOf(id).isInUpdate, false) || TurnOf(id).isDirty) {
+                TurnOf(id).isDirty = false;
                 m_Calculation.MarkDirty(id);
             }
         }
@@ -64,6 +64,7 @@ public:
 
 private:
     Node& At(NodeId id) { return m_Calculation.m_Nodes[id]; }
+    Turn& TurnOf(NodeId id) { return m_Calculation.m_Turns[id]; }
 
     // All that depends on what is dirty, each once.
     void Gather()
@@ -75,18 +76,18 @@ private:
     }
     void Join(NodeId id)
     {
-        if (std::exchange(At(id).isInUpdate, true))
+        if (std::exchange(TurnOf(id).isInUpdate, true))
             return;
-        At(id).waitsFor = 0;
+        TurnOf(id).waitsFor = 0;
         m_Members.push_back(id);
     }
 
     void CountUses()
     {
         for (const NodeId id : m_Members)
-            m_Calculation.m_Network.ForEachUser(id, [&](NodeId user) { ++At(user).waitsFor; });
+            m_Calculation.m_Network.ForEachUser(id, [&](NodeId user) { ++TurnOf(user).waitsFor; });
         for (const NodeId id : m_Members) {
-            if (At(id).waitsFor == 0)
+            if (TurnOf(id).waitsFor == 0)
                 m_Ready.push_back(id);
         }
     }
@@ -105,15 +106,15 @@ private:
     // What was on a ring is on none now that it has a turn.
     void HaveTurn(NodeId id)
     {
-        if (At(id).isDirty || At(id).lastVerdict == Verdict::OnRing)
+        if (TurnOf(id).isDirty || TurnOf(id).lastVerdict == Verdict::OnRing)
             Settle(id, [&] { m_Calculation.Judge(id, m_StepsLeft); });
         Release(id);
     }
     void Release(NodeId id)
     {
-        At(id).isInUpdate = false;
+        TurnOf(id).isInUpdate = false;
         m_Calculation.m_Network.ForEachUser(id, [&](NodeId user) {
-            if (At(user).isInUpdate && --At(user).waitsFor == 0)
+            if (TurnOf(user).isInUpdate && --TurnOf(user).waitsFor == 0)
                 m_Ready.push_back(user);
         });
     }
@@ -124,22 +125,24 @@ private:
     {
         Node& node = At(id);
         const double before = node.value;
-        const Verdict verdict = node.lastVerdict;
+        Turn& turn = TurnOf(id);
+        const Verdict verdict = turn.lastVerdict;
         judge();
-        node.isDirty = false;
-        node.lastVerdict = node.verdict;
+        turn.isDirty = false;
+        turn.lastVerdict = turn.verdict;
         NoteChange(id);
-        if (node.verdict == verdict && IsSame(node.value, before))
+        if (turn.verdict == verdict && IsSame(node.value, before))
             return;
         m_Calculation.m_Network.ForEachUser(id, [&](NodeId user) { MarkUser(user); });
     }
     // One that is on a ring has been judged already.
     void MarkUser(NodeId user)
     {
-        if (!At(user).isInUpdate)
+        Turn& turn = TurnOf(user);
+        if (!turn.isInUpdate)
             return;
-        At(user).isDirty = true;
-        At(user).verdict = Verdict::Pending;
+        turn.isDirty = true;
+        turn.verdict = Verdict::Pending;
     }
 
     void NoteChange(NodeId id)
@@ -161,13 +164,13 @@ private:
     {
         std::vector<NodeId> left;
         for (const NodeId id : m_Members) {
-            if (At(id).isInUpdate)
+            if (TurnOf(id).isInUpdate)
                 left.push_back(id);
         }
         for (const auto& group : NodesOnRings(m_Calculation.m_Network, left)) {
             m_Calculation.JudgeRing(group);
             for (const NodeId id : group)
-                At(id).isInUpdate = false;
+                TurnOf(id).isInUpdate = false;
             for (const NodeId id : group)
                 Settle(id, [] {});
             for (const NodeId id : group)
@@ -211,7 +214,8 @@ void Calculation::Judge(NodeId id, std::size_t& stepsLeft)
     Node& node = m_Nodes[id];
     node.faults.clear();
     node.because = kNoNode;
-    node.verdict = Verdict::Sound;
+    Verdict& verdict = m_Turns[id].verdict;
+    verdict = Verdict::Sound;
     switch (m_Network.NameOf(id).kind) {
     case Kind::JobValue:
         node.value = id == 0   ? m_Set.GetDuration()
@@ -230,9 +234,9 @@ void Calculation::Judge(NodeId id, std::size_t& stepsLeft)
     if (!IsDefined(id))
         return JudgeMissing(id);
     if (FindOwnFaults(id, stepsLeft)) {
-        node.verdict = Verdict::Faulty;
+        verdict = Verdict::Faulty;
     } else if (node.because = FirstFailingUse(id); node.because != kNoNode) {
-        node.verdict = Verdict::Affected;
+        verdict = Verdict::Affected;
     } else if (auto* const formula = std::get_if<std::unique_ptr<EngineFormula>>(&node.object)) {
         TakeEvaluation(id, (*formula)->Evaluate());
     } else {
@@ -244,7 +248,7 @@ void Calculation::JudgeMissing(NodeId id)
 {
     const bool countsAsZero =
         m_Network.NameOf(id).kind == Kind::Variable && !m_Options.undefinedVariablesAreFaults;
-    m_Nodes[id].verdict = countsAsZero ? Verdict::Sound : Verdict::Missing;
+    m_Turns[id].verdict = countsAsZero ? Verdict::Sound : Verdict::Missing;
     m_Nodes[id].value = 0.0;
 }
 
@@ -253,7 +257,7 @@ void Calculation::TakeEvaluation(NodeId id, const Evaluation& evaluation)
     Node& node = m_Nodes[id];
     if (!evaluation.isDone) {
         node.faults.push_back(FaultOfEngine(id, evaluation.message));
-        node.verdict = Verdict::Faulty;
+        m_Turns[id].verdict = Verdict::Faulty;
         return;
     }
     node.value = evaluation.value;

@@ -1,29 +1,32 @@
 #include "EngineObjects.h"
 
 #include <algorithm>
-#include <charconv>
-#include <system_error>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 #include <TovoJob/Fault.h>
 
 #include "ExpressionText.h"
+#include "NumberText.h"
 
 namespace tovo::job {
 
 namespace {
 
-// The engine keeps a cell's constant as a text in thousandths. The shortest decimal form of the
-// number with its point moved by three places is read back as that number.
+// The engine keeps a constant as a text in thousandths and divides by 1,000. The text is chosen so
+// that the quotient is the number itself. For one number in fifty there is none, and the quotient
+// is a neighbour of the number; beyond 1.7e305 it is that.
 CString Thousandths(double value)
 {
-    char digits[32];
-    const auto written =
-        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::scientific);
-    const std::string_view text(digits, static_cast<std::size_t>(written.ptr - digits));
-    const std::size_t mark = text.find('e');
-    const int exponent = std::stoi(std::string(text.substr(mark + 1)));
-    return Wide(std::string(text.substr(0, mark)) + "e" + std::to_string(exponent + 3));
+    constexpr double kMost = std::numeric_limits<double>::max();
+    const double product = std::clamp(value * 1000.0, -kMost, kMost);
+    for (const double scaled :
+         {product, std::nextafter(product, -kMost), std::nextafter(product, kMost)}) {
+        if (scaled / 1000.0 == value)
+            return Wide(NumberText(scaled));
+    }
+    return Wide(NumberText(product));
 }
 
 CString CombinedString(const Element& element)
@@ -110,10 +113,10 @@ Evaluation EngineTable::Evaluate()
     SetCalculated(0);
     unsigned int message = 0;
     const int isDone = IsValid(message, 1) && Calculate(message, nullptr);
-    // The engine takes an empty cell for 0.
-    if (isDone && std::holds_alternative<std::monostate>(m_Record->cells[Row()][Column()]))
-        return {false, 0.0, MSG_JOB_EMPTY_CELL};
-    return Told(*this, isDone, message);
+    if (!isDone)
+        return {false, 0.0, message};
+    const auto value = ReachedValue(*this, *m_Record);
+    return value ? Evaluation{true, *value, 0} : Evaluation{false, 0.0, MSG_JOB_EMPTY_CELL};
 }
 
 unsigned int EngineTable::CheckAlone()
@@ -142,6 +145,17 @@ void Fill(FormulaTableImpl& stock, ICalculationSet& set, const Table& table)
             stock.SetCell(row, column++,
                           std::make_unique<CFormtblElem>(CombinedString(cell), set).release());
     }
+}
+
+std::optional<double> ReachedValue(const FormulaTableImpl& stock, const Table& table)
+{
+    const auto row = static_cast<std::size_t>(stock.GetRowIndex());
+    const auto column = static_cast<std::size_t>(stock.GetColIndex());
+    const Element& cell = table.cells[row][column];
+    if (std::holds_alternative<std::monostate>(cell))
+        return std::nullopt;
+    const auto* const number = std::get_if<double>(&cell);
+    return number ? *number : stock.GetCell(stock.GetRowIndex(), stock.GetColIndex())->value();
 }
 
 int RowsOf(const Table& table)

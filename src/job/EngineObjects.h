@@ -90,6 +90,9 @@ private:
 
 // Gives a stock table the limits, selectors and cells. Requires: a stock table of the same size.
 void Fill(FormulaTableImpl& stock, ICalculationSet& set, const Table& table);
+// What stands in the cell that the last lookup has reached, a constant to the bit; nothing if the
+// cell is empty, which the engine takes for 0. Requires: a stock table filled from this one.
+std::optional<double> ReachedValue(const FormulaTableImpl& stock, const Table& table);
 // How many rows and columns the engine's table has.
 int RowsOf(const Table& table);
 int ColumnsOf(const Table& table);

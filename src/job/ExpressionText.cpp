@@ -1,6 +1,7 @@
 #include "ExpressionText.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <TovoFormula/TokenCodes.h>
 
@@ -112,7 +113,7 @@ ScannedText Scan(const CFmlaExprBase& expression)
             token.object = ReferredBy(expression, nextReference++);
         else if (const auto word = JobValueWord(token.code))
             token.object = {Kind::JobValue, std::string(*word)};
-        scanned.tokens.push_back(token);
+        scanned.tokens.push_back(std::move(token));
     }
     for (; nextReference < expression.NumVars(); ++nextReference)
         scanned.tokens.push_back(

@@ -130,6 +130,23 @@ TEST(JobText, Version1BecomesVersion2)
     EXPECT_EQ(Dump(Job(old).Calculate()), "Width=1; Wet?=yes; Edge!10847; T!10847");
 }
 
+// The engine keeps constants in thousandths, of which not every number is the quotient.
+TEST(JobText, AConstantOfATableIsExact)
+{
+    for (const char* const number : {"0.0012", "1e-20", "0.1234567", "3e-310", "-1.7e308"}) {
+        Job job = ReadJob(TableWith("\"V(Width)\"", number), "job").Value();
+        job.Update();
+        EXPECT_EQ(job.ValueOf(TableNamed("T")), std::strtod(number, nullptr)) << number;
+    }
+    // A selector that is equal to a limit is within it.
+    Job job = ReadJob(With("", "", R"({"name": "T", "rowSelector": 0.0012,
+                                       "rowLimits": [0.0012, 1], "cells": [[5], [7]]})"),
+                      "job")
+                  .Value();
+    job.Update();
+    EXPECT_EQ(job.ValueOf(TableNamed("T")), 5);
+}
+
 TEST(JobText, AnEmptyCellIsAFaultWhereItIsReached)
 {
     Job job = ReadJob(TableWith("\"V(Width)\"", "null"), "job").Value();
