@@ -28,44 +28,27 @@ public:
     {}
     ~Former()
     {
-        if (!m_HasEnded)
-            PutBack();
+        if (m_HasEnded)
+            return;
+        m_Work.NoteDisturbed();
+        PutBack();
     }
 
     Former(const Former&) = delete;
     Former& operator=(const Former&) = delete;
 
     void End() { m_HasEnded = true; }
-
-    // Leaves the expression without a tree.
-    void TakeTree()
-    {
-        CExprTree& tree = m_Work.m_Expression.m_Tree;
-        if (!m_HasTakenTree)
-            m_Root.reset(std::exchange(tree.m_Root, nullptr));
-        m_HasTakenTree = true;
-        tree.Clear();
-    }
-    // Leaves the state without a program.
-    void TakeProgram()
-    {
-        std::unique_ptr<Program>& program = m_Work.m_Expression.m_State->program;
-        if (!m_Program)
-            m_Program = std::move(program);
-    }
-
-private:
+    // For a road that ends with nothing done that shows. What follows may take all once more.
     void PutBack()
     {
         CFmlaExpression& expression = m_Work.m_Expression;
         ExpressionState& state = *expression.m_State;
-        m_Work.NoteDisturbed();
         m_Work.Forget();
         if (m_Program) {
             state.program = std::move(m_Program);
             state.textOfProgram = 0;
         }
-        if (m_HasTakenTree) {
+        if (std::exchange(m_HasTakenTree, false)) {
             expression.m_Tree.Clear();
             expression.m_Tree.m_Root = m_Root.release();
         }
@@ -77,6 +60,24 @@ private:
         expression.m_ScanPos = m_ScanPos;
     }
 
+    // Leaves the expression without a tree.
+    void TakeTree()
+    {
+        CExprTree& tree = m_Work.m_Expression.m_Tree;
+        if (!m_HasTakenTree)
+            m_Root.reset(std::exchange(tree.m_Root, nullptr));
+        m_HasTakenTree = true;
+        tree.Clear();
+    }
+    // Leaves the state without a program, and keeps one that the expression was loaded by.
+    void TakeProgram()
+    {
+        std::unique_ptr<Program>& program = m_Work.m_Expression.m_State->program;
+        if (m_IsLoadedByProgram && !m_Program)
+            m_Program = std::move(program);
+    }
+
+private:
     BoundWork& m_Work;
     std::unique_ptr<CETree> m_Root;
     std::unique_ptr<Program> m_Program;

@@ -38,6 +38,7 @@ namespace tovo::detail {
 {
     Rerun rerun(*this, state);
     const bool isDone = RunAsCheck(state);
+    state.isLoadedByProgram = true;
     rerun.End();
     return isDone;
 }
@@ -90,21 +91,29 @@ bool BoundWork::RunAgain(ExpressionState& state, const CString& name)
     return true;
 }
 
-// The road of the program, from the mark on the expression to the value.
+// The road of the program, from the mark on the expression to the value. Where it gives up, the
+// expression is as it was.
 bool BoundWork::CheckByProgram(Former& former, const CString& name)
 {
     ExpressionState& state = State();
-    if (state.marks > 0 || state.gaveUpIn == Pass::Present() || !HasProgramFor(former, name))
+    if (state.marks > 0 || state.gaveUpIn == Pass::Present())
         return false;
+    if (!HasProgramFor(former, name) || !RunMarked(former, state)) {
+        former.PutBack();
+        return false;
+    }
+    m_Expression.m_Tree.m_Msg = MSG_NONE;
+    NoteLoaded();
+    return true;
+}
+
+bool BoundWork::RunMarked(Former& former, ExpressionState& state)
+{
     const UnderWay underWay(state.marks);
     if (underWay.IsTooDeep())
         return false;
     former.TakeTree();
-    if (!RunAsCheck(state))
-        return false;
-    m_Expression.m_Tree.m_Msg = MSG_NONE;
-    NoteLoaded();
-    return true;
+    return RunAsCheck(state);
 }
 
 // A part of its caller, as RunAsCheck.

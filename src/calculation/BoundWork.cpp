@@ -211,9 +211,9 @@ int BoundWork::Walk(CScannedVariables* list, const Start& start, const CString* 
     const UnderWay underWay(state.marks);
     if (!underWay.IsFirst())
         return Fail(MSG_FORMULA_INSIDE_ITSELF);
+    RestoreOnThrow former(state.value, state.isLoadedByProgram);
     const bool hasProgram = state.isLoadedByProgram;
     ScanMark scanned(list);
-    RestoreOnThrow former(state.value);
     if (hasProgram && !list && RunAsWalk()) {
         GiveTextOfProgram();
     } else {
@@ -243,7 +243,11 @@ int BoundWork::Walk(CScannedVariables* list, const Start& start, const CString* 
 bool BoundWork::RunAsWalk()
 {
     const IfDepthGuard depth(CExprTree::m_InIfConditionCount);
-    return State().program->Run(State(), Program::Purpose::Calculate);
+    ExpressionState& state = State();
+    const bool isDone = state.program->Run(state, Program::Purpose::Calculate);
+    // An object may have changed the text, which counts from the next check on.
+    state.isLoadedByProgram = true;
+    return isDone;
 }
 
 } // namespace tovo::detail

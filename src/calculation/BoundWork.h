@@ -87,6 +87,7 @@ private:
     [[gnu::noinline]] bool WalkByProgram(ExpressionState& state, const Start& start,
                                          const CString* checkedName);
     bool CheckByProgram(Former& former, const CString& name);
+    bool RunMarked(Former& former, ExpressionState& state);
     bool HasProgramFor(Former& former, const CString& name);
     std::unique_ptr<Program> Compile();
     bool RunAsWalk();

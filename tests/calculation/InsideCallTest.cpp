@@ -1,5 +1,6 @@
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 #include "Job.h"
@@ -171,6 +172,46 @@ TEST(InsideCall, WhatAnObjectMayDo)
             EXPECT_TRUE(during == deed.during || (!isDerived && during == deed.after)) << during;
             EXPECT_EQ(scene.Calculate(isDerived), deed.after);
         }
+}
+
+TEST(InsideCall, TextThatIsClearedInAWalkIsWalkedToItsEnd)
+{
+    for (const bool isScan : {false, true}) {
+        Scene scene(true);
+        CFmlaExpression walked(scene.set);
+        walked.SetFromEncodedString("F(Actor)+F(Other)");
+        unsigned int message = 0;
+        EXPECT_EQ(walked.IsValid(message, "", 1), 1);
+        scene.actor->m_Act = [&] { walked.ClearExpr(); };
+        CScannedVariables list;
+        EXPECT_EQ(walked.Calculate(isScan ? &list : nullptr), 1);
+        EXPECT_EQ(walked.IsLoaded(), 1);
+        EXPECT_EQ(walked.GetValue(), 11.0);
+    }
+}
+
+// The name that is missing keeps the program from running, and is come to after what throws.
+TEST(InsideCall, WhatThrowsLeavesTheFormulasThatWereReached)
+{
+    class Thrower : public VariableImpl {
+    public:
+        using VariableImpl::VariableImpl;
+        double GetValue() override
+        {
+            return m_Throws ? throw std::runtime_error("no reading") : m_Value;
+        }
+
+        bool m_Throws = false;
+    };
+    Scene scene(true);
+    Thrower reading(&scene.set, u"Reading", 0.0);
+    scene.set.AddVariable(&reading);
+    scene.other->SetFromEncodedString("V(Reading)+F(None)");
+    CFmlaExpression& reached = scene.other->GetExpression();
+    EXPECT_EQ(reached.LoadExpressionTree(0), 1);
+    reading.m_Throws = true;
+    EXPECT_THROW(scene.Calculate(false), std::runtime_error);
+    EXPECT_EQ(reached.IsLoaded(), 1);
 }
 
 } // namespace
