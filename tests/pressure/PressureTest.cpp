@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <TovoFormula/LanguageScope.h>
+#include <TovoFormula/TokenNameIds.h>
+
 #include "Memory.h"
 #include "Shop.h"
 
@@ -250,6 +253,13 @@ std::vector<Scenario> Changes()
              EXPECT_EQ(AfxInitExtensionModule(record, kStrings, 1), 1);
              const CDynLinkLibrary newest(record);
          }},
+        {"a language of its own",
+         [](Shop&) {
+             constexpr AfxStringResource words[] = {{TOKEN_NAME_SUM, u"SUMME"}};
+             const FormulaLanguage made(words, u",", u";");
+         }},
+        {"conversion",
+         [](Shop& shop) { ConvertExpressions(shop.set, FormulaLanguage({}, u",", u";")); }},
         {"tree",
          [](Shop& shop) {
              CTree root;
