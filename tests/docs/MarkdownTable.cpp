@@ -90,26 +90,4 @@ std::vector<std::string> CodeBlocks(const std::string& document, const std::stri
     return blocks;
 }
 
-std::vector<std::string> GuideRegions(const std::string& source)
-{
-    std::vector<std::string> regions;
-    std::istringstream lines(source);
-    std::string line;
-    bool isInside = false;
-    std::size_t indentation = 0;
-    while (std::getline(lines, line)) {
-        const std::size_t start = std::min(line.find_first_not_of(' '), line.size());
-        if (line.compare(start, 10, "// [guide:") == 0) {
-            isInside = true;
-            indentation = start;
-            regions.emplace_back();
-        } else if (line.compare(start, 8, "// [end]") == 0) {
-            isInside = false;
-        } else if (isInside) {
-            regions.back() += line.substr(std::min(indentation, line.size())) + "\n";
-        }
-    }
-    return regions;
-}
-
 } // namespace tovo::test

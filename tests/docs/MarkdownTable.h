@@ -24,10 +24,6 @@ std::vector<MarkdownRow> RowsOfTables(const std::string& document,
 // The fenced blocks of that language, without their fences.
 std::vector<std::string> CodeBlocks(const std::string& document, const std::string& language);
 
-// The stretches of a test's source between lines "// [guide: ...]" and "// [end]", which a guide
-// shows. Without the indentation that all lines of one share, which is that of its first line.
-std::vector<std::string> GuideRegions(const std::string& source);
-
 } // namespace tovo::test
 
 #endif
