@@ -69,7 +69,7 @@ private:
     static constexpr int kMark = 1; // an invalid position that a refusal leaves
 
     struct Character {
-        WCHAR character;
+        char16_t character;
         int reference; // -1 for literal text
     };
     using Characters = std::vector<Character>;
@@ -129,7 +129,7 @@ private:
     void Insert(const CString& text, int pos, int reference)
     {
         Characters inserted;
-        for (const WCHAR character : text.View())
+        for (const char16_t character : text.View())
             inserted.push_back({character, reference});
         const Characters before = m_Model;
         const auto size = static_cast<int>(m_Model.size());
@@ -243,7 +243,7 @@ private:
         m_Model.clear();
         m_Kinds.clear();
         const CString text = m_Expression.GetTextStr();
-        for (const WCHAR character : text.View())
+        for (const char16_t character : text.View())
             m_Model.push_back({character, -1});
         RequireSoundTable(m_Expression);
         for (int index = 0; index < m_Expression.NumVars(); ++index) {

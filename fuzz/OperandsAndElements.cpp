@@ -209,7 +209,7 @@ private:
         else if (way == 1)
             element.SetName(Text());
         else if (way == 2)
-            element.SetType(static_cast<WCHAR>(m_Reader.Int()));
+            element.SetType(static_cast<char16_t>(m_Reader.Int()));
         else if (way == 3)
             element = m_Element;
         else if (way == 4)

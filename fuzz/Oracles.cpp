@@ -64,8 +64,8 @@ void Fail(const char* expected, const std::string& found)
 void SpeakLanguage(int language)
 {
     struct Language {
-        const WCHAR* decimal;
-        const WCHAR* list;
+        const char16_t* decimal;
+        const char16_t* list;
         bool isGerman;
     };
     static constexpr Language kSpoken[kLanguages] = {

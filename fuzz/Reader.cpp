@@ -57,8 +57,8 @@ std::string_view Reader::Take(std::string_view ends)
 CString Reader::Wide(std::string_view bytes)
 {
     if (bytes.starts_with('^')) {
-        WideText wide((bytes.size() - 1) / sizeof(WCHAR), u'\0');
-        std::memcpy(wide.data(), bytes.data() + 1, wide.size() * sizeof(WCHAR));
+        WideText wide((bytes.size() - 1) / sizeof(char16_t), u'\0');
+        std::memcpy(wide.data(), bytes.data() + 1, wide.size() * sizeof(char16_t));
         return CString(std::move(wide));
     }
     if (bytes.size() < 3 || bytes[0] != '~')

@@ -6,7 +6,7 @@ namespace {
 
 // Besides the control characters these are the line separators, and the marks that turn the
 // direction of writing: with them a name could make a line read as something that it does not say.
-bool IsControl(WCHAR character)
+bool IsControl(char16_t character)
 {
     const bool isDirection = (character >= 0x202A && character <= 0x202E) ||
                              (character >= 0x2066 && character <= 0x2069);

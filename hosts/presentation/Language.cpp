@@ -36,13 +36,13 @@ std::map<int, CString> WordsInForce()
 bool IsWord(const CString& text)
 {
     const WideView view = text.View();
-    return !view.empty() && std::all_of(view.begin(), view.end(), [](WCHAR character) {
+    return !view.empty() && std::all_of(view.begin(), view.end(), [](char16_t character) {
         return character >= u'A' && character <= u'Z';
     });
 }
 
 // A character that has no part in an expression but as a separator.
-bool IsFree(WCHAR character)
+bool IsFree(char16_t character)
 {
     const bool isDigit = character >= u'0' && character <= u'9';
     const bool isSign = WideView(u"()+-*/=<>").find(character) != WideView::npos;

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr const WCHAR* kFont = u"Arial";
+constexpr const char16_t* kFont = u"Arial";
 constexpr int kHalfPoints = 22;
 
 void AddExpression(RtfDocument& document, const std::string& expression)

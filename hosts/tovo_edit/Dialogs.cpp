@@ -27,8 +27,8 @@ bool IsGone(Key key)
 WideText Folded(const CString& text)
 {
     WideText folded(text.View());
-    for (WCHAR& character : folded)
-        character = static_cast<WCHAR>(towlower(character));
+    for (char16_t& character : folded)
+        character = static_cast<char16_t>(towlower(character));
     return folded;
 }
 

@@ -9,14 +9,14 @@
 
 namespace {
 
-constexpr WCHAR kBlank = u' ';
+constexpr char16_t kBlank = u' ';
 
-bool IsLanguageLetter(WCHAR character)
+bool IsLanguageLetter(char16_t character)
 {
     return character >= u'A' && character <= u'Z';
 }
 
-bool IsWordCharacter(WCHAR character)
+bool IsWordCharacter(char16_t character)
 {
     return tovo::IsAlphabetic(character) || (character >= u'0' && character <= u'9') ||
            IsHighSurrogate(character) || IsLowSurrogate(character);
@@ -249,8 +249,8 @@ int EditSession::NextPos() const
 }
 
 // Zero outside the text.
-WCHAR EditSession::CharacterAt(int pos) const
+char16_t EditSession::CharacterAt(int pos) const
 {
     const CString text = Text();
-    return pos >= 0 && pos < text.GetLength() ? text[pos] : WCHAR(0);
+    return pos >= 0 && pos < text.GetLength() ? text[pos] : char16_t(0);
 }

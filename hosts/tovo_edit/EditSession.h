@@ -74,7 +74,7 @@ private:
     void AdjustLimit();
     int PreviousPos() const;
     int NextPos() const;
-    WCHAR CharacterAt(int pos) const;
+    char16_t CharacterAt(int pos) const;
 
     CFmlaExpression& m_Expression;
     const CString m_FirstStored;

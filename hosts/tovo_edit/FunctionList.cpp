@@ -6,8 +6,8 @@ namespace {
 
 struct Row {
     int code;
-    const WCHAR* arguments; // parted by commas, null for none
-    const WCHAR* meaning;
+    const char16_t* arguments; // parted by commas, null for none
+    const char16_t* meaning;
 };
 
 // All words but the nameless function of a pair of parentheses: functions first, since they are

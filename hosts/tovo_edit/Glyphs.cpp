@@ -15,7 +15,7 @@ constexpr wchar_t kReplacement = L'\uFFFD';
 wchar_t CharacterAt(WideView text, std::size_t pos, std::size_t& length)
 {
     length = 1;
-    const WCHAR first = text[pos];
+    const char16_t first = text[pos];
     if (!IsHighSurrogate(first))
         return IsLowSurrogate(first) ? kReplacement : static_cast<wchar_t>(first);
     if (pos + 1 == text.size() || !IsLowSurrogate(text[pos + 1]))

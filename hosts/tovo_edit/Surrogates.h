@@ -5,12 +5,12 @@
 
 // A character beyond the first 65536 is two 16-bit characters, a high surrogate and a low one.
 
-inline bool IsHighSurrogate(WCHAR character)
+inline bool IsHighSurrogate(char16_t character)
 {
     return character >= 0xD800 && character < 0xDC00;
 }
 
-inline bool IsLowSurrogate(WCHAR character)
+inline bool IsLowSurrogate(char16_t character)
 {
     return character >= 0xDC00 && character < 0xE000;
 }

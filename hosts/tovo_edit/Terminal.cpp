@@ -151,10 +151,10 @@ Key KeyOfCharacter(wint_t character)
 CString TextOf(wint_t character)
 {
     if (character < 0x10000)
-        return CString(static_cast<WCHAR>(character));
+        return CString(static_cast<char16_t>(character));
     const wint_t rest = character - 0x10000;
-    return CString(static_cast<WCHAR>(0xD800 + (rest >> 10))) +
-           static_cast<WCHAR>(0xDC00 + (rest & 0x3FF));
+    return CString(static_cast<char16_t>(0xD800 + (rest >> 10))) +
+           static_cast<char16_t>(0xDC00 + (rest & 0x3FF));
 }
 
 // The wheel moves as the arrow keys do. A release means nothing here.

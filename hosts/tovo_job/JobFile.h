@@ -12,9 +12,9 @@
 // calculated is for the library to say.
 
 // The names under which a user gives the job values.
-inline constexpr const WCHAR* kDuration = u"DURATION";
-inline constexpr const WCHAR* kJobSize = u"JOBSIZE";
-inline constexpr const WCHAR* kQuantity = u"QUANTITY";
+inline constexpr const char16_t* kDuration = u"DURATION";
+inline constexpr const char16_t* kJobSize = u"JOBSIZE";
+inline constexpr const char16_t* kQuantity = u"QUANTITY";
 
 struct VariableEntry {
     CString name;

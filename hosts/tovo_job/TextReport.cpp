@@ -127,7 +127,7 @@ std::string CellContentText(const TableFacts& table, const TextManner& manner)
     const CString& name = table.cellContent.name;
     if (name.IsEmpty())
         return ValueText(table.cellContent, manner);
-    const WCHAR kind = table.cell[0];
+    const char16_t kind = table.cell[0];
     return (kind == u'V' ? "variable " : kind == u'F' ? "formula " : "table ") + Printable(name);
 }
 

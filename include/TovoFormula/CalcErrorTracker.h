@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_CALCERRORTRACKER_H
 #define TOVOFORMULA_CALCERRORTRACKER_H
 
+#include <TovoFormula/Export.h>
 #include <TovoPlatform/Collections.h>
 
 namespace tovo::detail {
@@ -13,7 +14,7 @@ class ChainMark;
 // A passive record for the host: it is meaningful right after an operation has failed, and a later
 // success does not clear it. Does not own: the objects, which may be gone while they are recorded.
 // So GetObj serves only to tell apart objects that the caller knows to live; GetStr is always safe.
-class TOVO_API CCalcErrorTracker {
+class TOVO_FORMULA_API CCalcErrorTracker {
 public:
     CCalcErrorTracker();
     virtual ~CCalcErrorTracker();

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include <TovoFormula/Export.h>
 #include <TovoFormula/FmlaExprBase.h>
 
 // What an operand holds. Hosts store these numbers: never renumber.
@@ -24,7 +25,7 @@ enum OPERAND_KIND {
 //
 // Owns: its expression. Belongs to one caller at a time. Every Load replaces what was there and
 // checks no text.
-class TOVO_API CalcOpBase : public CObject {
+class TOVO_FORMULA_API CalcOpBase : public CObject {
 public:
     CalcOpBase();
     ~CalcOpBase() override;

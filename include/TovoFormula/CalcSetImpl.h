@@ -4,6 +4,7 @@
 #include <memory>
 
 #include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/Export.h>
 #include <TovoPlatform/Collections.h>
 
 class FormulaImpl;
@@ -23,7 +24,7 @@ struct StockObjects;
 // Owns: its maps, its tracker and the variables it made up. Does not own: what the host added,
 // which must live while the set is used. A copy shares the maps and the tracker with its source;
 // what they hold lives as long as the last of them. Belongs to one thread at a time.
-class TOVO_API CalcSetImpl : public ICalculationSet {
+class TOVO_FORMULA_API CalcSetImpl : public ICalculationSet {
 public:
     CalcSetImpl();
     CalcSetImpl(const CalcSetImpl& other);

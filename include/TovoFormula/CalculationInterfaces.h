@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_CALCULATIONINTERFACES_H
 #define TOVOFORMULA_CALCULATIONINTERFACES_H
 
+#include <TovoFormula/Export.h>
 #include <TovoPlatform/WideString.h>
 
 class CCalcErrorTracker;
@@ -36,7 +37,7 @@ enum VALUETYPE {
 };
 
 // A named value.
-struct TOVO_API IVarObj {
+struct TOVO_FORMULA_API IVarObj {
     virtual ~IVarObj();
 
     // The object's own member, which lives as long as the object.
@@ -58,7 +59,7 @@ struct TOVO_API IVarObj {
 };
 
 // A named expression.
-struct TOVO_API IFormulaObj {
+struct TOVO_FORMULA_API IFormulaObj {
     virtual ~IFormulaObj();
 
     virtual CString& GetName() = 0;
@@ -87,7 +88,7 @@ struct TOVO_API IFormulaObj {
 
 // A named table that picks one of its cells. Operations of a name that IFormulaObj has too mean the
 // same here.
-struct TOVO_API IFormulaTableObj {
+struct TOVO_FORMULA_API IFormulaTableObj {
     virtual ~IFormulaTableObj();
 
     virtual CString& GetName() = 0;
@@ -103,7 +104,7 @@ struct TOVO_API IFormulaTableObj {
 };
 
 // The name space of a job, its three job values, and its choices.
-struct TOVO_API ICalculationSet {
+struct TOVO_FORMULA_API ICalculationSet {
     virtual ~ICalculationSet();
 
     // The variable of that name. Null makes a token fail, without a message. The library passes 1

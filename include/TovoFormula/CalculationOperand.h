@@ -3,6 +3,7 @@
 
 #include <TovoFormula/CalcOpBase.h>
 #include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/Export.h>
 
 class CFmlaExpression;
 class CScannedVariables;
@@ -15,7 +16,7 @@ class CScannedVariables;
 // makes them answer false with 6602 or 6603, while what the operand shows is still its name.
 //
 // Does not own: the set, which must outlive it, and the object that a name stands for.
-class TOVO_API CalculationOperand : public CalcOpBase {
+class TOVO_FORMULA_API CalculationOperand : public CalcOpBase {
 public:
     explicit CalculationOperand(ICalculationSet& calcSet);
     ~CalculationOperand() override;

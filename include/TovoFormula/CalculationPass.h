@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_CALCULATIONPASS_H
 #define TOVOFORMULA_CALCULATIONPASS_H
 
+#include <TovoFormula/Export.h>
 #include <TovoPlatform/Types.h>
 
 // Holds one pass open from construction to destruction, for any number of calls on this thread.
@@ -18,7 +19,7 @@
 //
 // Passes nest; the outermost one counts. One thread: destroy it where it was made, in reverse
 // order.
-class TOVO_API CalculationPass {
+class TOVO_FORMULA_API CalculationPass {
 public:
     [[nodiscard]] CalculationPass();
     ~CalculationPass();

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include <TovoFormula/Export.h>
 #include <TovoFormula/TokenCodes.h>
 #include <TovoPlatform/Object.h>
 #include <TovoPlatform/WideString.h>
@@ -20,7 +21,7 @@ struct MathResult;
 // Owned by the tree node that holds it. Does not own: the calculation set, which must outlive it.
 // Belongs to the thread of its set. A position counts 16-bit characters of the expression's text. A
 // yes/no value is 1.0 or 0.0. Operations that answer int give 1 or 0 unless they say otherwise.
-class TOVO_API CExprToken : public CObject {
+class TOVO_FORMULA_API CExprToken : public CObject {
 public:
     // The columns of the catalogue. A code outside 0 to 54 is answered from the row of TOK_ILLEGAL.
     static int GetTokCodeNameId(int code);

@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_EXPRTREE_H
 #define TOVOFORMULA_EXPRTREE_H
 
+#include <TovoFormula/Export.h>
 #include <TovoFormula/Tree.h>
 #include <TovoPlatform/Collections.h>
 
@@ -22,7 +23,7 @@ class TreeWork;
 //
 // Owns: all nodes and tokens. Does not own: the set. One thread; no locks. A failure is answered
 // with 0, the message id in GetMsg and the object at fault in the set's tracker; nothing is thrown.
-class TOVO_API CExprTree : public CObject {
+class TOVO_FORMULA_API CExprTree : public CObject {
 public:
     explicit CExprTree(ICalculationSet& calcSet);
     ~CExprTree() override;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include <TovoFormula/Export.h>
 #include <TovoFormula/ExpressionNames.h>
 #include <TovoFormula/TokenCodes.h>
 #include <TovoPlatform/Collections.h>
@@ -48,7 +49,7 @@ struct Translation;
 // is none. An index counts references in table order from 0. A message id is 0 for none. The class
 // belongs to one thread at a time; the token names are shared by all threads. Operations that
 // answer int as a yes or no give 1 or 0.
-class TOVO_API CFmlaExprBase : public CObject {
+class TOVO_FORMULA_API CFmlaExprBase : public CObject {
 public:
     CFmlaExprBase();
     CFmlaExprBase(const CFmlaExprBase& other);
@@ -190,11 +191,11 @@ protected:
     void SetVarPos(int index, int pos);
 
     // 1 for A to Z, the letters of a word of the language.
-    int IsValidFunctionCharacter(WCHAR character) const;
+    int IsValidFunctionCharacter(char16_t character) const;
     // 1 for the user's list separator, if that is one character, and for the four signs of
     // arithmetic; the second also for a blank.
-    int IsDelm(WCHAR character) const;
-    int IsDelmOrSpace(WCHAR character) const;
+    int IsDelm(char16_t character) const;
+    int IsDelmOrSpace(char16_t character) const;
     // 1 if the token's name differs between the languages.
     int TokenNeedsTranslation(int code) const;
 

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include <TovoFormula/Export.h>
 #include <TovoFormula/ExprTree.h>
 #include <TovoFormula/FmlaExprBase.h>
 
@@ -27,7 +28,7 @@ struct ExpressionState;
 // change of its text counts from the next check on; checking or calculating it again from there is
 // refused with 6608. If something throws meanwhile, the expression has its former tree, value,
 // message and invalid position again.
-class TOVO_API CFmlaExpression : public CFmlaExprBase {
+class TOVO_FORMULA_API CFmlaExpression : public CFmlaExprBase {
 public:
     explicit CFmlaExpression(ICalculationSet& calcSet);
     // The same set, text, table, invalid position and scan position; no tree, no message.

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include <TovoFormula/Export.h>
 #include <TovoPlatform/Object.h>
 #include <TovoPlatform/WideString.h>
 
@@ -16,7 +17,7 @@ struct IVarObj;
 // A constant is kept as a text in thousandths: "12500" stands for 12.5. Its form to store is the
 // combined string: the kind's letter and the name ("VHeight"), or the thousandths as a number.
 // Names are looked up at each use. Does not own: the set. Operations that answer int give 1 or 0.
-class TOVO_API CFormtblElem : public CObject {
+class TOVO_FORMULA_API CFormtblElem : public CObject {
 public:
     explicit CFormtblElem(ICalculationSet& calcSet);
     CFormtblElem(const CString& combined, ICalculationSet& calcSet);
@@ -44,8 +45,8 @@ public:
     void XSetName(const CString& text);
     CString XGetName() const;
     // The kind: u'V', u'F', u'T', or 0 for a constant or an empty element. Not checked.
-    void SetType(WCHAR type);
-    WCHAR GetType() const { return m_Type; }
+    void SetType(char16_t type);
+    char16_t GetType() const { return m_Type; }
     void ClearAll();
 
     int isFormula() const;
@@ -77,7 +78,7 @@ private:
 
 protected:
     int m_Valid = 0; // 1 once the element was given content
-    WCHAR m_Type = 0;
+    char16_t m_Type = 0;
     CString m_Name;
     ICalculationSet* m_CalcSet; // never null, not owned
 

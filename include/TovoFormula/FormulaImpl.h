@@ -5,6 +5,7 @@
 #include <string>
 
 #include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/Export.h>
 #include <TovoFormula/FmlaExpression.h>
 
 namespace tovo::detail {
@@ -17,7 +18,7 @@ struct StockObjects;
 // The three flags are the host's: the library writes none of them. Each Calculate of a host
 // validates and calculates afresh; within it, a formula that is named in several places is
 // validated and calculated once, as long as nothing changes that it rests on.
-class TOVO_API FormulaImpl : public CObject, public IFormulaObj {
+class TOVO_FORMULA_API FormulaImpl : public CObject, public IFormulaObj {
 public:
     // The set must outlive every calculation. A null pointer throws CInvalidArgException.
     explicit FormulaImpl(ICalculationSet* calcSet);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/Export.h>
 #include <TovoFormula/FormtblElem.h>
 #include <TovoPlatform/Collections.h>
 
@@ -21,7 +22,7 @@
 // 6608.
 //
 // Owns: its cells. An index outside the table throws a CInvalidArgException that names it.
-class TOVO_API FormulaTableImpl : public CObject, public IFormulaTableObj {
+class TOVO_FORMULA_API FormulaTableImpl : public CObject, public IFormulaTableObj {
 public:
     // Requires: a set, at least 2 rows and 1 column, and fewer than 2^31 cells, else
     // CInvalidArgException. A lookup reaches no further than row or column 32767 and throws there.
@@ -91,7 +92,7 @@ private:
     int ValidateAll(unsigned int& message, int nested);
     int CalculateAfresh(unsigned int& message, CScannedVariables* list);
     int ValidateLimits(unsigned int& message);
-    int ValidateSelector(CFormtblElem& selector, const WCHAR* text, unsigned int& message,
+    int ValidateSelector(CFormtblElem& selector, const char16_t* text, unsigned int& message,
                          int nested);
     int ValidateCells(unsigned int& message, int nested);
     int CalculateSelectors(unsigned int& message, CScannedVariables* list);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 
+#include <TovoFormula/Export.h>
 #include <TovoPlatform/StringResources.h>
 #include <TovoPlatform/WideString.h>
 
@@ -22,7 +23,7 @@ struct UserLanguage;
 //
 // Made once and used by any number of scopes, on any threads. Copies share what they hold. What the
 // process has, by its modules and settings, has no part in it.
-class TOVO_API FormulaLanguage {
+class TOVO_FORMULA_API FormulaLanguage {
 public:
     // English, with "." and ",".
     FormulaLanguage();
@@ -55,7 +56,7 @@ private:
 // What an expression holds is not converted: within a scope, a text counts as one in its language.
 // Scopes nest, and the innermost counts. One thread: destroy it where it was made, in reverse
 // order. Costs no allocation.
-class TOVO_API LanguageScope {
+class TOVO_FORMULA_API LanguageScope {
 public:
     [[nodiscard]] explicit LanguageScope(const FormulaLanguage& language) noexcept;
     ~LanguageScope();
@@ -76,9 +77,9 @@ private:
 // Elements of tables need no conversion. Expressions that are not in the set, operands among them,
 // go through their encoded string in the same way. A text with a fault in a number is converted up
 // to that number. If memory runs out, all texts are as they were.
-TOVO_API void ConvertExpressions(CalcSetImpl& set, const FormulaLanguage& to);
+TOVO_FORMULA_API void ConvertExpressions(CalcSetImpl& set, const FormulaLanguage& to);
 // The same to the language that is in force after the change, for a host that changes that of the
 // process there. If the change throws, all texts are as they were.
-TOVO_API void ConvertExpressions(CalcSetImpl& set, const std::function<void()>& change);
+TOVO_FORMULA_API void ConvertExpressions(CalcSetImpl& set, const std::function<void()>& change);
 
 #endif

@@ -1,6 +1,7 @@
 #ifndef TOVOFORMULA_RTFDOCUMENT_H
 #define TOVOFORMULA_RTFDOCUMENT_H
 
+#include <TovoFormula/Export.h>
 #include <TovoFormula/FmlaExprBase.h>
 
 // A whole RTF document, written from its start to its end: expressions, text beside them, and
@@ -21,7 +22,7 @@
 //     file << document.GetRTFString().ToUtf8();
 //
 // A value type, for one thread at a time.
-class TOVO_API RtfDocument {
+class TOVO_FORMULA_API RtfDocument {
 public:
     // The size is in half-points and taken to the nearest that readers know, 1 to 3276. An empty
     // font name leaves the font to the reader; a semicolon in it is left out.
@@ -38,7 +39,7 @@ public:
     CString GetRTFString() const;
 
 private:
-    void AddRun(const WCHAR* style, WideView text);
+    void AddRun(const char16_t* style, WideView text);
 
     WideText m_Text;
     WideText m_RunStart; // every run repeats it, so that none depends on another

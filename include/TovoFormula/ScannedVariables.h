@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 
+#include <TovoFormula/Export.h>
 #include <TovoPlatform/Collections.h>
 
 namespace tovo::detail {
@@ -15,7 +16,7 @@ class BoundWork;
 //
 // Owns: its list, unless the caller brought one. Names are kept without trailing blanks and compare
 // exactly. The in-condition flags of a scan are with the variables and the set.
-class TOVO_API CScannedVariables {
+class TOVO_FORMULA_API CScannedVariables {
 public:
     // Uses the caller's list, which must outlive this object; names in it count as met.
     explicit CScannedVariables(CStringList& list);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 
+#include <TovoFormula/Export.h>
 #include <TovoFormula/ExprToken.h>
 #include <TovoPlatform/Collections.h>
 
@@ -14,7 +15,7 @@
 // A function that takes a node or gives a new one leaves it to the tree that it enters. An index
 // counts children from 0; a bad one throws CInvalidArgException where the operation does not say
 // otherwise. A twig is a node without children.
-class TOVO_API CTree : public CObject {
+class TOVO_FORMULA_API CTree : public CObject {
 public:
     // The node does not enter the parent's list by this.
     explicit CTree(CTree* parent = nullptr, CObject* data = nullptr);
@@ -77,7 +78,7 @@ private:
 
 // A node of an expression tree: every node is a CETree and its data is a CExprToken. The operations
 // of CTree's names mean the same.
-class TOVO_API CETree : public CTree {
+class TOVO_FORMULA_API CETree : public CTree {
 public:
     explicit CETree(CETree* parent = nullptr, CExprToken* data = nullptr);
     ~CETree() override;

@@ -2,6 +2,7 @@
 #define TOVOFORMULA_VARIABLEIMPL_H
 
 #include <TovoFormula/CalculationInterfaces.h>
+#include <TovoFormula/Export.h>
 #include <TovoPlatform/Object.h>
 
 namespace tovo::detail {
@@ -10,7 +11,7 @@ struct StockObjects;
 
 // The stock variable: a name, a value and a unit text. The host makes, names and owns it, and adds
 // it to a set, which finds it under the name that it had then.
-class TOVO_API VariableImpl : public CObject, public IVarObj {
+class TOVO_FORMULA_API VariableImpl : public CObject, public IVarObj {
 public:
     // The set is not kept. A null pointer throws CInvalidArgException.
     explicit VariableImpl(ICalculationSet* calcSet);

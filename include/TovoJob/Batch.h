@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/ObjectName.h>
 #include <TovoJob/Report.h>
@@ -57,7 +58,7 @@ struct BatchOptions {
 // A row in which one of them fails costs a good deal more, and is done on the caller's thread, in
 // the language that is in force there. Values and failures are those that the job would have. Never
 // changes: several threads may run it at once.
-class TOVO_API Batch {
+class TOVO_JOB_API Batch {
 public:
     // Refused for an input that is no variable or job value of the job or is named twice, for an
     // output that the job does not have, and for no outputs.

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Result.h>
 
 // Text of comma-separated values, as RFC 4180 describes it, read and written to the byte.
@@ -18,7 +19,7 @@ namespace tovo {
 // last record may lack its line end. A field in double quotes may hold commas, line ends, and
 // quotes that are doubled. A byte order mark in front of everything is passed over. Nothing else is
 // interpreted: blanks belong to their field.
-class TOVO_API CsvReader {
+class TOVO_JOB_API CsvReader {
 public:
     // The stream must outlive the reader. The name serves for messages.
     explicit CsvReader(std::istream& in, std::string name = "CSV");
@@ -56,7 +57,7 @@ private:
 };
 
 // Appends a record with LF as its line end. A field is put in quotes if it needs them.
-TOVO_API void AppendCsvRecord(std::string& text, std::span<const std::string> fields);
+TOVO_JOB_API void AppendCsvRecord(std::string& text, std::span<const std::string> fields);
 
 } // namespace tovo
 

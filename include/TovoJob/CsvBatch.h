@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <TovoJob/Batch.h>
+#include <TovoJob/Export.h>
 #include <TovoJob/ObjectName.h>
 #include <TovoJob/Result.h>
 
@@ -39,8 +40,9 @@ struct CsvBatchOptions {
 // value is left empty, and the last column, "fault", says why.
 //
 // The faults of the report count rows from 0, without the first record.
-TOVO_API Result<BatchReport> RunCsvBatch(const Job& job, std::istream& rows, std::ostream& results,
-                                         const CsvBatchOptions& options = {});
+TOVO_JOB_API Result<BatchReport> RunCsvBatch(const Job& job, std::istream& rows,
+                                             std::ostream& results,
+                                             const CsvBatchOptions& options = {});
 
 } // namespace tovo
 

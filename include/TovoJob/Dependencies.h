@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/Job.h>
 #include <TovoJob/ObjectName.h>
@@ -33,25 +34,25 @@ struct Dependency {
 
 // What an object depends on, in the order in which its text names it; what is further away comes
 // later. Empty for a name that nobody refers to or defines.
-TOVO_API std::vector<Dependency> Uses(const Job& job, const ObjectName& object,
-                                      Reach reach = Reach::Direct);
+TOVO_JOB_API std::vector<Dependency> Uses(const Job& job, const ObjectName& object,
+                                          Reach reach = Reach::Direct);
 // Who depends on an object: formulas, then tables, each in their order. The places are in them.
-TOVO_API std::vector<Dependency> UsedBy(const Job& job, const ObjectName& object,
-                                        Reach reach = Reach::Direct);
+TOVO_JOB_API std::vector<Dependency> UsedBy(const Job& job, const ObjectName& object,
+                                            Reach reach = Reach::Direct);
 
 // All formulas and tables, each after everything that it depends on. Those on rings, and those that
 // depend on one, are left out.
-TOVO_API std::vector<ObjectName> Order(const Job& job);
+TOVO_JOB_API std::vector<ObjectName> Order(const Job& job);
 // Rings of references, each as in Fault::ring.
-TOVO_API std::vector<std::vector<Place>> Rings(const Job& job);
+TOVO_JOB_API std::vector<std::vector<Place>> Rings(const Job& job);
 // The objects that no other one refers to: inputs without effect, and the job's results.
-TOVO_API std::vector<ObjectName> Unused(const Job& job);
+TOVO_JOB_API std::vector<ObjectName> Unused(const Job& job);
 
 // The job as a graph in the DOT language, from what is used to who uses it; dashed lines are uses
 // in conditions.
-TOVO_API std::string WriteGraph(const Job& job);
+TOVO_JOB_API std::string WriteGraph(const Job& job);
 // The same for one object and everything that it depends on.
-TOVO_API std::string WriteGraph(const Job& job, const ObjectName& object);
+TOVO_JOB_API std::string WriteGraph(const Job& job, const ObjectName& object);
 
 } // namespace tovo
 

@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/ObjectName.h>
 #include <TovoJob/Objects.h>
@@ -21,7 +22,7 @@ namespace tovo {
 using AnyObject = std::variant<Variable, Formula, Table>;
 
 // Its kind and name.
-TOVO_API ObjectName NameOf(const AnyObject& object);
+TOVO_JOB_API ObjectName NameOf(const AnyObject& object);
 
 // Puts in a new object, in front of the one that is at the position now, or last of its kind.
 struct AddObject {

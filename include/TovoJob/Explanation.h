@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/Job.h>
 #include <TovoJob/Objects.h>
@@ -60,12 +61,12 @@ struct Explanation {
 
 // Brings the job up to date and explains a value, or why there is none. Refused as UnknownName is
 // what the job does not have. What a later calculation changes is not told.
-TOVO_API Result<Explanation> Explain(Job& job, const ObjectName& object);
+TOVO_JOB_API Result<Explanation> Explain(Job& job, const ObjectName& object);
 
 // The explanation as lines of text, each part indented below what it is part of.
-TOVO_API std::string WriteText(const Explanation& explanation);
+TOVO_JOB_API std::string WriteText(const Explanation& explanation);
 // The same data as a JSON document, with positions in UTF-8 and in UTF-16.
-TOVO_API std::string WriteJson(const Explanation& explanation);
+TOVO_JOB_API std::string WriteJson(const Explanation& explanation);
 
 } // namespace tovo
 

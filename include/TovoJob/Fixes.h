@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <TovoJob/Edit.h>
+#include <TovoJob/Export.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/Job.h>
 #include <TovoJob/Span.h>
@@ -36,7 +37,7 @@ struct Fix {
 //
 // Costs as much as calculating, some dozen times, the object and what it depends on. Variables that
 // a host computes are not asked again.
-TOVO_API std::vector<Fix> FixesFor(const Fault& fault, const Job& job);
+TOVO_JOB_API std::vector<Fix> FixesFor(const Fault& fault, const Job& job);
 
 } // namespace tovo
 

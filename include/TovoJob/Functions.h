@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include <TovoJob/Export.h>
 #include <TovoPlatform/Types.h>
 
 namespace tovo {
@@ -34,9 +35,9 @@ struct FunctionInfo {
 };
 
 // All functions, by name.
-TOVO_API std::span<const FunctionInfo> Functions();
+TOVO_JOB_API std::span<const FunctionInfo> Functions();
 // The function of a token code; null if the code is none of a function that has a name.
-TOVO_API const FunctionInfo* FindFunction(int code);
+TOVO_JOB_API const FunctionInfo* FindFunction(int code);
 
 } // namespace tovo
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <TovoJob/Edit.h>
+#include <TovoJob/Export.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/ObjectList.h>
 #include <TovoJob/ObjectName.h>
@@ -40,7 +41,7 @@ struct Inside;
 // objects. All texts are UTF-8. Every change goes through Apply, and can be undone. What is refused
 // changes nothing. Belongs to one thread at a time; different jobs, copies among them, may be used
 // on different threads.
-class TOVO_API Job {
+class TOVO_JOB_API Job {
 public:
     explicit Job(const JobOptions& options = {});
     // A copy has the same objects and options, and no history of edits.

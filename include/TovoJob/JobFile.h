@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Job.h>
 #include <TovoJob/Result.h>
 
@@ -15,12 +16,12 @@ namespace tovo {
 // with what is wrong and where: name:line:column, or a JSON pointer. What is wrong with a formula,
 // or limits that do not rise, is for Calculate to say, so that an author can open the file and mend
 // it. The name serves for messages.
-TOVO_API Result<Job> ReadJob(std::string_view text, const std::string& name,
-                             const JobOptions& options = {});
+TOVO_JOB_API Result<Job> ReadJob(std::string_view text, const std::string& name,
+                                 const JobOptions& options = {});
 
 // The job as the text of a file of format version 2, always the same for the same content. What a
 // host computes, or has linked, is left out.
-TOVO_API std::string WriteJob(const Job& job);
+TOVO_JOB_API std::string WriteJob(const Job& job);
 
 // How to save.
 struct SaveOptions {
@@ -29,7 +30,7 @@ struct SaveOptions {
 };
 
 // A job together with the file that it was read from.
-class TOVO_API JobFile {
+class TOVO_JOB_API JobFile {
 public:
     // An empty job for a file that is not there yet.
     explicit JobFile(std::string path, const JobOptions& options = {});

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include <TovoJob/Export.h>
 #include <TovoPlatform/Types.h>
 
 namespace tovo {
@@ -47,17 +48,17 @@ inline ObjectName TableNamed(std::string name)
 }
 
 // Whether the name stands for a yes/no value.
-TOVO_API bool IsYesNoName(std::string_view name);
+TOVO_JOB_API bool IsYesNoName(std::string_view name);
 
 // "variable", "formula", "table" or "job value".
-TOVO_API std::string_view WordFor(Kind kind);
+TOVO_JOB_API std::string_view WordFor(Kind kind);
 
 // The object as a reference is written in a stored expression: V(Width), F(Edge), T(Rate), with a
 // backslash in front of each ")" and "\" of the name; a job value as its word.
-TOVO_API std::string WriteReference(const ObjectName& object);
+TOVO_JOB_API std::string WriteReference(const ObjectName& object);
 // Reads a whole text that is one reference to a variable, a formula or a table; nothing for any
 // other text.
-TOVO_API std::optional<ObjectName> ReadReference(std::string_view text);
+TOVO_JOB_API std::optional<ObjectName> ReadReference(std::string_view text);
 
 } // namespace tovo
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Result.h>
 
 namespace tovo {
@@ -20,8 +21,8 @@ struct ReplaceOptions {
 // Gives a file other content in one step: whatever happens meanwhile, the file is whole, the old
 // one or the new one, and on the disk when this returns. Its mode stays, its owner where that is
 // allowed, and a symbolic link goes on to lead to it. A file that is not there is made.
-TOVO_API Result<void> ReplaceFile(const std::string& path, std::string_view content,
-                                  const ReplaceOptions& options = {});
+TOVO_JOB_API Result<void> ReplaceFile(const std::string& path, std::string_view content,
+                                      const ReplaceOptions& options = {});
 
 } // namespace tovo
 

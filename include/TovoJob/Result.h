@@ -7,6 +7,7 @@
 #include <utility>
 #include <variant>
 
+#include <TovoJob/Export.h>
 #include <TovoPlatform/Types.h>
 
 namespace tovo {
@@ -35,7 +36,7 @@ struct Refusal {
 };
 
 // What Value() of a refused result throws.
-class TOVO_API Refused : public std::runtime_error {
+class TOVO_JOB_API Refused : public std::runtime_error {
 public:
     explicit Refused(Refusal refusal)
         : std::runtime_error(refusal.place.empty() ? refusal.text

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Fault.h>
 #include <TovoJob/ObjectName.h>
 #include <TovoJob/Report.h>
@@ -45,7 +46,7 @@ struct ScenarioReport {
 // What a host computes, or has linked, is asked once, while the snapshot is made; the answers stand
 // from then on, so no callback and no linked object is ever called on another thread. Requires: on
 // each thread that asks, the language that was in force where the snapshot was made.
-class TOVO_API Snapshot {
+class TOVO_JOB_API Snapshot {
 public:
     explicit Snapshot(const Job& job);
 

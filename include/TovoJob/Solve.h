@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/ObjectName.h>
 #include <TovoJob/Result.h>
 
@@ -40,9 +41,9 @@ struct Solution {
 // Refused as NoSolution, in words with numbers, if no step takes the value past the target, if the
 // value jumps over it, as a rounded one does, or if the formula has no value anywhere in the range;
 // as UnknownName or BadValue if the question makes no sense.
-TOVO_API Result<Solution> Solve(const Job& job, const ObjectName& formula, double target,
-                                const ObjectName& variable, Range range,
-                                const SolveOptions& options = {});
+TOVO_JOB_API Result<Solution> Solve(const Job& job, const ObjectName& formula, double target,
+                                    const ObjectName& variable, Range range,
+                                    const SolveOptions& options = {});
 
 } // namespace tovo
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include <TovoJob/Export.h>
 #include <TovoJob/Functions.h>
 #include <TovoJob/Job.h>
 #include <TovoJob/ObjectName.h>
@@ -55,7 +56,7 @@ struct TypedExpression {
 // "F(name)" or "T(name)" that of a variable, a formula or a table. A text that TextOf returned
 // resolves to the same expression if its names are not ambiguous. Only names and words are looked
 // at; what else is wrong is a fault of the formula. Refused: a text of more than 65,535 characters.
-TOVO_API Result<TypedExpression> ResolveTyped(std::string_view text, const Job& job);
+TOVO_JOB_API Result<TypedExpression> ResolveTyped(std::string_view text, const Job& job);
 
 // What can be typed at a place.
 enum class CompletionKind {
@@ -95,8 +96,9 @@ struct CompletionOptions {
 // The names, functions and words that fit at the cursor, a byte offset. Those that begin with what
 // was typed come first, the longest beginning in front; then those that contain it. Among equals,
 // variables, formulas and tables come in their order, then words.
-TOVO_API std::vector<Completion> Complete(std::string_view text, std::size_t cursor, const Job& job,
-                                          const CompletionOptions& options = {});
+TOVO_JOB_API std::vector<Completion> Complete(std::string_view text, std::size_t cursor,
+                                              const Job& job,
+                                              const CompletionOptions& options = {});
 
 // The function that the cursor is in.
 struct Signature {
@@ -110,8 +112,8 @@ struct Signature {
 };
 
 // The innermost function whose arguments are around the cursor, a byte offset; none outside of all.
-TOVO_API std::optional<Signature> SignatureAt(std::string_view text, std::size_t cursor,
-                                              const Job& job);
+TOVO_JOB_API std::optional<Signature> SignatureAt(std::string_view text, std::size_t cursor,
+                                                  const Job& job);
 
 } // namespace tovo
 

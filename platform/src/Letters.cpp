@@ -115,7 +115,7 @@ static_assert(AreInOrder(), "a binary search needs the ranges in order and apart
 
 } // namespace
 
-bool tovo::IsAlphabetic(WCHAR character)
+bool tovo::IsAlphabetic(char16_t character)
 {
     const auto code = static_cast<std::uint16_t>(character);
     const auto* const range =

@@ -8,7 +8,7 @@ namespace tovo {
 // The text of that id: the thread's own, else from the newest module on the chain that has it; null
 // if none has. The text
 // stays good when its module leaves the chain.
-const WCHAR* FindStringResource(UINT id);
+const char16_t* FindStringResource(UINT id);
 
 } // namespace tovo
 

@@ -17,10 +17,10 @@
 
 namespace {
 
-constexpr WCHAR kPoint = '.';
-constexpr WCHAR kComma = ',';
-constexpr WCHAR kApostrophe = '\'';
-constexpr WCHAR kTypographicApostrophe = 0x2019;
+constexpr char16_t kPoint = '.';
+constexpr char16_t kComma = ',';
+constexpr char16_t kApostrophe = '\'';
+constexpr char16_t kTypographicApostrophe = 0x2019;
 
 constexpr int kMaxDecimals = 15; // what a double holds
 constexpr int kMaxErrorTextLength = 1028;
@@ -32,20 +32,20 @@ constexpr std::int64_t kLargestOrder = std::numeric_limits<double>::max_exponent
 constexpr std::int64_t kSmallestOrder = -324; // of half the smallest positive double
 
 // The run-time library's answer would depend on the locale of the process.
-bool IsDigit(WCHAR character)
+bool IsDigit(char16_t character)
 {
     return character >= '0' && character <= '9';
 }
 
-bool IsSign(WCHAR character)
+bool IsSign(char16_t character)
 {
     return character == '-' || character == '+';
 }
 
 // Zero behind the end, which is no part of any number.
-WCHAR CharacterAt(WideView text, std::size_t at)
+char16_t CharacterAt(WideView text, std::size_t at)
 {
-    return at < text.size() ? text[at] : WCHAR();
+    return at < text.size() ? text[at] : char16_t();
 }
 
 std::size_t EndOfDigits(WideView text, std::size_t at)
@@ -70,7 +70,7 @@ WideView WithoutBlanksInFront(WideView text)
 
 void AppendDigits(std::string& digits, WideView part)
 {
-    for (const WCHAR digit : part)
+    for (const char16_t digit : part)
         digits += static_cast<char>(digit);
 }
 
@@ -79,7 +79,7 @@ std::int64_t ReadWhole(WideView text, std::int64_t limit)
 {
     const std::size_t start = EndOfSign(text, 0);
     std::int64_t value = 0;
-    for (const WCHAR digit : text.substr(start, EndOfDigits(text, start) - start))
+    for (const char16_t digit : text.substr(start, EndOfDigits(text, start) - start))
         value = std::min(value * kBase + (digit - '0'), limit);
     return CharacterAt(text, 0) == '-' ? -value : value;
 }
@@ -97,14 +97,14 @@ struct Decimal {
     std::int64_t order = 0;
 };
 
-Decimal ReadDecimal(WideView text, WCHAR decimalSeparator)
+Decimal ReadDecimal(WideView text, char16_t decimalSeparator)
 {
     Decimal number;
     const std::size_t wholeEnd = EndOfDigits(text, 0);
     AppendDigits(number.digits, text.substr(0, wholeEnd));
 
     std::size_t end = wholeEnd;
-    const WCHAR separator = CharacterAt(text, wholeEnd);
+    const char16_t separator = CharacterAt(text, wholeEnd);
     if (end < text.size() && (separator == kPoint || separator == decimalSeparator)) {
         end = EndOfDigits(text, wholeEnd + 1);
         AppendDigits(number.digits, text.substr(wholeEnd + 1, end - wholeEnd - 1));
@@ -159,7 +159,7 @@ double DoubleOf(Decimal number)
     return value;
 }
 
-WCHAR UserDecimalSeparator()
+char16_t UserDecimalSeparator()
 {
     const CString separator = GetLocaleSetting(LOCALE_SDECIMAL, ".");
     return separator.GetLength() == 1 ? separator[0] : kPoint;
@@ -171,10 +171,10 @@ int CountOfDecimals(unsigned int decimals)
 }
 
 // The separator may itself be a character that otherwise serves the eye only.
-WideText WithoutOrnaments(WideView text, WCHAR decimalSeparator)
+WideText WithoutOrnaments(WideView text, char16_t decimalSeparator)
 {
     WideText bare(text);
-    std::erase_if(bare, [decimalSeparator](WCHAR character) {
+    std::erase_if(bare, [decimalSeparator](char16_t character) {
         const bool isOrnament = tovo::IsWhiteSpace(character) || character == kApostrophe ||
                                 character == kTypographicApostrophe;
         return isOrnament && character != decimalSeparator;
@@ -190,11 +190,11 @@ struct NumberPlaces {
 };
 
 // Without groups the first separator is the decimal one, and a second one ends the number.
-NumberPlaces FindDisplayedPlaces(WideView text, WCHAR decimalSeparator)
+NumberPlaces FindDisplayedPlaces(WideView text, char16_t decimalSeparator)
 {
     const std::size_t start = EndOfSign(text, 0);
     const std::size_t wholeEnd = EndOfDigits(text, start);
-    const WCHAR separator = CharacterAt(text, wholeEnd);
+    const char16_t separator = CharacterAt(text, wholeEnd);
     const bool hasDecimals =
         wholeEnd < text.size() && (separator == kPoint || separator == decimalSeparator);
     return {start, hasDecimals ? EndOfDigits(text, wholeEnd + 1) : wholeEnd, wholeEnd};
@@ -210,9 +210,9 @@ bool StandsBehindThousands(WideView number, std::size_t at)
 }
 
 // The number consists of digits and separators. Gives its size, if it has no decimal separator.
-std::size_t FindTypedDecimal(WideView number, WCHAR decimalSeparator)
+std::size_t FindTypedDecimal(WideView number, char16_t decimalSeparator)
 {
-    const auto isSeparator = [](WCHAR character) { return !IsDigit(character); };
+    const auto isSeparator = [](char16_t character) { return !IsDigit(character); };
     const auto found = std::find_if(number.rbegin(), number.rend(), isSeparator);
     if (found == number.rend())
         return number.size();
@@ -226,10 +226,10 @@ std::size_t FindTypedDecimal(WideView number, WCHAR decimalSeparator)
 }
 
 // With groups every separator belongs to the number, so all are looked at before one is chosen.
-NumberPlaces FindTypedPlaces(WideView text, WCHAR decimalSeparator)
+NumberPlaces FindTypedPlaces(WideView text, char16_t decimalSeparator)
 {
     const std::size_t start = EndOfSign(text, 0);
-    const auto isOther = [decimalSeparator](WCHAR character) {
+    const auto isOther = [decimalSeparator](char16_t character) {
         return !IsDigit(character) && character != kPoint && character != kComma &&
                character != decimalSeparator;
     };
@@ -250,7 +250,7 @@ void DropZerosBehindPoint(WideText& number)
 
 // Writes the digits between the places with "." for the decimal separator and no other one. A text
 // without a digit there is no number and stays.
-WideText CleanNumber(WideView text, const NumberPlaces& places, WCHAR decimalSeparator)
+WideText CleanNumber(WideView text, const NumberPlaces& places, char16_t decimalSeparator)
 {
     WideText number;
     for (std::size_t at = places.start; at < places.end; ++at) {
@@ -264,7 +264,7 @@ WideText CleanNumber(WideView text, const NumberPlaces& places, WCHAR decimalSep
 
     // One more separator ends the number, and must not come to stand behind its whole part.
     const WideView rest = text.substr(places.end);
-    const WCHAR next = CharacterAt(rest, 0);
+    const char16_t next = CharacterAt(rest, 0);
     if (rest.empty() || (next != kPoint && next != decimalSeparator))
         DropZerosBehindPoint(number);
     if (number.empty())
@@ -281,7 +281,7 @@ bool RoundDigits(WideText& digits, std::int64_t kept)
     std::fill(digits.begin() + static_cast<std::ptrdiff_t>(at), digits.end(), '0');
     while (carries && at-- > 0) {
         carries = digits[at] == '9';
-        digits[at] = static_cast<WCHAR>(carries ? '0' : digits[at] + 1);
+        digits[at] = static_cast<char16_t>(carries ? '0' : digits[at] + 1);
     }
     if (carries)
         digits.insert(0, 1, '1');
@@ -291,7 +291,7 @@ bool RoundDigits(WideText& digits, std::int64_t kept)
 // Leaves a number alone that has no more decimals. A rounded one is written without groups and with
 // the user's separator, so that every reader takes it for the same number.
 WideText RoundedNumber(WideView text, const NumberPlaces& places, int decimals,
-                       WCHAR decimalSeparator)
+                       char16_t decimalSeparator)
 {
     WideText digits;
     std::size_t whole = 0; // digits in front of the decimal separator
@@ -320,12 +320,12 @@ WideText RoundedNumber(WideView text, const NumberPlaces& places, int decimals,
 
 namespace tovo {
 
-double ParseDouble(const CString& text, WCHAR decimalSeparator)
+double ParseDouble(const CString& text, char16_t decimalSeparator)
 {
     return ParseDouble(text.View(), decimalSeparator);
 }
 
-double ParseDouble(WideView text, WCHAR decimalSeparator)
+double ParseDouble(WideView text, char16_t decimalSeparator)
 {
     const WideView number = WithoutBlanksInFront(text);
     // Zero has no sign: a person who reads or writes numbers makes no difference there.
@@ -367,7 +367,7 @@ void ftoa(double value, CString& text, short decimals)
 
 int FormatNumString(CString& text, int, unsigned int decimals, int)
 {
-    const WCHAR separator = UserDecimalSeparator();
+    const char16_t separator = UserDecimalSeparator();
     const WideText bare = WithoutOrnaments(text.View(), separator);
     const NumberPlaces places = FindTypedPlaces(bare, separator);
     text = CString(RoundedNumber(bare, places, CountOfDecimals(decimals), separator));
@@ -385,14 +385,14 @@ int FloatToNumString(double value, CString& text, int, unsigned int decimals, in
 
 void CleanNumericString(CString& text, int)
 {
-    const WCHAR separator = UserDecimalSeparator();
+    const char16_t separator = UserDecimalSeparator();
     const WideText bare = WithoutOrnaments(text.View(), separator);
     text = CString(CleanNumber(bare, FindDisplayedPlaces(bare, separator), separator));
 }
 
 void CleanIntlNumericString(CString& text, int)
 {
-    const WCHAR separator = UserDecimalSeparator();
+    const char16_t separator = UserDecimalSeparator();
     const WideText bare = WithoutOrnaments(text.View(), separator);
     text = CString(CleanNumber(bare, FindTypedPlaces(bare, separator), separator));
 }

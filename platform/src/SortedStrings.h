@@ -20,7 +20,7 @@ inline std::vector<AfxStringResource> SortedById(std::span<const AfxStringResour
 
 // The first text of that id; null if there is none. A text missing from a record that a host filled
 // by hand counts as no entry.
-inline const WCHAR* FindById(std::span<const AfxStringResource> sorted, UINT id)
+inline const char16_t* FindById(std::span<const AfxStringResource> sorted, UINT id)
 {
     const auto found = std::ranges::lower_bound(sorted, id, {}, &AfxStringResource::id);
     return found != sorted.end() && found->id == id ? found->text : nullptr;

@@ -73,14 +73,14 @@ CDynLinkLibrary::~CDynLinkLibrary()
     std::erase_if(chain.value, [this](const Link& link) { return link.owner == this; });
 }
 
-const WCHAR* tovo::FindStringResource(UINT id)
+const char16_t* tovo::FindStringResource(UINT id)
 {
     const ThreadTexts* const own = ThreadTexts::InForce();
-    if (const WCHAR* const text = own ? own->FindString(id) : nullptr)
+    if (const char16_t* const text = own ? own->FindString(id) : nullptr)
         return text;
     const std::lock_guard lock(tovo::ResourceLock());
     for (auto link = chain.value.rbegin(); link != chain.value.rend(); ++link) {
-        if (const WCHAR* const text = FindById(link->table, id))
+        if (const char16_t* const text = FindById(link->table, id))
             return text;
     }
     return nullptr;

@@ -16,7 +16,7 @@ ThreadTexts::ThreadTexts(std::span<const AfxStringResource> strings,
     : m_Strings(SortedById(strings)), m_Settings(std::move(settings))
 {}
 
-const WCHAR* ThreadTexts::FindString(UINT id) const
+const char16_t* ThreadTexts::FindString(UINT id) const
 {
     return FindById(m_Strings, id);
 }

@@ -7,7 +7,7 @@ namespace tovo {
 
 // White space of any kind: blanks of every width, the ones that do not break a line included, and
 // the ends of lines.
-constexpr bool IsWhiteSpace(WCHAR character)
+constexpr bool IsWhiteSpace(char16_t character)
 {
     const auto code = static_cast<std::uint16_t>(character);
     if (code < 0x80)

@@ -93,12 +93,12 @@ Decoded DecodeUtf8(std::string_view rest)
 void AppendWide(WideText& text, char32_t codePoint)
 {
     if (codePoint < kFirstSupplementary) {
-        text += static_cast<WCHAR>(codePoint);
+        text += static_cast<char16_t>(codePoint);
         return;
     }
     const char32_t offset = codePoint - kFirstSupplementary;
-    text += static_cast<WCHAR>(kFirstSurrogate + (offset >> kSurrogateBits));
-    text += static_cast<WCHAR>(kFirstLowSurrogate + (offset & kSurrogateMask));
+    text += static_cast<char16_t>(kFirstSurrogate + (offset >> kSurrogateBits));
+    text += static_cast<char16_t>(kFirstLowSurrogate + (offset & kSurrogateMask));
 }
 
 WideText FromUtf8(std::string_view utf8)
@@ -189,16 +189,17 @@ int PositionOrNone(std::size_t found)
 CFormatArgument::CFormatArgument(int number) : CFormatArgument(CString(std::to_string(number)))
 {}
 
-CFormatArgument::CFormatArgument(const WCHAR* text) : m_Text(OrEmpty(text))
+CFormatArgument::CFormatArgument(const char16_t* text) : m_Text(OrEmpty(text))
 {}
 
 CFormatArgument::CFormatArgument(const CString& text) : m_Text(text.View())
 {}
 
-CString::CString(const WCHAR* text) : CString(OrEmpty(text))
+CString::CString(const char16_t* text) : CString(OrEmpty(text))
 {}
 
-CString::CString(WCHAR character, int count) : CString(WideText(Clip(count, kMaxLength), character))
+CString::CString(char16_t character, int count)
+    : CString(WideText(Clip(count, kMaxLength), character))
 {}
 
 CString::CString(WideView text) : CString(WideText(text))
@@ -231,19 +232,19 @@ std::string CString::ToUtf8() const
     return utf8;
 }
 
-const WCHAR* CString::GetString() const noexcept
+const char16_t* CString::GetString() const noexcept
 {
     // An empty string owns nothing that could be pointed to.
-    static constexpr WCHAR kNoCharacters = 0;
+    static constexpr char16_t kNoCharacters = 0;
     return m_Text ? m_Text->c_str() : &kNoCharacters;
 }
 
-WCHAR CString::operator[](int index) const
+char16_t CString::operator[](int index) const
 {
     return GetString()[RequireIndex(index, GetLength() + 1)];
 }
 
-void CString::SetAt(int index, WCHAR character)
+void CString::SetAt(int index, char16_t character)
 {
     const std::size_t at = RequireIndex(index, GetLength());
     Unshared()[at] = character;
@@ -285,7 +286,7 @@ int CString::Find(const CString& text, int start) const
     return PositionOrNone(View().find(text.View(), Clip(start, kMaxLength)));
 }
 
-int CString::Find(WCHAR character, int start) const
+int CString::Find(char16_t character, int start) const
 {
     return PositionOrNone(View().find(character, Clip(start, kMaxLength)));
 }
@@ -332,7 +333,7 @@ int CString::Delete(int index, int count)
 BOOL CString::LoadString(UINT id)
 {
     // The text outlives its module's presence, so it is copied without a lock.
-    const WCHAR* const text = tovo::FindStringResource(id);
+    const char16_t* const text = tovo::FindStringResource(id);
     if (!text)
         return 0;
     *this = CString(text);
@@ -351,21 +352,21 @@ CString& CString::operator+=(const CString& text)
     return *this;
 }
 
-CString& CString::operator+=(WCHAR character)
+CString& CString::operator+=(char16_t character)
 {
     RequireLength(View().size() + 1);
     Unshared() += character;
     return *this;
 }
 
-void CString::FormatList(const WCHAR* format, std::initializer_list<CFormatArgument> arguments)
+void CString::FormatList(const char16_t* format, std::initializer_list<CFormatArgument> arguments)
 {
     // Built apart, because the format may point into this string.
     WideText result;
     auto argument = arguments.begin();
     for (WideView rest = OrEmpty(format); !rest.empty();) {
         // A percent sign before anything else, or at the end, stands for itself.
-        const WCHAR place = rest.size() > 1 && rest[0] == '%' ? rest[1] : WCHAR();
+        const char16_t place = rest.size() > 1 && rest[0] == '%' ? rest[1] : char16_t();
         const bool isArgument = place == 's' || place == 'd';
         if (isArgument && argument != arguments.end())
             result += (argument++)->Text();
@@ -402,12 +403,12 @@ CString operator+(const CString& a, const CString& b)
     return CString(std::move(text.append(a.View()).append(b.View())));
 }
 
-CString operator+(const CString& a, WCHAR b)
+CString operator+(const CString& a, char16_t b)
 {
     return a + CString(b);
 }
 
-CString operator+(WCHAR a, const CString& b)
+CString operator+(char16_t a, const CString& b)
 {
     return CString(a) + b;
 }

@@ -7,7 +7,7 @@
 namespace tovo::detail {
 
 // What ends the name of a yes/no value. It alone says which kind an object is.
-inline constexpr WCHAR kYesNoMark = u'?';
+inline constexpr char16_t kYesNoMark = u'?';
 
 inline bool IsYesNoName(WideView name)
 {

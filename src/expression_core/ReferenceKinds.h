@@ -14,11 +14,11 @@ namespace tovo::detail {
 // renumber. A variable is never reported as missing.
 struct ReferenceKind {
     TOKEN_CODE code;
-    WCHAR letter;
+    char16_t letter;
     unsigned int notFound;
     unsigned int notFoundByOperand;
-    const WCHAR* missingLabel; // before the name, where an expression lacks the object
-    const WCHAR* label;        // before the name, where a table lacks it
+    const char16_t* missingLabel; // before the name, where an expression lacks the object
+    const char16_t* label;        // before the name, where a table lacks it
 };
 
 inline constexpr ReferenceKind kReferenceKinds[] = {
@@ -34,7 +34,7 @@ inline constexpr int kReferenceKindCount = static_cast<int>(std::size(kReference
 inline constexpr int kNoKind = -1;
 
 // The kind word that a letter of a stored text stands for.
-constexpr int KindOfLetter(WCHAR letter)
+constexpr int KindOfLetter(char16_t letter)
 {
     for (int kind = 0; kind < kReferenceKindCount; ++kind)
         if (kReferenceKinds[kind].letter == letter)

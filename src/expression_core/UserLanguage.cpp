@@ -7,7 +7,7 @@
 namespace tovo::detail {
 namespace {
 
-std::atomic<WCHAR> processDecimalSeparator{u'.'};
+std::atomic<char16_t> processDecimalSeparator{u'.'};
 
 bool AreEnglish(const CExpressionNames& names)
 {
@@ -25,13 +25,13 @@ UserLanguage::UserLanguage(std::shared_ptr<const CExpressionNames> loaded)
     : names(std::move(loaded)), areNamesEnglish(AreEnglish(*names))
 {}
 
-WCHAR LocalDecimalSeparator()
+char16_t LocalDecimalSeparator()
 {
     return HasOwnLanguage() ? NamesInForce()->GetAt(TOK_NUMBER)[0]
                             : processDecimalSeparator.load(std::memory_order_relaxed);
 }
 
-void SetProcessDecimalSeparator(WCHAR separator)
+void SetProcessDecimalSeparator(char16_t separator)
 {
     processDecimalSeparator.store(separator, std::memory_order_relaxed);
 }

@@ -34,8 +34,8 @@ inline const CExpressionNames* NamesInForce()
 
 // The decimal separator of texts in the language in force, "." at first. Whoever loads the names of
 // the process sets it, so that a number is read as it was scanned. Safe from any thread.
-WCHAR LocalDecimalSeparator();
-void SetProcessDecimalSeparator(WCHAR separator);
+char16_t LocalDecimalSeparator();
+void SetProcessDecimalSeparator(char16_t separator);
 
 } // namespace tovo::detail
 

@@ -11,7 +11,7 @@ using namespace tovo::detail;
 
 namespace {
 
-constexpr WCHAR kBlank = u' ';
+constexpr char16_t kBlank = u' ';
 
 // What a reference says of a position: it is the one looked for, or it ends the search, or the next
 // one may be it.

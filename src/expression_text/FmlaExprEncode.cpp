@@ -25,16 +25,16 @@ using namespace tovo::detail;
 
 namespace {
 
-constexpr WCHAR kEscape = u'\\';
-constexpr WCHAR kOpen = u'(';
-constexpr WCHAR kClose = u')';
+constexpr char16_t kEscape = u'\\';
+constexpr char16_t kOpen = u'(';
+constexpr char16_t kClose = u')';
 
 void AppendForm(WideText& encoded, WideView name, int kind)
 {
     if (kind >= 0 && kind < kReferenceKindCount)
         encoded += kReferenceKinds[kind].letter;
     encoded += kOpen;
-    for (const WCHAR character : name) {
+    for (const char16_t character : name) {
         if (character == kEscape || character == kClose)
             encoded += kEscape;
         encoded += character;
@@ -78,7 +78,7 @@ public:
     void Run()
     {
         while (m_Next < m_Rest.size()) {
-            const WCHAR character = m_Rest[m_Next];
+            const char16_t character = m_Rest[m_Next];
             if (character == kOpen && KindBefore() != kNoKind && TakeForm(KindBefore()))
                 continue;
             m_Text += m_Rest[m_Next++];

@@ -6,12 +6,12 @@ using namespace tovo::detail;
 
 namespace {
 
-constexpr const WCHAR* kHead = u"{\\rtf1\\ansi";
-constexpr const WCHAR* kFontTable = u"{\\fonttbl{\\f0\\fformula %s;}}";
-constexpr const WCHAR* kFont = u"\\f0";
-constexpr const WCHAR* kSize = u"\\f0\\fs%d";
-constexpr const WCHAR* kRunStart = u"\\plain";
-constexpr const WCHAR* kTail = u" \\par}";
+constexpr const char16_t* kHead = u"{\\rtf1\\ansi";
+constexpr const char16_t* kFontTable = u"{\\fonttbl{\\f0\\fformula %s;}}";
+constexpr const char16_t* kFont = u"\\f0";
+constexpr const char16_t* kSize = u"\\f0\\fs%d";
+constexpr const char16_t* kRunStart = u"\\plain";
+constexpr const char16_t* kTail = u" \\par}";
 
 CString Size(int halfPoints)
 {

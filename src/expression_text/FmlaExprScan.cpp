@@ -140,12 +140,12 @@ Spelling CFmlaExprBase::SpellingOf(TEXT_LANGUAGE language)
     return Spelling(HasOwnLanguage() ? *NamesInForce() : m_ExprNames);
 }
 
-int CFmlaExprBase::IsValidFunctionCharacter(WCHAR character) const
+int CFmlaExprBase::IsValidFunctionCharacter(char16_t character) const
 {
     return IsWordLetter(character) ? 1 : 0;
 }
 
-int CFmlaExprBase::IsDelm(WCHAR character) const
+int CFmlaExprBase::IsDelm(char16_t character) const
 {
     const Spelling spelling = SpellingOf(TL_LOCAL);
     for (const int code : {TOK_COMMA, TOK_PLUS, TOK_MINUS, TOK_TIMES, TOK_DIVIDE})
@@ -154,7 +154,7 @@ int CFmlaExprBase::IsDelm(WCHAR character) const
     return 0;
 }
 
-int CFmlaExprBase::IsDelmOrSpace(WCHAR character) const
+int CFmlaExprBase::IsDelmOrSpace(char16_t character) const
 {
     return character == u' ' || IsDelm(character) ? 1 : 0;
 }

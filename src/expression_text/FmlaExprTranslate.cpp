@@ -25,7 +25,7 @@ bool MayHaveFault(WideView text)
     constexpr int kFewDigits = 15;
     int digits = 0;
     int separators = 0;
-    for (const WCHAR character : text) {
+    for (const char16_t character : text) {
         const bool isDigit = character >= '0' && character <= '9';
         const bool isSeparator = character == '.';
         digits = isDigit || isSeparator ? digits + (isDigit ? 1 : 0) : 0;

@@ -11,18 +11,18 @@ using namespace tovo::detail;
 namespace {
 
 // One character stands in for each number that a reader does not know.
-constexpr const WCHAR* kHead = u"{\\rtf1\\ansi\\uc1\\deff0";
-constexpr const WCHAR* kFontTableStart = u"{\\fonttbl{\\f0\\fnil ";
-constexpr const WCHAR* kFontTableEnd = u";}}";
-constexpr const WCHAR* kRunStart = u"\\plain\\f0\\fs";
-constexpr const WCHAR* kTextStyle = u"\\cf0 ";
+constexpr const char16_t* kHead = u"{\\rtf1\\ansi\\uc1\\deff0";
+constexpr const char16_t* kFontTableStart = u"{\\fonttbl{\\f0\\fnil ";
+constexpr const char16_t* kFontTableEnd = u";}}";
+constexpr const char16_t* kRunStart = u"\\plain\\f0\\fs";
+constexpr const char16_t* kTextStyle = u"\\cf0 ";
 // Readers pass over line ends, people do not.
-constexpr const WCHAR* kParagraphEnd = u"\\par\n";
+constexpr const char16_t* kParagraphEnd = u"\\par\n";
 
 constexpr int kMaxFontSize = 3276; // in half-points
 
-constexpr WCHAR kFirstPrintable = u' ';
-constexpr WCHAR kLastPrintable = u'~';
+constexpr char16_t kFirstPrintable = u' ';
+constexpr char16_t kLastPrintable = u'~';
 
 void AppendNumber(WideText& text, int number)
 {
@@ -30,7 +30,7 @@ void AppendNumber(WideText& text, int number)
     text.append(digits.begin(), digits.end());
 }
 
-void AppendEscaped(WideText& document, WCHAR character)
+void AppendEscaped(WideText& document, char16_t character)
 {
     if (character == u'\\' || character == u'{' || character == u'}') {
         document.append({u'\\', character});
@@ -62,7 +62,7 @@ RtfDocument::RtfDocument(const CString& fontName, int fontSize)
     : m_Text(kHead), m_RunStart(kRunStart)
 {
     m_Text += kFontTableStart;
-    for (const WCHAR character : fontName.View())
+    for (const char16_t character : fontName.View())
         if (character != u';') // ends the name
             AppendEscaped(m_Text, character);
     m_Text += kFontTableEnd;
@@ -94,10 +94,10 @@ CString RtfDocument::GetRTFString() const
     return CString(m_Text + u"}\n");
 }
 
-void RtfDocument::AddRun(const WCHAR* style, WideView text)
+void RtfDocument::AddRun(const char16_t* style, WideView text)
 {
     m_Text += m_RunStart;
     m_Text += style;
-    for (const WCHAR character : text)
+    for (const char16_t character : text)
         AppendEscaped(m_Text, character);
 }

@@ -6,12 +6,12 @@
 namespace tovo::detail {
 
 // Black, blue, green, purple: the colour of literal text, then one for each kind of reference.
-inline constexpr const WCHAR* kRtfColourTable =
+inline constexpr const char16_t* kRtfColourTable =
     u"{\\colortbl\\red0\\green0\\blue0;\\red0\\green0\\blue255;\\red0\\green128\\blue0;"
     u"\\red128\\green0\\blue128;}";
 
-inline constexpr const WCHAR* kRtfLiteralStyle = u"\\cf0\\b ";
-inline constexpr const WCHAR* kRtfReferenceStyles[] = {
+inline constexpr const char16_t* kRtfLiteralStyle = u"\\cf0\\b ";
+inline constexpr const char16_t* kRtfReferenceStyles[] = {
     // indexed by the kind word
     u"\\cf1\\b\\ul ",
     u"\\cf2\\b\\ul ",
@@ -40,7 +40,7 @@ void ForEachRtfRun(WideView text, std::span<const Reference> references, Visit v
         visit(kNoKind, part(written, length));
 }
 
-inline const WCHAR* RtfStyleOf(int kind)
+inline const char16_t* RtfStyleOf(int kind)
 {
     return kind == kNoKind ? kRtfLiteralStyle : kRtfReferenceStyles[kind];
 }

@@ -29,7 +29,7 @@ public:
     }
     // The characters of a number, the decimal separator first.
     WideView NumberCharacters() const { return NameOf(TOK_NUMBER); }
-    WCHAR DecimalSeparator() const { return NumberCharacters().front(); }
+    char16_t DecimalSeparator() const { return NumberCharacters().front(); }
 
 private:
     const CString* m_Names = nullptr; // by code

@@ -34,7 +34,7 @@ int SignCode(const Spelling& spelling, WideView rest)
     return TOK_ILLEGAL;
 }
 
-unsigned int FaultIn(WideView number, WCHAR decimalSeparator)
+unsigned int FaultIn(WideView number, char16_t decimalSeparator)
 {
     const auto separators = std::count(number.begin(), number.end(), decimalSeparator);
     if (separators > 1)
@@ -76,7 +76,7 @@ TokenScanner::Outcome TokenScanner::Next()
         return TakeReference();
 
     // Digits come first: a list separator may be the same character as the decimal one.
-    const WCHAR next = CharacterAt(m_ScanPos);
+    const char16_t next = CharacterAt(m_ScanPos);
     if (m_Spelling.NumberCharacters().find(next) != WideView::npos)
         return TakeNumber(boundary);
     return IsWordLetter(next) ? TakeWord(boundary) : TakeSymbol();
@@ -99,7 +99,7 @@ TokenScanner::Outcome TokenScanner::TakeReference()
 TokenScanner::Outcome TokenScanner::TakeNumber(int boundary)
 {
     const WideView characters = m_Spelling.NumberCharacters();
-    const WideView number = RunUpTo(boundary, [characters](WCHAR character) {
+    const WideView number = RunUpTo(boundary, [characters](char16_t character) {
         return characters.find(character) != WideView::npos;
     });
     m_FaultMessage = FaultIn(number, m_Spelling.DecimalSeparator());

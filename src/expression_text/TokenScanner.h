@@ -37,7 +37,7 @@ public:
 private:
     int Length() const { return static_cast<int>(m_Characters.size()); }
     // Requires: a position in the text.
-    WCHAR CharacterAt(int position) const
+    char16_t CharacterAt(int position) const
     {
         return m_Characters[static_cast<std::size_t>(position)];
     }
@@ -63,7 +63,7 @@ private:
 };
 
 // The letters of a word of the language, in every language.
-constexpr bool IsWordLetter(WCHAR character)
+constexpr bool IsWordLetter(char16_t character)
 {
     return character >= u'A' && character <= u'Z';
 }

@@ -58,7 +58,7 @@ private:
     std::vector<Shift> m_Shifts; // ascending by position
 };
 
-WideText WithSeparator(WideView number, WCHAR from, WCHAR to)
+WideText WithSeparator(WideView number, char16_t from, char16_t to)
 {
     WideText result(number);
     std::replace(result.begin(), result.end(), from, to);
@@ -69,7 +69,7 @@ void TranslateToken(const TokenScanner& scanner, const Spelling& from, const Spe
                     Writer& writer)
 {
     const WideView token = scanner.TokenText();
-    const WCHAR separator = from.DecimalSeparator();
+    const char16_t separator = from.DecimalSeparator();
     if (scanner.TokenCode() == TOK_NUMBER && separator != to.DecimalSeparator())
         writer.Replace(scanner.TokenPos(), token,
                        WithSeparator(token, separator, to.DecimalSeparator()));

@@ -20,10 +20,10 @@ using namespace tovo::detail;
 namespace {
 
 // The kinds of a combined string: the letters of the references, and none.
-constexpr WCHAR kConstant = 0;
-constexpr WCHAR kVariable = kReferenceKinds[TOK_VARIABLE].letter;
-constexpr WCHAR kFormula = kReferenceKinds[TOK_FORMULA].letter;
-constexpr WCHAR kFormtbl = kReferenceKinds[TOK_FORMTBL].letter;
+constexpr char16_t kConstant = 0;
+constexpr char16_t kVariable = kReferenceKinds[TOK_VARIABLE].letter;
+constexpr char16_t kFormula = kReferenceKinds[TOK_FORMULA].letter;
+constexpr char16_t kFormtbl = kReferenceKinds[TOK_FORMTBL].letter;
 
 // No map has had this version, nor 0, when something was found in it.
 constexpr std::uint64_t kForGood = std::numeric_limits<std::uint64_t>::max();
@@ -143,7 +143,7 @@ CString CFormtblElem::XGetName() const
     return number;
 }
 
-void CFormtblElem::SetType(WCHAR type)
+void CFormtblElem::SetType(char16_t type)
 {
     Pass::NoteChange();
     m_KnownIn = 0;

@@ -89,7 +89,7 @@ int FormulaTableImpl::ValidateLimits(unsigned int& message)
     return 1;
 }
 
-int FormulaTableImpl::ValidateSelector(CFormtblElem& selector, const WCHAR* text,
+int FormulaTableImpl::ValidateSelector(CFormtblElem& selector, const char16_t* text,
                                        unsigned int& message, int nested)
 {
     if (ValidateElement(selector, message, nested))

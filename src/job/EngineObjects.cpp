@@ -37,7 +37,7 @@ CString CombinedString(const Element& element)
         CString operator()(bool yes) const { return yes ? u"1000" : u"0"; }
         CString operator()(const ObjectName& object) const
         {
-            return static_cast<WCHAR>(WriteReference({object.kind, ""})[0]) + Wide(object.name);
+            return static_cast<char16_t>(WriteReference({object.kind, ""})[0]) + Wide(object.name);
         }
     };
     return std::visit(Writer(), element);

@@ -15,7 +15,7 @@ constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
 // Names that differ in letter case alone can be many; no more than these are listed.
 constexpr std::size_t kMostAlike = 8;
 
-std::uint64_t NumberWith(std::uint64_t number, WCHAR character)
+std::uint64_t NumberWith(std::uint64_t number, char16_t character)
 {
     return number * kFactor + character + 1;
 }
@@ -23,7 +23,7 @@ std::uint64_t NumberWith(std::uint64_t number, WCHAR character)
 std::uint64_t NumberOfText(WideView text)
 {
     std::uint64_t number = 0;
-    for (const WCHAR character : text)
+    for (const char16_t character : text)
         number = NumberWith(number, character);
     return number;
 }
@@ -38,7 +38,7 @@ bool EndsInsideWord(WideView text, std::size_t end)
 SearchedText::SearchedText(WideView text)
     : m_Text(text), m_Folded(Folded(text)), m_Numbers(1, 0), m_Powers(1, 1)
 {
-    for (const WCHAR character : m_Folded) {
+    for (const char16_t character : m_Folded) {
         m_Numbers.push_back(NumberWith(m_Numbers.back(), character));
         m_Powers.push_back(m_Powers.back() * kFactor);
     }

@@ -68,7 +68,7 @@ private:
     std::vector<KnownName> m_Names;
     std::unordered_multimap<std::uint64_t, std::size_t> m_ByNumber;
     // The lengths of the names that begin with a character, each once, falling.
-    std::unordered_map<WCHAR, std::vector<std::size_t>> m_Lengths;
+    std::unordered_map<char16_t, std::vector<std::size_t>> m_Lengths;
 };
 
 } // namespace tovo::job

@@ -6,11 +6,11 @@ namespace tovo::job {
 
 namespace {
 
-constexpr WCHAR kReplacement = u'\uFFFD';
+constexpr char16_t kReplacement = u'\uFFFD';
 
 bool IsPairAt(WideView text, std::size_t at)
 {
-    const auto isWithin = [&](std::size_t index, WCHAR first, WCHAR last) {
+    const auto isWithin = [&](std::size_t index, char16_t first, char16_t last) {
         return index < text.size() && text[index] >= first && text[index] <= last;
     };
     return isWithin(at, 0xD800, 0xDBFF) && isWithin(at + 1, 0xDC00, 0xDFFF);
@@ -19,7 +19,7 @@ bool IsPairAt(WideView text, std::size_t at)
 // How many bytes stand for a character that is no half of a pair. In a text that was read, a byte
 // that is part of no well-formed sequence became a replacement character alone; in one that was
 // written, a half without the other became a replacement character of three bytes.
-std::size_t BytesOf(WCHAR character, std::string_view rest)
+std::size_t BytesOf(char16_t character, std::string_view rest)
 {
     if (character == kReplacement && !rest.starts_with("\xEF\xBF\xBD"))
         return 1;

@@ -258,9 +258,9 @@ bool Means(const std::string& text, const ObjectName& object, const KnownNames& 
 
 } // namespace
 
-bool IsBlank(WCHAR character)
+bool IsBlank(char16_t character)
 {
-    constexpr WCHAR kNoBreakSpace = 0x00A0;
+    constexpr char16_t kNoBreakSpace = 0x00A0;
     return character == u' ' || (character >= u'\t' && character <= u'\r') ||
            character == kNoBreakSpace;
 }

@@ -55,7 +55,7 @@ std::string TypedAs(const ObjectName& object, const KnownNames& names);
 std::string InBrackets(const ObjectName& object, const KnownNames& names);
 
 // Blanks and what people paste for blanks.
-bool IsBlank(WCHAR character);
+bool IsBlank(char16_t character);
 
 } // namespace tovo::job
 

@@ -51,7 +51,7 @@ void RequireTable(std::span<const AfxStringResource> strings)
 }
 
 // A character that has no part in an expression but as a separator.
-bool IsMark(WCHAR character)
+bool IsMark(char16_t character)
 {
     const bool isDigit = character >= u'0' && character <= u'9';
     const bool isSign = WideView(u"()+-*/=<>").find(character) != WideView::npos;

@@ -72,7 +72,7 @@ TEST(HostLines, ThatCompiledStillDo)
     (width.*setName)(name);
     EXPECT_EQ(width.GetName(), u"Width");
 
-    CString text = CString(u'x', 3) + u"y" + WCHAR(u'z');
+    CString text = CString(u'x', 3) + u"y" + char16_t(u'z');
     text = u"a" + text;
     text = "b";
     text += u"c";

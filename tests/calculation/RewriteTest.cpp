@@ -160,8 +160,8 @@ TEST_F(Rewriting, RemovingAllAtOnceIsRemovingOneByOne)
         CString text;
         CWordArray words;
         for (std::size_t piece = pick(9); piece > 0; --piece) {
-            static constexpr const WCHAR* kPieces[] = {u"",    u"+",   u" * ", u"(",   u" X ",
-                                                       u" X ", u" X ", u"  ",  u" Yy "};
+            static constexpr const char16_t* kPieces[] = {u"",    u"+",   u" * ", u"(",   u" X ",
+                                                          u" X ", u" X ", u"  ",  u" Yy "};
             const std::size_t chosen = pick(std::size(kPieces));
             const CString stretch = kPieces[chosen];
             // Now and then one that overlaps, is empty or reaches beyond the text.

@@ -14,7 +14,7 @@ TEST_F(Element, CombinedStringIsAKindAndANameOrThousandths)
 {
     const struct {
         const char* given;
-        WCHAR type;
+        char16_t type;
         const char* name;
         int valid;
         double value;
@@ -86,7 +86,7 @@ TEST_F(Element, ConstantIsReadFromThePresentText)
     struct OpenElement : CFormtblElem {
         using CFormtblElem::CFormtblElem;
         void Write(const CString& name) { m_Name = name; }
-        void Append(WCHAR character) { m_Name += character; }
+        void Append(char16_t character) { m_Name += character; }
     };
     OpenElement element("7500", m_Set);
     EXPECT_EQ(element.value(), 7.5);

@@ -81,7 +81,7 @@ private:
             return m_Session.InsertReference(u"Unit Cost", TOK_VARIABLE);
         if (key == 'f')
             return m_Session.InsertWord(u"SQRT", true);
-        return m_Session.Type(CString(static_cast<WCHAR>(key)));
+        return m_Session.Type(CString(static_cast<char16_t>(key)));
     }
 
     JobSet m_Set;

@@ -187,8 +187,8 @@ TEST_F(LanguageScopes, LanguagesThatCannotBeReadAreRefused)
     EXPECT_EQ(reason({}, u".", u"||"), "");
     const struct {
         AfxStringResource string;
-        const WCHAR* decimal;
-        const WCHAR* list;
+        const char16_t* decimal;
+        const char16_t* list;
         const char* reason;
     } rows[] = {
         {{6649, u"ABS"}, u".", u",", "ABS is the name of two tokens"},

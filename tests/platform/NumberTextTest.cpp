@@ -52,9 +52,9 @@ TEST(ParseInt, ReadsThePrefixAndSaturates)
 TEST(IsAlphabetic, HoldsForLettersOfAnyAlphabetOnly)
 {
     for (const int code : {0x41, 0x7A, 0xAA, 0x391, 0x5D0, 0xAC00, 0xD7A3, 0xFFDC})
-        EXPECT_TRUE(tovo::IsAlphabetic(static_cast<WCHAR>(code))) << std::hex << code;
+        EXPECT_TRUE(tovo::IsAlphabetic(static_cast<char16_t>(code))) << std::hex << code;
     for (const int code : {0x0, 0x35, 0x40, 0x5B, 0xD7, 0x301, 0x660, 0xD7A4, 0xFFDD})
-        EXPECT_FALSE(tovo::IsAlphabetic(static_cast<WCHAR>(code))) << std::hex << code;
+        EXPECT_FALSE(tovo::IsAlphabetic(static_cast<char16_t>(code))) << std::hex << code;
 }
 
 TEST_F(NumberTexts, HaveTheUsersSeparatorAndComeBackClean)

@@ -10,8 +10,8 @@
 
 namespace {
 
-const WCHAR kOld[] = {'o', 'l', 'd', 0};
-const WCHAR kNew[] = {'n', 'e', 'w', 0};
+const char16_t kOld[] = {'o', 'l', 'd', 0};
+const char16_t kNew[] = {'n', 'e', 'w', 0};
 const AfxStringResource kOldStrings[] = {{50300, kOld}, {50100, kOld}, {50200, kOld}};
 const AfxStringResource kNewStrings[] = {{50200, kNew}};
 

@@ -14,7 +14,7 @@ CString Units(std::initializer_list<int> units)
 {
     CString text;
     for (const int unit : units)
-        text += static_cast<WCHAR>(unit);
+        text += static_cast<char16_t>(unit);
     return text;
 }
 
@@ -43,10 +43,10 @@ TEST(WideString, EachByteOutsideWellFormedUtf8IsReplaced)
     for (const std::string utf8 :
          {"<\x80>", "<\xE2\x82>", "<\xC1\xBF>", "<\xE0\x9F\xBF>", "<\xF0\x8F\xBF\xBF>",
           "<\xED\xA0\x80>", "<\xF4\x90\x80\x80>", "<\xF8\xFF>"}) {
-        const CString bad(WCHAR(0xFFFD), static_cast<int>(utf8.size()) - 2);
+        const CString bad(char16_t(0xFFFD), static_cast<int>(utf8.size()) - 2);
         EXPECT_EQ(CString(utf8), "<" + bad + ">") << testing::PrintToString(utf8);
     }
-    EXPECT_EQ(CString("<\xE2\x82"), "<" + CString(WCHAR(0xFFFD), 2)) << "cut short by the end";
+    EXPECT_EQ(CString("<\xE2\x82"), "<" + CString(char16_t(0xFFFD), 2)) << "cut short by the end";
 }
 
 // clang-format off
@@ -64,7 +64,7 @@ TEST(WideString, IndexesOutsideThrowAndRangesAreClipped)
     EXPECT_EQ(text.Right(-kFar) + '|' + text.Right(2) + '|' + text.Right(kFar), "|de|abcde");
     EXPECT_EQ(text.Mid(2) + '|' + text.Mid(-2) + '|' + text.Mid(kFar), "cde|abcde|");
     EXPECT_EQ(text.Mid(1, 2) + '|' + text.Mid(-1, 2) + '|' + text.Mid(4, kFar), "bc|ab|e");
-    EXPECT_EQ(text.Mid(1, -1) + '|' + CString().Mid(1, 2) + '|' + CString(WCHAR('x'), -3), "||");
+    EXPECT_EQ(text.Mid(1, -1) + '|' + CString().Mid(1, 2) + '|' + CString(char16_t('x'), -3), "||");
 
     const auto inserted = [](int index) {
         CString abc("abc");
@@ -74,7 +74,7 @@ TEST(WideString, IndexesOutsideThrowAndRangesAreClipped)
     const auto deleted = [](int index, int count) {
         CString abc("abc");
         const int length = abc.Delete(index, count);
-        return abc + WCHAR('0' + length);
+        return abc + char16_t('0' + length);
     };
     EXPECT_EQ(deleted(1, 1) + deleted(-5, 2) + deleted(9, 1), "ac2c1abc3");
     EXPECT_EQ(deleted(2, 99) + deleted(1, -1), "ab2abc3");
@@ -100,7 +100,7 @@ TEST(WideString, ChangingACopyLeavesTheOthersAlone)
     using Change = void (*)(CString&);
     const Change changes[] = {
         [](CString& text) { text.SetAt(0, 'x'); },    [](CString& text) { text += "x"; },
-        [](CString& text) { text += WCHAR('x'); },    [](CString& text) { text.TrimRight(); },
+        [](CString& text) { text += char16_t('x'); }, [](CString& text) { text.TrimRight(); },
         [](CString& text) { text.Insert(0, text); },  [](CString& text) { text.Delete(0); },
         [](CString& text) { text.Replace("b", ""); }, [](CString& text) { text.Empty(); }};
     for (std::size_t i = 0; i < std::size(changes); ++i) {

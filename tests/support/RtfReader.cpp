@@ -63,7 +63,7 @@ private:
         }
         if (next == '\\')
             return TakeControl();
-        Show(static_cast<WCHAR>(next));
+        Show(static_cast<char16_t>(next));
         return true;
     }
 
@@ -73,7 +73,7 @@ private:
             return false;
         if (!IsLetter(m_Rest.front())) {
             const char symbol = Take();
-            Show(static_cast<WCHAR>(symbol));
+            Show(static_cast<char16_t>(symbol));
             return symbol == '\\' || symbol == '{' || symbol == '}';
         }
         const auto end = std::find_if_not(m_Rest.begin(), m_Rest.end(), IsLetter);
@@ -96,7 +96,7 @@ private:
     {
         if (number < -0x8000 || number > 0x7FFF || m_Rest.empty() || Take() != '?')
             return false;
-        Show(static_cast<WCHAR>(number));
+        Show(static_cast<char16_t>(number));
         return true;
     }
 
@@ -123,7 +123,7 @@ private:
         return true;
     }
 
-    void Show(WCHAR character)
+    void Show(char16_t character)
     {
         if (m_Groups.back().isHidden)
             return;

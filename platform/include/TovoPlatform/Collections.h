@@ -183,7 +183,7 @@ using CStringArray = CArray<CString, const CString&>; // of texts
 using CWordArray = CArray<WORD, WORD>;                // of 16-bit numbers
 
 // A list of strings in which every place found stays good while its element is there.
-class TOVO_API CStringList : public CObject {
+class TOVO_PLATFORM_API CStringList : public CObject {
 public:
     // The block size is a hint that this list has no use for. Allocates nothing.
     explicit CStringList(int blockSize = 10) noexcept;
@@ -251,7 +251,7 @@ private:
 };
 
 // Numbers the changes of all maps of the process.
-class TOVO_API MapVersions {
+class TOVO_PLATFORM_API MapVersions {
 public:
     // A number that was never given before, on any thread.
     static std::uint64_t Next() { return ++s_Last; }

@@ -11,8 +11,8 @@ inline constexpr int LOCALE_SDECIMAL = 14; // the decimal separator
 
 // What this thread has of its own for the code, else what the host set for the process, else the
 // default text.
-TOVO_API CString GetLocaleSetting(int code, CString defaultText);
+TOVO_PLATFORM_API CString GetLocaleSetting(int code, CString defaultText);
 // Sets the text of a code for the process; an empty text takes the setting away.
-TOVO_API void SetLocaleSetting(int code, CString text);
+TOVO_PLATFORM_API void SetLocaleSetting(int code, CString text);
 
 #endif

@@ -4,7 +4,7 @@
 #include <TovoPlatform/Types.h>
 
 // The common base of everything that can be owned or recorded without its type being known.
-class TOVO_API CObject {
+class TOVO_PLATFORM_API CObject {
 public:
     CObject() = default;
     virtual ~CObject();

@@ -22,7 +22,7 @@ union Everlasting {
 
 // The lock under which a library loads anew what it keeps for the process. What it loads may be
 // guarded by locks of the platform layer, which are taken within it. Held across a fork.
-TOVO_API std::mutex& LoadingLock() noexcept;
+TOVO_PLATFORM_API std::mutex& LoadingLock() noexcept;
 
 } // namespace tovo
 

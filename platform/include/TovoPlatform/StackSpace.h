@@ -19,7 +19,7 @@ struct StackRange {
 // That of the calling thread. It takes the system up to some ten microseconds to tell, and the
 // answer does not change. Where a host runs code on a stack of its own, as coroutines do, that is
 // another one than the thread's.
-TOVO_API StackRange StackOfThread() noexcept;
+TOVO_PLATFORM_API StackRange StackOfThread() noexcept;
 
 } // namespace tovo
 

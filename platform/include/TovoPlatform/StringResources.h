@@ -12,7 +12,7 @@
 // One text of a module's table.
 struct AfxStringResource {
     UINT id;
-    const WCHAR* text; // ends in a zero; lives as long as the process
+    const char16_t* text; // ends in a zero; lives as long as the process
 };
 
 // The record of one module. Does not own its table.
@@ -23,13 +23,13 @@ struct AFX_EXTENSION_MODULE {
 
 // Fills the record. Answers 0, with the record unchanged, for a missing table or text, or an id
 // that the table holds twice.
-[[nodiscard]] TOVO_API BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& module,
-                                                   const AfxStringResource* strings,
-                                                   std::size_t stringCount);
+[[nodiscard]] TOVO_PLATFORM_API BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& module,
+                                                            const AfxStringResource* strings,
+                                                            std::size_t stringCount);
 
 // The presence of a module on the chain: from construction to destruction. The module's record
 // must outlive it. The second argument of the constructor has no effect.
-class TOVO_API CDynLinkLibrary {
+class TOVO_PLATFORM_API CDynLinkLibrary {
 public:
     [[nodiscard]] explicit CDynLinkLibrary(AFX_EXTENSION_MODULE& module, BOOL system = 0);
     ~CDynLinkLibrary();

@@ -12,14 +12,14 @@ namespace tovo {
 
 // String resources and regional settings that one thread finds before those of the process. Does
 // not change once it is made, so that any number of threads may use it at once.
-class TOVO_API ThreadTexts {
+class TOVO_PLATFORM_API ThreadTexts {
 public:
     // Of two strings with one id the first counts. Copies the table, not the texts, which must live
     // as long as anything that was read from here.
     ThreadTexts(std::span<const AfxStringResource> strings, std::map<int, CString> settings);
 
     // Null for what is not here.
-    const WCHAR* FindString(UINT id) const;
+    const char16_t* FindString(UINT id) const;
     const CString* FindSetting(int code) const;
 
     // What this thread has in force, null for nothing of its own.

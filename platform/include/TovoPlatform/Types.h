@@ -1,21 +1,18 @@
 #ifndef TOVOPLATFORM_TYPES_H
 #define TOVOPLATFORM_TYPES_H
 
-// The plain types of the host framework, and the mark of an exported declaration.
+// The plain types of the host framework.
 
+#include <TovoPlatform/Export.h>
 #include <TovoPlatform/SameBuild.h>
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-// Marks what a shared library of this project lets hosts see; everything else stays hidden.
-#define TOVO_API __attribute__((visibility("default")))
-
-// One unit of UTF-16. Every wide character that an operation takes or gives is of this type.
-#ifdef _WIN32
-using WCHAR = wchar_t;
-#else
+// The host framework's name of the type of all wide characters here, one unit of UTF-16. On Windows
+// that name is the system's, of another type, so there is only char16_t.
+#ifndef _WIN32
 using WCHAR = char16_t;
 #endif
 
@@ -23,7 +20,7 @@ using WORD = std::uint16_t; // 16 bits, also where hosts store it
 using UINT = unsigned int;  // an id
 using BOOL = int;           // 0 or nonzero
 
-using WideText = std::basic_string<WCHAR>;      // owns its characters
-using WideView = std::basic_string_view<WCHAR>; // looks at characters that somebody else owns
+using WideText = std::basic_string<char16_t>;      // owns its characters
+using WideView = std::basic_string_view<char16_t>; // looks at characters that somebody else owns
 
 #endif

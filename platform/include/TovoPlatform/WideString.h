@@ -18,10 +18,10 @@
 class CString;
 
 // One argument of CString::Format: a text for %s or a number for %d.
-class TOVO_API CFormatArgument {
+class TOVO_PLATFORM_API CFormatArgument {
 public:
     CFormatArgument(int number);
-    CFormatArgument(const WCHAR* text);
+    CFormatArgument(const char16_t* text);
     CFormatArgument(const CString& text);
 
     const WideText& Text() const { return m_Text; }
@@ -36,13 +36,13 @@ private:
 // value costs no copy of the text. Different objects may be used on different threads, also when
 // they were copied from one another. Positions and lengths count 16-bit characters; every length is
 // below 2^31.
-class TOVO_API CString {
+class TOVO_PLATFORM_API CString {
 public:
     CString() = default;
     // Ends at the first zero; null gives an empty string.
-    CString(const WCHAR* text);
+    CString(const char16_t* text);
     // The character, count times; a count of 0 or below gives an empty string.
-    explicit CString(WCHAR character, int count = 1);
+    explicit CString(char16_t character, int count = 1);
     CString(WideView text);
     explicit CString(WideText text);
     // From UTF-8: each byte that belongs to no well-formed sequence becomes U+FFFD.
@@ -64,16 +64,16 @@ public:
     void Empty() noexcept { m_Text.reset(); }
 
     // Ends in a zero. Valid until this object is changed or destroyed.
-    const WCHAR* GetString() const noexcept;
+    const char16_t* GetString() const noexcept;
     // The characters, valid as GetString is.
     WideView View() const noexcept { return m_Text ? *m_Text : WideView(); }
 
     // The character at an index from 0 to the length, where the length gives the terminating zero;
     // any other index throws CInvalidArgException.
-    WCHAR operator[](int index) const;
-    WCHAR GetAt(int index) const { return (*this)[index]; }
+    char16_t operator[](int index) const;
+    char16_t GetAt(int index) const { return (*this)[index]; }
     // Requires: an index from 0 to the length less 1, else CInvalidArgException.
-    void SetAt(int index, WCHAR character);
+    void SetAt(int index, char16_t character);
 
     // Parts clipped to the string: a negative count or start counts as 0.
     CString Left(int count) const;
@@ -86,7 +86,7 @@ public:
 
     // The first position at or behind start, -1 for none. A negative start counts as 0.
     int Find(const CString& text, int start = 0) const;
-    int Find(WCHAR character, int start = 0) const;
+    int Find(char16_t character, int start = 0) const;
 
     // Replaces every occurrence, left to right, and gives their count. An empty text has none.
     int Replace(const CString& text, const CString& replacement);
@@ -98,7 +98,7 @@ public:
     // Takes the format, with each %s and %d replaced by the next argument and %% by one %. A place
     // without an argument gives nothing; a surplus argument is passed over.
     template <typename... Arguments>
-    void Format(const WCHAR* format, const Arguments&... arguments)
+    void Format(const char16_t* format, const Arguments&... arguments)
     {
         FormatList(format, {CFormatArgument(arguments)...});
     }
@@ -108,13 +108,13 @@ public:
     [[nodiscard]] BOOL LoadString(UINT id);
 
     CString& operator+=(const CString& text);
-    CString& operator+=(WCHAR character);
+    CString& operator+=(char16_t character);
 
-    friend TOVO_API bool operator==(const CString& a, const CString& b) noexcept
+    friend bool operator==(const CString& a, const CString& b) noexcept
     {
         return a.m_Text == b.m_Text || a.View() == b.View();
     }
-    friend TOVO_API std::strong_ordering operator<=>(const CString& a, const CString& b) noexcept
+    friend std::strong_ordering operator<=>(const CString& a, const CString& b) noexcept
     {
         return a.View() <=> b.View();
     }
@@ -151,16 +151,16 @@ public:
     }
 
 private:
-    void FormatList(const WCHAR* format, std::initializer_list<CFormatArgument> arguments);
+    void FormatList(const char16_t* format, std::initializer_list<CFormatArgument> arguments);
     WideText& Unshared();
 
     // Null for an empty string; the characters are not changed while another CString shares them.
     std::shared_ptr<WideText> m_Text;
 };
 
-TOVO_API CString operator+(const CString& a, const CString& b); // a, and b behind it
-TOVO_API CString operator+(const CString& a, WCHAR b);          // likewise
-TOVO_API CString operator+(WCHAR a, const CString& b);          // likewise
+TOVO_PLATFORM_API CString operator+(const CString& a, const CString& b); // a, and b behind it
+TOVO_PLATFORM_API CString operator+(const CString& a, char16_t b);       // likewise
+TOVO_PLATFORM_API CString operator+(char16_t a, const CString& b);       // likewise
 
 // Makes a text a key of the standard library's hashed containers: four characters at a time are
 // multiplied into the number, the last four once more.
@@ -169,14 +169,14 @@ struct std::hash<CString> {
     std::size_t operator()(const CString& text) const noexcept
     {
         constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15; // 2^64 by the golden ratio, odd
-        constexpr std::size_t kCharacters = sizeof(std::uint64_t) / sizeof(WCHAR);
+        constexpr std::size_t kCharacters = sizeof(std::uint64_t) / sizeof(char16_t);
         const WideView view = text.View();
         if (view.empty())
             return 0;
         std::uint64_t mixed = view.size();
-        const auto mix = [&](const WCHAR* characters, std::size_t count) {
+        const auto mix = [&](const char16_t* characters, std::size_t count) {
             std::uint64_t part = 0;
-            std::memcpy(&part, characters, count * sizeof(WCHAR));
+            std::memcpy(&part, characters, count * sizeof(char16_t));
             mixed = (mixed ^ part) * kFactor;
             mixed ^= mixed >> 32;
         };
@@ -184,8 +184,8 @@ struct std::hash<CString> {
             mix(view.data(), view.size());
             return static_cast<std::size_t>(mixed);
         }
-        const WCHAR* const last = view.data() + view.size() - kCharacters;
-        for (const WCHAR* at = view.data(); at < last; at += kCharacters)
+        const char16_t* const last = view.data() + view.size() - kCharacters;
+        for (const char16_t* at = view.data(); at < last; at += kCharacters)
             mix(at, kCharacters);
         mix(last, kCharacters);
         return static_cast<std::size_t>(mixed);
@@ -195,18 +195,18 @@ struct std::hash<CString> {
 namespace tovo {
 
 // The text without the white space at its end.
-TOVO_API WideView TrimmedRight(WideView text);
+TOVO_PLATFORM_API WideView TrimmedRight(WideView text);
 
 } // namespace tovo
 
 // The string in which names are passed to a calculation set: made from any text, a std::string
 // included.
-class TOVO_API CExString : public CString {
+class TOVO_PLATFORM_API CExString : public CString {
 public:
     CExString() = default;
     CExString(const CString& text) : CString(text) {}
     CExString(CString&& text) noexcept : CString(std::move(text)) {}
-    CExString(const WCHAR* text) : CString(text) {}
+    CExString(const char16_t* text) : CString(text) {}
     template <typename Text>
     requires std::same_as<Text, std::string> || std::same_as<Text, WideText>
     CExString(const Text& text) : CString(text)
