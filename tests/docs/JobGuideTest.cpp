@@ -10,28 +10,13 @@
 #include <TovoJob/TovoJob.h>
 
 #include "MarkdownTable.h"
+#include "Shed.h"
 
 // What is included from job-guide/ is a code block of docs/job-guide.md.
 
 namespace tovo::test {
 
 namespace {
-
-Job Shed()
-{
-    Job job;
-    job.AddVariable("Width", 2.5, "m").Value();
-    job.AddVariable("Heated?", 1).Value();
-    job.AddFormula("Area", "V(Width)*V(Width)", "m²").Value();
-    job.AddFormula("Price", "F(Area)*T(Rate)", "€").Value();
-    Table rate;
-    rate.name = "Rate";
-    rate.rowSelector = FormulaNamed("Area");
-    rate.rowLimits = {5, 10};
-    rate.cells = {{120.0}, {95.5}};
-    job.AddTable(rate).Value();
-    return job;
-}
 
 TEST(JobGuide, MakesAJob)
 {

@@ -1,0 +1,2 @@
+// The whole program that README.md shows.
+#include <README/example.inc>
