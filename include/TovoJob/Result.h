@@ -17,7 +17,7 @@ enum class RefusalKind {
     BadName,       // empty, ending in white space, or no well-formed UTF-8
     NameTaken,     // another object of the kind has the name
     UnknownName,   // no object of the kind has the name
-    BadValue,      // no finite number, or no yes/no value where one is needed
+    BadValue,      // no finite number, no yes/no value where one is needed, or a text not in UTF-8
     BadTable,      // limits that do not rise, or cells that are no rectangle
     InUse,         // the object is still referred to
     LimitExceeded, // one of the job's Limits

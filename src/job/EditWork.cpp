@@ -78,6 +78,16 @@ Result<Preview> EditWork::PreviewOf(std::span<const Edit> edits)
 {
     m_Inside.UpdateQuietly();
     const std::vector<Fault> before = m_Inside.calculation.Faults(m_Inside.content);
+    Changes untold = m_Inside.TakeUntold();
+    Result<Preview> preview = LookAhead(edits, before);
+    m_Inside.UpdateQuietly();
+    m_Inside.PutBackUntold(std::move(untold));
+    return preview;
+}
+
+// An edit may calculate for itself, so what changes is told by all updates together.
+Result<Preview> EditWork::LookAhead(std::span<const Edit> edits, const std::vector<Fault>& before)
+{
     if (const Result<void> done = Do(edits); !done)
         return done.Why();
     Preview preview;
@@ -85,12 +95,14 @@ Result<Preview> EditWork::PreviewOf(std::span<const Edit> edits)
         for (PlaceChange& place : DifferencesOf(change))
             preview.places.push_back(std::move(place));
     }
-    preview.values = m_Inside.UpdateQuietly().values;
+    m_Inside.UpdateQuietly();
+    Changes changes = m_Inside.TakeUntold();
+    preview.values = changes.values;
+    m_Inside.PutBackUntold(std::move(changes));
     const std::vector<Fault> after = m_Inside.calculation.Faults(m_Inside.content);
     preview.newFaults = FaultsNotIn(after, before);
     preview.clearedFaults = FaultsNotIn(before, after);
     TakeBack();
-    m_Inside.UpdateQuietly();
     return preview;
 }
 

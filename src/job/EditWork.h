@@ -23,6 +23,8 @@ public:
     bool Redo();
 
 private:
+    // Does the edits, looks, and takes them back.
+    Result<Preview> LookAhead(std::span<const Edit> edits, const std::vector<Fault>& before);
     // All, or none: what was done up to a refusal is taken back.
     Result<void> Do(std::span<const Edit> edits);
     Result<void> Do(const AddObject& edit);

@@ -54,18 +54,27 @@ void Inside::Take(const RecordChange& change)
 
 Changes Inside::Update(const Progress& progress)
 {
-    Changes changes = Joined(std::exchange(untold, {}), calculation.Update(progress));
-    // What has changed and changed back meanwhile is no news.
+    untold = Joined(std::move(untold), calculation.Update(progress));
+    return TakeUntold();
+}
+
+void Inside::UpdateQuietly()
+{
+    untold = Joined(std::move(untold), calculation.Update(nullptr));
+}
+
+// What has changed and changed back meanwhile is no news.
+Changes Inside::TakeUntold()
+{
+    Changes changes = std::exchange(untold, {});
     std::erase_if(changes.values,
                   [](const ValueChange& change) { return IsSame(change.before, change.after); });
     return changes;
 }
 
-Changes Inside::UpdateQuietly()
+void Inside::PutBackUntold(Changes taken)
 {
-    Changes changes = calculation.Update(nullptr);
-    untold = Joined(std::move(untold), changes);
-    return changes;
+    untold = Joined(std::move(taken), std::move(untold));
 }
 
 std::vector<ObjectName> Inside::UsersOf(const ObjectName& object) const

@@ -23,9 +23,12 @@ struct Inside {
 
     // Brings the calculation up to date, and returns what has changed since the last call.
     Changes Update(const Progress& progress);
-    // The same without telling: the next Update tells what changed here as well. Returns what
-    // changed in this step alone.
-    Changes UpdateQuietly();
+    // The same without telling: the next Update tells what changed here as well.
+    void UpdateQuietly();
+    // What quiet updates have found that nobody was told. Whoever takes it puts it back, in front
+    // of what they find from then on.
+    Changes TakeUntold();
+    void PutBackUntold(Changes taken);
 
     // The formulas and tables that refer to an object, in their order.
     std::vector<ObjectName> UsersOf(const ObjectName& object) const;

@@ -34,6 +34,28 @@ bool IsWellFormed(const std::string& text)
     return std::all_of(text.begin(), text.end(), isAscii) || Wide(text).ToUtf8() == text;
 }
 
+struct NamedText {
+    const char* what;
+    const std::string& text;
+};
+
+// Files take nothing else.
+Result<void> CheckUtf8(const ObjectName& object, std::initializer_list<NamedText> texts)
+{
+    for (const auto& [what, text] : texts) {
+        if (!IsWellFormed(text))
+            return Refusal{RefusalKind::BadValue,
+                           std::string("the ") + what + " is no well-formed UTF-8", Quoted(object)};
+    }
+    return {};
+}
+
+template <typename Object>
+Result<void> CheckWords(const Object& object)
+{
+    return CheckUtf8(NameOf(object), {{"unit", object.unit}, {"note", object.note}});
+}
+
 Result<void> CheckShape(const Table& table)
 {
     const std::size_t rows = table.cells.size();
@@ -75,6 +97,8 @@ Result<void> CheckElements(const Table& table)
             result = BadTable(table, part.Words() + ": the number is not finite");
         if (object && (object->kind == Kind::JobValue || object->name.empty()))
             result = BadTable(table, part.Words() + ": refers to no variable, formula or table");
+        if (object && !IsWellFormed(object->name))
+            result = BadTable(table, part.Words() + ": the name is no well-formed UTF-8");
     });
     return result;
 }
@@ -109,8 +133,8 @@ Result<void> CheckNewName(const Content& content, const ObjectName& object)
 
 Result<void> CheckObject(const Variable& variable)
 {
-    if (variable.source)
-        return {};
+    if (const Result<void> words = CheckWords(variable); !words || variable.source)
+        return words;
     if (!std::isfinite(variable.value))
         return Refusal{RefusalKind::BadValue, "the value is not finite", Quoted(NameOf(variable))};
     if (IsYesNoName(variable.name) && variable.value != 0.0 && variable.value != 1.0)
@@ -122,16 +146,15 @@ Result<void> CheckObject(const Variable& variable)
 
 Result<void> CheckObject(const Formula& formula)
 {
-    if (!IsWellFormed(formula.expression))
-        return Refusal{RefusalKind::BadValue, "the expression is no well-formed UTF-8",
-                       Quoted(NameOf(formula))};
-    return {};
+    if (const Result<void> words = CheckWords(formula); !words)
+        return words;
+    return CheckUtf8(NameOf(formula), {{"expression", formula.expression}});
 }
 
 Result<void> CheckObject(const Table& table)
 {
-    if (table.linked)
-        return {};
+    if (const Result<void> words = CheckWords(table); !words || table.linked)
+        return words;
     if (const Result<void> shape = CheckShape(table); !shape)
         return shape;
     if (!AreFinite(table.rowLimits) || !AreFinite(table.columnLimits))

@@ -134,6 +134,10 @@ TEST(Edits, PreviewTellsWhatWouldHappen)
 {
     Job job = WovenJob();
     const std::string before = DumpContent(job);
+    // A removal by value calculates for itself.
+    const Edit removal[] = {ChangeObject{Variable{"On?", 0, "", "", {}}},
+                            RemoveObject{VariableNamed("On?"), References::ReplaceByValue}};
+    EXPECT_EQ(test::Dump({job.PreviewOf(removal).Value().values}), "On?: 1->none; IF: 12->10.5");
     const Edit edits[] = {RenameObject{FormulaNamed("Sum"), "Total"},
                           ChangeObject{Variable{"a)b\\", 3, "m", "", {}}},
                           AddObject{Formula{"New", "F(Nobody)", "", "", nullptr}}};
