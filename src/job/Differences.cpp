@@ -58,7 +58,7 @@ std::vector<Field> FieldsOf(const Table& table)
                                  {"note", table.note},
                                  {"row limits", LimitsText(table.rowLimits)},
                                  {"column limits", LimitsText(table.columnLimits)}};
-    ForEachElement(table, [&](const TablePart& part, const Element& element) {
+    ForEachKeptElement(table, [&](const TablePart& part, const Element& element) {
         fields.push_back({part.Words(), ElementText(element)});
     });
     return fields;

@@ -50,6 +50,15 @@ void ForEachElement(AnyTable& table, Visit visit)
     }
 }
 
+// The same for everything that a table keeps: also for a column selector that has no effect.
+template <typename AnyTable, typename Visit>
+void ForEachKeptElement(AnyTable& table, Visit visit)
+{
+    ForEachElement(table, visit);
+    if (!HasColumns(table))
+        visit(TablePart{TablePart::What::ColumnSelector}, table.columnSelector);
+}
+
 } // namespace tovo::job
 
 #endif

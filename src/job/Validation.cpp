@@ -90,7 +90,7 @@ Result<void> CheckElements(const Table& table)
         return BadTable(table, "the row selector is missing");
     if (HasColumns(table) && isMissing(table.columnSelector))
         return BadTable(table, "the column selector is missing");
-    ForEachElement(table, [&](const TablePart& part, const Element& element) {
+    ForEachKeptElement(table, [&](const TablePart& part, const Element& element) {
         const auto* const number = std::get_if<double>(&element);
         const auto* const object = std::get_if<ObjectName>(&element);
         if (number && !std::isfinite(*number))

@@ -45,9 +45,11 @@ TEST(Job, RefusesWhatItCannotHold)
         Edit edit;
         RefusalKind kind;
     };
-    const auto table = [](std::vector<double> limits, std::vector<Element> cells) {
-        return AddObject{
-            StepTable("New", VariableNamed("Width"), std::move(limits), std::move(cells))};
+    const auto table = [](std::vector<double> limits, std::vector<Element> cells,
+                          Element columnSelector = {}) {
+        Table made = StepTable("New", VariableNamed("Width"), std::move(limits), std::move(cells));
+        made.columnSelector = std::move(columnSelector);
+        return AddObject{std::move(made)};
     };
     const Case cases[] = {
         {"no name", AddObject{Variable{"", 1, "", "", {}}}, RefusalKind::BadName},
@@ -63,6 +65,7 @@ TEST(Job, RefusesWhatItCannotHold)
         {"too few limits", table({1}, {1.0, 2.0}), RefusalKind::BadTable},
         {"one row", table({1}, {1.0}), RefusalKind::BadTable},
         {"infinite cell", table({1, 2}, {1.0, INFINITY}), RefusalKind::BadTable},
+        {"infinite selector of no use", table({1, 2}, {1.0, 2.0}, INFINITY), RefusalKind::BadTable},
         {"reference without a name", table({1, 2}, {1.0, FormulaNamed("")}), RefusalKind::BadTable},
         {"change of nothing", ChangeObject{Formula{"Gone", "1", "", "", nullptr}},
          RefusalKind::UnknownName},
