@@ -305,8 +305,12 @@ private:
     void Calculate(Object& object, bool isScan)
     {
         CScannedVariables list;
-        Repeat(object, [&](unsigned int& message) {
-            return object.Calculate(message, isScan ? &list : nullptr);
+        // A scan calculates a table again whose value is that of a former pass.
+        unsigned int message = MSG_NONE;
+        if (isScan && !IsTooMuch())
+            m_Result << object.Calculate(message, &list);
+        Repeat(object, [&](unsigned int& failure) {
+            return object.Calculate(failure, isScan ? &list : nullptr);
         });
         Show(m_Result, list);
     }
