@@ -40,18 +40,9 @@ void Show(Record& record, const Fault& fault)
         Show(record, object);
 }
 
-void RequireSound(const Job& job, const Place& place)
+Position LengthOf(const std::string& text)
 {
-    Require(job.Has(place.object), "a place in an object of the job",
-            [&] { return place.object.name; });
-    if (!place.span)
-        return;
-    const std::string text = job.TextOf(place.object);
-    const Span& span = *place.span;
-    const auto length = static_cast<std::size_t>(CString(text).GetLength());
-    Require(span.begin.utf8 <= span.end.utf8 && span.end.utf8 <= text.size() &&
-                span.begin.utf16 <= span.end.utf16 && span.end.utf16 <= length,
-            "a span inside the text", [&] { return text; });
+    return {static_cast<std::size_t>(CString(text).GetLength()), text.size()};
 }
 
 } // namespace
@@ -79,18 +70,46 @@ void RequireSame(const char* expected, const Report& report, const Report& other
             [&] { return shown(report, true).Text() + "\n--" + shown(other, true).Text(); });
 }
 
+void RequireInside(const Span& span, const Position& length)
+{
+    Require(span.begin.utf8 <= span.end.utf8 && span.end.utf8 <= length.utf8 &&
+                span.begin.utf16 <= span.end.utf16 && span.end.utf16 <= length.utf16,
+            "a span inside the text", [&] {
+                return std::to_string(span.begin.utf16) + " to " + std::to_string(span.end.utf16) +
+                       " of " + std::to_string(length.utf16);
+            });
+}
+
+void RequireInside(const Span& span, const std::string& text)
+{
+    RequireInside(span, LengthOf(text));
+}
+
+void PlaceCheck::RequireSound(const Place& place)
+{
+    Require(m_Job.Has(place.object), "a place in an object of the job",
+            [&] { return place.object.name; });
+    if (!place.span)
+        return;
+    const auto [length, isNew] = m_Lengths.try_emplace(place.object);
+    if (isNew)
+        length->second = LengthOf(m_Job.TextOf(place.object));
+    RequireInside(*place.span, length->second);
+}
+
 void RequireSoundFaults(const Job& job, const Report& report)
 {
+    PlaceCheck places(job);
     std::unordered_set<ObjectName> failing;
     for (const Fault& fault : report.faults) {
         Require(fault.message != 0 && !fault.text.empty(), "a fault in words",
                 [&] { return fault.object.name; });
         Require(fault.place.object == fault.object, "a fault in its object",
                 [&] { return fault.object.name; });
-        RequireSound(job, fault.place);
+        places.RequireSound(fault.place);
         failing.insert(fault.object);
         for (const Place& place : fault.ring) {
-            RequireSound(job, place);
+            places.RequireSound(place);
             failing.insert(place.object);
         }
         for (const ObjectName& object : fault.affected)

@@ -57,7 +57,9 @@ bool MayBeLong()
 
 void Fail(const char* expected, const std::string& found)
 {
-    std::fprintf(stderr, "Broken: %s\n%s\n", expected, found.c_str());
+    std::fprintf(stderr, "Broken: %s\n", expected);
+    std::fwrite(found.data(), 1, found.size(), stderr); // zeros included
+    std::fputc('\n', stderr);
     std::abort();
 }
 

@@ -72,4 +72,10 @@ CString Reader::Wide(std::string_view bytes)
     return CString(std::move(repeated));
 }
 
+std::string Reader::Narrow(std::string_view bytes)
+{
+    const bool isPlain = !bytes.starts_with('^') && !bytes.starts_with('~');
+    return isPlain ? std::string(bytes) : Wide(bytes).ToUtf8();
+}
+
 } // namespace tovo::fuzz

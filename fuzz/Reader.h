@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include <TovoPlatform/WideString.h>
@@ -37,10 +38,14 @@ public:
     // Up to the end of the line. One that begins with "~" and a digit comes ten times and more, one
     // that begins with "^" is a sequence of 16-bit characters.
     CString Text() { return Wide(Take("\n")); }
+    // The same two in UTF-8, where bytes that are none stay as they are.
+    std::string NameBytes() { return Narrow(Take(",\n")); }
+    std::string TextBytes() { return Narrow(Take("\n")); }
 
 private:
     std::string_view Take(std::string_view ends);
     static CString Wide(std::string_view bytes);
+    static std::string Narrow(std::string_view bytes);
 
     std::string_view m_Rest;
 };
