@@ -86,7 +86,7 @@ TEST_F(HostGuide, PlacesAreThoseOfTheTable)
 {
     CalcSetImpl job;
     const std::vector<MarkdownRow> rows = RowsOfTables(
-        ReadDocument("host-guide.md"), {"Encoded string", "Message", "Place", "What it marks"});
+        ReadDocument("host-guide.md"), {"Encoded string", "Message", "Position", "What it marks"});
     EXPECT_FALSE(rows.empty());
     for (const MarkdownRow& row : rows) {
         CFmlaExpression expression(job);

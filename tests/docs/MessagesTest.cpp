@@ -120,7 +120,7 @@ TEST_F(Messages, EachSituationRaisesItsId)
         {"A host inserts an illegal element into a tree of its own.", OnIllegalElement()},
         {"A cell of a table holds the table itself.", OnTable("1000", "TT")},
         {"A selector of a table holds a table that is missing.", OnTable("TGone", "1000")},
-        {"More than 1000 formulas lead on to one another.", OnRowOfFormulas(1001)},
+        {"More than 1000 formulas refer to one another in a row.", OnRowOfFormulas(1001)},
         {"The column limits of a table are 5, 5 and 9.", OnLimits({1, 2, 3}, {5, 5, 9})},
         {"The row limits of a table are 1, 2 and 2.", OnLimits({1, 2, 2}, {5, 6, 9})},
         {"A cell of a table was never set.", OnLimits({1, 2, 3}, {5, 6, 0})},

@@ -100,7 +100,7 @@ TEST(StoredFormsDocument, DamagedFormsAreTakenAsTold)
     ForRowsOf({"References given", "Encoded string", "Why"}, [](const Cells& cells) {
         EXPECT_EQ(Encoded(Typed("1+ a * b ", cells[0])), cells[1]);
     });
-    ForRowsOf({"Reference string", "Taken as", "Why"}, [](const Cells& cells) {
+    ForRowsOf({"Reference string", "Read as", "Why"}, [](const Cells& cells) {
         EXPECT_EQ(Typed("1", cells[0]).GetPtrStr().ToUtf8(), cells[1]);
     });
 }
