@@ -1,10 +1,13 @@
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
-#include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
+
+#include <gtest/gtest.h>
 
 #include "Jobs.h"
 
@@ -207,4 +210,33 @@ TEST_F(JobFiles, SavingAsksBeforeItOverwrites)
     file.SaveAs(m_Folder / "new.json").Value();
     EXPECT_EQ(Read(m_Folder / "new.json"), WriteJob(file.Content()));
     EXPECT_EQ(JobFile(m_Path).Save().Why().kind, RefusalKind::FileChanged);
+}
+
+TEST_F(JobFiles, AFailedSaveLeavesTheOldFileAlone)
+{
+    JobFile file = JobFile::Open(m_Path).Value();
+    const std::string bytes = Read(m_Path);
+    file.Content().SetValue("A", 2).Value();
+
+    rlimit limit = {};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit tooSmall = {20, limit.rlim_max};
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &tooSmall);
+    EXPECT_EQ(file.Save().Why().kind, RefusalKind::CannotWrite);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, oldHandler);
+
+    // No mode of a folder holds root, so root steps down for a moment.
+    constexpr uid_t kNobody = 65534;
+    const uid_t self = geteuid();
+    fs::permissions(m_Folder, fs::perms(0555));
+    EXPECT_EQ(seteuid(self == 0 ? kNobody : self), 0);
+    EXPECT_FALSE(file.Save());
+    EXPECT_EQ(seteuid(self), 0);
+    fs::permissions(m_Folder, fs::perms(0755));
+
+    EXPECT_EQ(Read(m_Path), bytes);
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_Folder), {}), 1);
+    EXPECT_TRUE(file.IsModified());
 }
