@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <climits>
 
-#include <wctype.h>
-
+#include "Folded.h"
 #include "Glyphs.h"
 
 namespace {
@@ -21,15 +20,6 @@ int ListHeight(const Terminal& terminal)
 bool IsGone(Key key)
 {
     return key == Key::Escape || key == Key::HangUp;
-}
-
-// For comparing without regard to case, in any alphabet that the locale knows.
-WideText Folded(const CString& text)
-{
-    WideText folded(text.View());
-    for (char16_t& character : folded)
-        character = static_cast<char16_t>(towlower(character));
-    return folded;
 }
 
 // In the order of the entries, which is that of the job file and what its author knows.
@@ -67,7 +57,7 @@ void DrawEntry(Terminal& terminal, int row, const PickEntry& entry, int nameWidt
 }
 
 void DrawPick(Terminal& terminal, const CString& heading, const std::vector<PickEntry>& entries,
-              const std::vector<std::size_t>& found, const ListCursor& cursor)
+              const std::vector<std::size_t>& found, const ListCursor& cursor, const CString& verb)
 {
     terminal.Clear();
     terminal.WriteBar(0, heading, Paint::Bar);
@@ -77,16 +67,53 @@ void DrawPick(Terminal& terminal, const CString& heading, const std::vector<Pick
         DrawEntry(terminal, line - cursor.Top() + 1, entries[found[static_cast<std::size_t>(line)]],
                   nameWidth, line == cursor.Selected());
     const CString keys =
-        FooterOf({u"Enter insert", u"Esc back", u"type to filter"}, terminal.Columns());
+        FooterOf({u"Enter " + verb, u"Esc back", u"type to filter"}, terminal.Columns());
     terminal.WriteBar(terminal.Rows() - 1, keys, Paint::Bar);
     terminal.ShowCursor(0, std::min(WidthOf(heading), terminal.Columns() - 1));
 }
 
-// A whole character, with the marks on it.
-void DeleteLast(CString& text)
+// Where the character ends, or begins, that is next to a position, with the marks on it.
+int NextEnd(const CString& text, int position)
 {
-    const std::vector<Glyph> glyphs = GlyphsOf(text);
-    text = glyphs.empty() ? CString() : text.Left(glyphs.back().position);
+    for (const Glyph& glyph : GlyphsOf(text)) {
+        if (glyph.position >= position)
+            return glyph.position + glyph.length;
+    }
+    return text.GetLength();
+}
+
+int PreviousBegin(const CString& text, int position)
+{
+    int begin = 0;
+    for (const Glyph& glyph : GlyphsOf(text)) {
+        if (glyph.position < position)
+            begin = glyph.position;
+    }
+    return begin;
+}
+
+CString Cut(const CString& text, int begin, int end)
+{
+    return text.Left(begin) + text.Mid(end);
+}
+
+bool LeavesField(Key key)
+{
+    return key == Key::Enter || key == Key::Tab || key == Key::Up || key == Key::Down ||
+           IsGone(key);
+}
+
+void DrawForm(Terminal& terminal, const Form& form, int labelWidth)
+{
+    terminal.Clear();
+    terminal.WriteBar(0, form.title, Paint::Bar);
+    DrawFooter(terminal, {form.fault, true}, {u"Enter accept", u"Esc back", u"Tab next field"});
+    int row = 0;
+    for (const FormField& field : form.fields) {
+        terminal.Write(++row, 0, field.label);
+        if (row != form.active + 1)
+            terminal.Write(row, labelWidth, field.text);
+    }
 }
 
 } // namespace
@@ -114,6 +141,41 @@ void ListCursor::Fit(int count, int height)
     m_Top = std::clamp(m_Top, std::max(m_Selected - height + 1, 0), m_Selected);
 }
 
+void TextField::Handle(const KeyPress& press)
+{
+    if (press.key == Key::Character) {
+        m_Text = m_Text.Left(m_Cursor) + press.text + m_Text.Mid(m_Cursor);
+        m_Cursor += press.text.GetLength();
+    } else if (press.key == Key::Backspace) {
+        const int begin = PreviousBegin(m_Text, m_Cursor);
+        m_Text = Cut(m_Text, begin, m_Cursor);
+        m_Cursor = begin;
+    } else if (press.key == Key::Delete && m_Cursor == m_Text.GetLength()) {
+        m_Text.Empty();
+        m_Cursor = 0;
+    } else if (press.key == Key::Delete) {
+        m_Text = Cut(m_Text, m_Cursor, NextEnd(m_Text, m_Cursor));
+    } else if (press.key == Key::Left) {
+        m_Cursor = PreviousBegin(m_Text, m_Cursor);
+    } else if (press.key == Key::Right) {
+        m_Cursor = NextEnd(m_Text, m_Cursor);
+    } else if (press.key == Key::Home) {
+        m_Cursor = 0;
+    } else if (press.key == Key::End) {
+        m_Cursor = m_Text.GetLength();
+    }
+}
+
+void TextField::Draw(Terminal& terminal, int row, int column, Paint paint) const
+{
+    const int room = std::max(terminal.Columns() - column - 1, 1);
+    int begin = 0;
+    while (begin < m_Cursor && WidthOf(m_Text.Mid(begin, m_Cursor - begin)) > room)
+        begin = NextEnd(m_Text, begin);
+    terminal.Write(row, column, m_Text.Mid(begin), paint);
+    terminal.ShowCursor(row, column + WidthOf(m_Text.Mid(begin, m_Cursor - begin)));
+}
+
 CString FooterOf(const std::vector<CString>& items, int width)
 {
     CString footer;
@@ -127,8 +189,15 @@ CString FooterOf(const std::vector<CString>& items, int width)
     return footer;
 }
 
+void DrawFooter(Terminal& terminal, const Notice& notice, const std::vector<CString>& keys)
+{
+    const CString text = notice.text.IsEmpty() ? FooterOf(keys, terminal.Columns()) : notice.text;
+    const bool isRefused = notice.isRefusal && !notice.text.IsEmpty();
+    terminal.WriteBar(terminal.Rows() - 1, text, isRefused ? Paint::Refused : Paint::Bar);
+}
+
 std::optional<std::size_t> Pick(Terminal& terminal, const CString& title,
-                                const std::vector<PickEntry>& entries)
+                                const std::vector<PickEntry>& entries, const CString& verb)
 {
     CString filter;
     ListCursor cursor;
@@ -137,7 +206,7 @@ std::optional<std::size_t> Pick(Terminal& terminal, const CString& title,
         const int count = static_cast<int>(found.size());
         const int height = ListHeight(terminal);
         cursor.Fit(count, height);
-        DrawPick(terminal, title + u": " + filter, entries, found, cursor);
+        DrawPick(terminal, title + u": " + filter, entries, found, cursor, verb);
 
         const KeyPress press = terminal.Read();
         cursor.Handle(press.key, height);
@@ -146,7 +215,7 @@ std::optional<std::size_t> Pick(Terminal& terminal, const CString& title,
         if (press.key == Key::Character)
             filter += press.text;
         else if (press.key == Key::Backspace)
-            DeleteLast(filter);
+            filter = filter.Left(PreviousBegin(filter, filter.GetLength()));
         // A click chooses at once: there is no second button for it.
         const bool isClick = press.key == Key::Click && press.row > 0 && press.row <= height;
         if (isClick)
@@ -160,24 +229,43 @@ std::optional<std::size_t> Pick(Terminal& terminal, const CString& title,
 // Leaves the rest of the screen as it is: what is asked about is on it.
 std::optional<CString> AskForText(Terminal& terminal, const CString& question, CString text)
 {
+    TextField field(std::move(text));
     for (;;) {
-        // The end of a long text is what is being typed.
-        CString shown = question + text;
-        while (!shown.IsEmpty() && WidthOf(shown) >= terminal.Columns())
-            shown = shown.Mid(1);
-        terminal.WriteBar(terminal.Rows() - 1, shown, Paint::Bar);
-        terminal.ShowCursor(terminal.Rows() - 1, WidthOf(shown));
+        const int row = terminal.Rows() - 1;
+        const CString shown = Clipped(question, terminal.Columns() / 2);
+        terminal.WriteBar(row, shown, Paint::Bar);
+        field.Draw(terminal, row, WidthOf(shown), Paint::Bar);
         const KeyPress press = terminal.Read();
         if (IsGone(press.key))
             return std::nullopt;
         if (press.key == Key::Enter)
-            return text;
-        if (press.key == Key::Character)
-            text += press.text;
-        else if (press.key == Key::Backspace)
-            DeleteLast(text);
-        else if (press.key == Key::Delete)
-            text.Empty();
+            return field.Text();
+        field.Handle(press);
+    }
+}
+
+bool FillIn(Terminal& terminal, Form& form)
+{
+    const int count = static_cast<int>(form.fields.size());
+    int labelWidth = 0;
+    for (const FormField& field : form.fields)
+        labelWidth = std::max(labelWidth, WidthOf(field.label) + 2);
+    for (;;) {
+        FormField& active = form.fields[static_cast<std::size_t>(form.active)];
+        TextField typed(active.text);
+        KeyPress press;
+        do {
+            active.text = typed.Text();
+            DrawForm(terminal, form, labelWidth);
+            typed.Draw(terminal, form.active + 1, labelWidth, Paint::Plain);
+            press = terminal.Read();
+            typed.Handle(press);
+            if (press.key != Key::Idle)
+                form.fault.Empty();
+        } while (!LeavesField(press.key));
+        if (press.key == Key::Enter || IsGone(press.key))
+            return press.key == Key::Enter;
+        form.active = (form.active + (press.key == Key::Up ? count - 1 : 1)) % count;
     }
 }
 

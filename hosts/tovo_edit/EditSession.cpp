@@ -1,11 +1,9 @@
 #include "EditSession.h"
 
 #include <algorithm>
-#include <utility>
 
-#include <TovoPlatform/NumberText.h>
-
-#include "Surrogates.h"
+#include "TextAlignment.h"
+#include "WordCharacter.h"
 
 namespace {
 
@@ -16,33 +14,20 @@ bool IsLanguageLetter(char16_t character)
     return character >= u'A' && character <= u'Z';
 }
 
-bool IsWordCharacter(char16_t character)
-{
-    return tovo::IsAlphabetic(character) || (character >= u'0' && character <= u'9') ||
-           IsHighSurrogate(character) || IsLowSurrogate(character);
-}
-
-// The format sets a blank between a letter and a reference behind it, which is no change of the
-// expression.
-CString WithoutBlanks(CString text)
-{
-    text.Replace(u" ", u"");
-    return text;
-}
-
 } // namespace
 
-EditSession::EditSession(CFmlaExpression& expression, CString stored)
-    : m_Expression(expression), m_FirstStored(std::move(stored)), m_First(Snapshot())
+EditSession::EditSession(const std::string& stored) : m_FirstStored(stored)
 {
+    m_Expression.SetFromEncodedString(stored);
     AdjustLimit();
     PlaceAt(Text().GetLength());
-    m_First.cursor = m_Cursor;
+    m_First = Snapshot();
 }
 
 void EditSession::TravelTo(int pos)
 {
     m_Cursor = m_Expression.FixPos(std::clamp(pos, 0, Text().GetLength()), m_Cursor);
+    m_Latest = {};
 }
 
 void EditSession::PlaceAt(int pos)
@@ -85,46 +70,91 @@ void EditSession::MoveWordRight()
     TravelTo(pos);
 }
 
-Refusal EditSession::Type(const CString& text)
+KeyRefusal EditSession::Type(const CString& text)
 {
-    return Insert(text.GetLength(), [&] { return m_Expression.InsertString(text, m_Cursor); });
+    LatestStep step{LatestStep::Kind::Typing, !text.IsEmpty() && IsWordCharacter(text[0]),
+                    m_Cursor};
+    return Change(
+        [&] {
+            const bool isDone = m_Expression.InsertString(text, m_Cursor) != 0;
+            m_Cursor += isDone ? text.GetLength() : 0;
+            return isDone;
+        },
+        step);
 }
 
-Refusal EditSession::Backspace()
+KeyRefusal EditSession::Backspace()
 {
     int index = 0;
     if (m_Expression.OnVarRightEdge(m_Cursor, &index)) {
         // As the Delete key on its left edge, which takes a reference whole wherever it ends.
         const int start = m_Expression.VarPos(index);
-        return Erase(start, start);
+        return Erase(start, start, LatestStep::Kind::None);
     }
-    return Erase(PreviousPos(), m_Cursor);
+    return Erase(PreviousPos(), m_Cursor, LatestStep::Kind::Deleting);
 }
 
-Refusal EditSession::Delete()
+KeyRefusal EditSession::Delete()
 {
     // An empty range is the Delete key to the library, which takes a reference whole.
-    const bool isReference = m_Expression.OnVarLeftEdge(m_Cursor, nullptr) != 0;
-    return Erase(m_Cursor, isReference ? m_Cursor : NextPos());
+    if (m_Expression.OnVarLeftEdge(m_Cursor, nullptr))
+        return Erase(m_Cursor, m_Cursor, LatestStep::Kind::None);
+    return Erase(m_Cursor, NextPos(), LatestStep::Kind::Deleting);
 }
 
 // Asked for first: beyond the limit the library would refuse without telling which one it is.
-Refusal EditSession::InsertReference(const CString& name, int kind)
+KeyRefusal EditSession::InsertReference(const tovo::ObjectName& object,
+                                        std::optional<Stretch> instead)
 {
     if (m_Expression.NumVars() >= kMaxReferences)
-        return Refusal::ReferenceLimit;
-    return Insert(name.GetLength() + 2,
-                  [&] { return m_Expression.InsertVariable(name, m_Cursor, kind); });
+        return KeyRefusal::ReferenceLimit;
+    return Change([&] {
+        const CString name(std::string_view(object.name));
+        // The engine's kinds are in the order of the library's.
+        if (!MakeRoom(instead) ||
+            !m_Expression.InsertVariable(name, m_Cursor, static_cast<int>(object.kind)))
+            return false;
+        m_Cursor += name.GetLength() + 2;
+        return true;
+    });
 }
 
-Refusal EditSession::InsertWord(const CString& word, bool isFunction)
+KeyRefusal EditSession::InsertWord(const CString& word, bool isFunction,
+                                   std::optional<Stretch> instead)
 {
-    // Two words that touch would read as one. The end of a reference is a blank.
-    const bool touches = IsLanguageLetter(CharacterAt(m_Cursor - 1));
-    const Refusal refusal = Type((touches ? u" " : u"") + word + (isFunction ? u"()" : u""));
-    if (refusal == Refusal::None && isFunction)
-        MoveLeft();
-    return refusal;
+    return Change([&] {
+        if (!MakeRoom(instead))
+            return false;
+        // Two words that touch would read as one. The end of a reference is a blank.
+        const bool touches = IsLanguageLetter(CharacterAt(m_Cursor - 1));
+        const CString text = (touches ? u" " : u"") + word + (isFunction ? u"()" : u"");
+        if (!m_Expression.InsertString(text, m_Cursor))
+            return false;
+        m_Cursor += text.GetLength() - (isFunction ? 1 : 0);
+        return true;
+    });
+}
+
+void EditSession::ReplaceAll(const std::string& stored)
+{
+    m_Undo.push_back(Snapshot());
+    m_Redo.clear();
+    m_Latest = {};
+    Adopt(stored);
+}
+
+void EditSession::Adopt(const std::string& stored)
+{
+    const CString before = Text();
+    m_Expression.SetFromEncodedString(stored);
+    AdjustLimit();
+    const CString after = Text();
+    int pos = TextAlignment(before, after).End(m_Cursor);
+    // The blanks that were typed in front of the cursor.
+    for (int at = m_Cursor; at > 0 && before[at - 1] == kBlank && CharacterAt(pos) == kBlank; --at)
+        ++pos;
+    m_Latest.cursor = m_Cursor == m_Latest.cursor ? pos : -1;
+    PlaceAt(pos);
 }
 
 bool EditSession::Undo()
@@ -137,70 +167,86 @@ bool EditSession::Redo()
     return Step(m_Redo, m_Undo);
 }
 
-CString EditSession::Stored()
+std::string EditSession::Stored() const
 {
-    const State now = Snapshot();
-    const bool isFirst = now.text == m_First.text && now.pointers == m_First.pointers;
-    return isFirst ? m_FirstStored : m_Expression.GetEncodedString();
+    if (IsFirst())
+        return m_FirstStored;
+    CFmlaExprBase copy(m_Expression);
+    return copy.GetEncodedString().ToUtf8();
 }
 
-// A reader of its own, since reading would replace what is being edited.
-CString EditSession::TextReadBack()
+bool EditSession::IsFirst() const
 {
-    CFmlaExprBase reader;
-    reader.SetFromEncodedString(Stored());
-    const CString text = reader.GetTextStr();
-    return WithoutBlanks(text) == WithoutBlanks(Text()) ? Text() : text;
+    const State now = Snapshot();
+    return now.text == m_First.text && now.pointers == m_First.pointers;
 }
 
 // Carries out what the library may refuse, as one step to undo.
 template <typename Operation>
-Refusal EditSession::Change(Operation operation)
+KeyRefusal EditSession::Change(Operation operation, LatestStep step)
 {
     const State before = Snapshot();
-    if (!operation())
-        return ReasonToRefuse();
+    if (!operation()) {
+        const KeyRefusal reason = ReasonToRefuse();
+        Restore(before);
+        return reason;
+    }
     // At the limit blanks at the end make room for what is inserted. The last of them may be the
     // end of a reference, and that must stay.
     const int last = m_Expression.NumVars() - 1;
     if (m_Expression.VarEndPos(last) > Text().GetLength()) {
         Restore(before);
-        return Refusal::TextLimit;
+        return KeyRefusal::TextLimit;
     }
     AdjustLimit();
-    m_Undo.push_back(before);
-    m_Redo.clear();
-    return Refusal::None;
-}
-
-template <typename Operation>
-Refusal EditSession::Insert(int length, Operation operation)
-{
-    const Refusal refusal = Change(operation);
-    if (refusal == Refusal::None)
-        m_Cursor += length;
-    return refusal;
+    if (!BelongsToLatest(step)) {
+        m_Undo.push_back(before);
+        m_Redo.clear();
+    }
+    step.cursor = m_Cursor;
+    m_Latest = step;
+    return KeyRefusal::None;
 }
 
 // Start and end as DeleteChars takes them.
-Refusal EditSession::Erase(int start, int end)
+KeyRefusal EditSession::Erase(int start, int end, LatestStep::Kind kind)
 {
     // At either end of the text there is nothing to take, and so no step to undo.
     if (start == end && !m_Expression.OnVarLeftEdge(start, nullptr))
-        return Refusal::None;
-    const Refusal refusal = Change([&] {
-        int wholeVar = 0;
-        return m_Expression.DeleteChars(start, end, &wholeVar);
-    });
-    if (refusal == Refusal::None)
-        m_Cursor = start;
-    return refusal;
+        return KeyRefusal::None;
+    return Change(
+        [&] {
+            int wholeVar = 0;
+            const bool isDone = m_Expression.DeleteChars(start, end, &wholeVar) != 0;
+            m_Cursor = isDone ? start : m_Cursor;
+            return isDone;
+        },
+        {kind, IsWordCharacter(CharacterAt(start)), m_Cursor});
+}
+
+bool EditSession::MakeRoom(std::optional<Stretch> instead)
+{
+    if (!instead)
+        return true;
+    const int begin = m_Expression.FixPos(instead->begin, FD_LEFT);
+    const int end = m_Expression.FixPos(instead->end, FD_RIGHT);
+    int wholeVar = 0;
+    m_Cursor = begin;
+    return begin >= end || m_Expression.DeleteChars(begin, end, &wholeVar);
+}
+
+// A word is taken back as a whole, and so is a word that was deleted key by key.
+bool EditSession::BelongsToLatest(const LatestStep& step) const
+{
+    return step.kind != LatestStep::Kind::None && step.kind == m_Latest.kind && step.isInWord &&
+           m_Latest.isInWord && step.cursor == m_Latest.cursor && !m_Undo.empty();
 }
 
 // The library says no more than that it refuses.
-Refusal EditSession::ReasonToRefuse() const
+KeyRefusal EditSession::ReasonToRefuse() const
 {
-    return m_Expression.InVar(m_Cursor, nullptr) ? Refusal::InsideReference : Refusal::TextLimit;
+    return m_Expression.InVar(m_Cursor, nullptr) ? KeyRefusal::InsideReference
+                                                 : KeyRefusal::TextLimit;
 }
 
 // The pointer string is good for exactly its text, which is why both are kept.
@@ -220,6 +266,7 @@ bool EditSession::Step(std::vector<State>& from, std::vector<State>& to)
 {
     if (from.empty())
         return false;
+    m_Latest = {};
     to.push_back(Snapshot());
     Restore(from.back());
     from.pop_back();

@@ -1,29 +1,38 @@
 #ifndef TOVO_EDIT_EDITSESSION_H
 #define TOVO_EDIT_EDITSESSION_H
 
+#include <optional>
+#include <string>
 #include <vector>
 
-#include <TovoFormula/FmlaExpression.h>
+#include <TovoFormula/FmlaExprBase.h>
+
+#include <TovoJob/ObjectName.h>
 
 // Why a key changed nothing.
-enum class Refusal {
+enum class KeyRefusal {
     None,
     TextLimit,
     ReferenceLimit,
     InsideReference,
 };
 
+// Some characters of a text.
+struct Stretch {
+    int begin = 0;
+    int end = 0;
+};
+
 // The editing of one expression: its text, the cursor, undo and redo.
 //
 // The cursor never stands inside a reference, and a reference comes and goes as a whole. Positions
-// are those of the expression. Does not own: the expression, which must outlive the session and is
-// changed in place.
+// are those of the expression. What is typed in a row is one step to undo for each word.
 class EditSession {
 public:
-    // Stored: the encoded string that the expression was read from.
-    EditSession(CFmlaExpression& expression, CString stored);
+    // Stored: an expression in its stored form.
+    explicit EditSession(const std::string& stored);
 
-    const CFmlaExpression& Expression() const { return m_Expression; }
+    const CFmlaExprBase& Expression() const { return m_Expression; }
     CString Text() const { return m_Expression.GetTextStr(); }
     int Cursor() const { return m_Cursor; }
 
@@ -36,23 +45,29 @@ public:
     void MoveWordRight();
 
     // What the keyboard brings, at the cursor.
-    Refusal Type(const CString& text);
-    Refusal Backspace();
-    Refusal Delete();
-    Refusal InsertReference(const CString& name, int kind);
+    KeyRefusal Type(const CString& text);
+    KeyRefusal Backspace();
+    KeyRefusal Delete();
+    // These put what they insert in place of a stretch, or at the cursor.
+    KeyRefusal InsertReference(const tovo::ObjectName& object, std::optional<Stretch> instead = {});
     // The name of a function, with the cursor between its parentheses, or of another word.
-    Refusal InsertWord(const CString& word, bool isFunction);
+    KeyRefusal InsertWord(const CString& word, bool isFunction,
+                          std::optional<Stretch> instead = {});
 
-    // Answer false if there is nothing to take back or to do again.
+    // Puts another expression in place of the whole one, as one step.
+    void ReplaceAll(const std::string& stored);
+    // The same expression as it reads with its names as references: no step of its own, with the
+    // cursor in the same place of the text.
+    void Adopt(const std::string& stored);
+
+    // Return false if there is nothing to take back or to do again.
     bool Undo();
     bool Redo();
 
     // The string to store: that of the beginning if the text is that of the beginning, whatever way
     // of writing it has; else the text, encoded.
-    CString Stored();
-    // The text that a reader of the stored string will have. It is another one if the text holds a
-    // fault in a number, or typed letters that spell a reference.
-    CString TextReadBack();
+    std::string Stored() const;
+    bool IsFirst() const;
 
 private:
     struct State {
@@ -60,13 +75,24 @@ private:
         CString pointers;
         int cursor;
     };
+    // What the latest step was, to which the next one may belong.
+    struct LatestStep {
+        enum class Kind {
+            None,
+            Typing,
+            Deleting,
+        };
+        Kind kind = Kind::None;
+        bool isInWord = false;
+        int cursor = 0; // after it
+    };
 
     template <typename Operation>
-    Refusal Change(Operation operation);
-    template <typename Operation>
-    Refusal Insert(int length, Operation operation);
-    Refusal Erase(int start, int end);
-    Refusal ReasonToRefuse() const;
+    KeyRefusal Change(Operation operation, LatestStep step = {});
+    KeyRefusal Erase(int start, int end, LatestStep::Kind kind);
+    bool MakeRoom(std::optional<Stretch> instead);
+    bool BelongsToLatest(const LatestStep& step) const;
+    KeyRefusal ReasonToRefuse() const;
 
     State Snapshot() const;
     void Restore(const State& state);
@@ -76,10 +102,11 @@ private:
     int NextPos() const;
     char16_t CharacterAt(int pos) const;
 
-    CFmlaExpression& m_Expression;
-    const CString m_FirstStored;
+    CFmlaExprBase m_Expression;
+    const std::string m_FirstStored;
     int m_Cursor = 0;
     State m_First;
+    LatestStep m_Latest;
     std::vector<State> m_Undo; // the latest last
     std::vector<State> m_Redo;
 };

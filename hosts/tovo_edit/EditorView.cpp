@@ -1,22 +1,44 @@
 #include "EditorView.h"
 
 #include <algorithm>
-#include <stdexcept>
 
-#include "Dialogs.h"
 #include "FunctionList.h"
-#include "StatusText.h"
+#include "ObjectRows.h"
 
 namespace {
 
 constexpr std::size_t kMostResultLines = 3;
+constexpr int kMostCompletionRows = 8;
+constexpr int kCompletionWidth = 44;
 
 const std::vector<CString>& Keys()
 {
-    static const std::vector<CString> kKeys = {u"Esc back", u"F2 references", u"F3 functions",
-                                               u"^S save",  u"^Z undo",       u"^Y redo",
-                                               u"^Q quit"};
+    static const std::vector<CString> kKeys = {u"Esc back",     u"F1 keys",      u"F2 references",
+                                               u"F3 functions", u"Tab complete", u"F6 correct",
+                                               u"^S save",      u"^Z undo",      u"^Q quit"};
     return kKeys;
+}
+
+const std::vector<KeyHelp>& Help()
+{
+    static const std::vector<KeyHelp> kHelp = {
+        {u"letters", u"type names as they are; a list opens with what fits"},
+        {u"Tab", u"the list of all that fits here; in the list take the chosen one, as Enter does"},
+        {u"Up, Down, Esc", u"in the list choose, or close it"},
+        {u"arrows, Home, End", u"move; past a reference as a whole"},
+        {u"Ctrl-Left, Ctrl-Right", u"to the next word"},
+        {u"Backspace, Delete", u"take a character, or a reference whole"},
+        {u"F2", u"insert a variable, a formula or a table"},
+        {u"F3", u"insert a function or another word"},
+        {u"F6", u"offer corrections of what is wrong"},
+        {u"F7", u"why: how the value came about"},
+        {u"F8", u"who: the users of the formula"},
+        {u"Ctrl-Z, Ctrl-Y", u"undo and redo, word by word"},
+        {u"Ctrl-S, Ctrl-W", u"save, save as"},
+        {u"Esc", u"back to the list; the text is kept"},
+        {u"Ctrl-Q", u"leave, with a question if something is not saved"},
+    };
+    return kHelp;
 }
 
 // The whole stretch is painted, blanks included: it is what a key takes.
@@ -24,200 +46,240 @@ Paint PaintAt(const CFmlaExprBase& expression, int position)
 {
     for (int index = 0; index < expression.NumVars(); ++index) {
         if (position >= expression.VarPos(index) && position < expression.VarEndPos(index))
-            return PaintOfReference(expression.VarType(index));
+            return PaintOf(static_cast<tovo::Kind>(expression.VarType(index)));
     }
     return Paint::Plain;
 }
 
-struct Candidate {
-    CString name;
-    int kind;
-    CString detail;
-};
-
-// The formula that is edited is among them. To name itself is a fault, and the status says so.
-std::vector<Candidate> CandidatesIn(Job& job, const TextManner& manner)
+// Variables and job values are told by their bare names, as in a report of the job.
+std::string ReferenceText(const tovo::ObjectName& object)
 {
-    std::vector<Candidate> candidates;
-    for (const auto& variable : job.Variables()) {
-        const Value value{variable->GetName(), variable->GetUnit(0), variable->IsBoolean(),
-                          variable->GetValue()};
-        candidates.push_back({value.name, TOK_VARIABLE,
-                              CString(ValueText(value, manner).c_str()) + u" " + value.unit});
+    const bool needsWord = object.kind == tovo::Kind::Formula || object.kind == tovo::Kind::Table;
+    return (needsWord ? std::string(WordFor(object.kind)) + " " : "") + object.name;
+}
+
+const char16_t* WordFor(tovo::CompletionKind kind)
+{
+    switch (kind) {
+    case tovo::CompletionKind::Variable:
+        return u"variable";
+    case tovo::CompletionKind::Formula:
+        return u"formula";
+    case tovo::CompletionKind::Table:
+        return u"table";
+    case tovo::CompletionKind::Function:
+        return u"function";
+    case tovo::CompletionKind::JobValue:
+        return u"job value";
+    case tovo::CompletionKind::Constant:
+    case tovo::CompletionKind::Operator:
+        break;
     }
-    for (const auto& formula : job.Formulas())
-        candidates.push_back({formula->GetName(), TOK_FORMULA, formula->GetUnit()});
-    for (const auto& table : job.Tables())
-        candidates.push_back({table->GetName(), TOK_FORMTBL, job.UnitOf(*table)});
-    return candidates;
+    return u"word";
 }
 
 } // namespace
 
-EditorView::EditorView(Terminal& terminal, JobDocument& document, std::size_t formula,
-                       const TextManner& manner)
-    : m_Terminal(terminal),
-      m_Document(document),
-      m_Formula(formula),
-      m_Manner(manner),
-      m_Session(document.Formula(formula).GetExpression(), document.Expression(formula))
+EditorView::EditorView(Terminal& terminal, Document& document, Commands& commands,
+                       const std::string& formula)
+    : m_Terminal(terminal), m_Document(document), m_Commands(commands), m_Draft(document, formula)
 {
     Check();
 }
 
-// Leaving stores the text, so that nothing typed is lost by the way out.
 Key EditorView::Run()
 {
     for (;;) {
         Draw();
         const KeyPress press = m_Terminal.Read();
-        m_Notice.Empty();
-        m_IsRefusal = false;
-        if (press.key == Key::Escape || press.key == Key::Quit || press.key == Key::HangUp) {
-            Store();
-            return press.key;
+        // A moment without keys is the time to look for corrections.
+        if (press.key == Key::Idle) {
+            if (m_Problem)
+                Corrections();
+            continue;
         }
+        m_Notice = {};
+        if (press.key == Key::Escape && !m_Completions.empty()) {
+            m_Completions.clear();
+            continue;
+        }
+        if (press.key == Key::Escape || press.key == Key::Quit || press.key == Key::HangUp)
+            return press.key;
         Handle(press);
-    }
-}
-
-void EditorView::Check()
-{
-    // The static scan: what the text depends on does not change with the values of a condition.
-    m_Facts = CalculateFormula(m_Document.Objects(), m_Document.Formula(m_Formula), true);
-    m_TextReadBack = m_Session.TextReadBack();
-}
-
-// Stores first, since what is saved are the document's bytes. The objects stay, and with them the
-// undo steps of the session.
-void EditorView::Save()
-{
-    Store();
-    try {
-        m_Document.Save();
-        m_Notice = u"Saved " + CString(m_Document.Path().c_str());
-    } catch (const std::runtime_error& fault) {
-        m_Notice = u"Not saved: " + CString(fault.what());
-        m_IsRefusal = true;
     }
 }
 
 void EditorView::Handle(const KeyPress& press)
 {
-    // Only a change of the text asks for a new check, which may calculate the whole job.
+    if (press.key == Key::Resize || press.key == Key::Other || HandleCompletions(press.key))
+        return;
+    m_Completions.clear();
     if (press.key == Key::Save)
-        Save();
-    else if (press.key == Key::Click)
+        m_Notice = m_Commands.Save();
+    else if (press.key == Key::SaveAs)
+        m_Notice = m_Commands.SaveAs();
+    else if (press.key == Key::Tab)
+        OpenCompletions(true);
+    else if (press.key >= Key::F6 || press.key == Key::F1)
+        HandleQuestion(press.key);
+    if (press.key == Key::Click)
         Click(press);
     else if (!HandleMove(press))
         HandleEdit(press);
 }
 
-// Answers false for a key that is no move.
+// Returns false for a key that is none of the list.
+bool EditorView::HandleCompletions(Key key)
+{
+    if (m_Completions.empty())
+        return false;
+    if (key == Key::Up || key == Key::Down || key == Key::PageUp || key == Key::PageDown) {
+        m_CompletionCursor.Handle(key, kMostCompletionRows);
+        m_CompletionCursor.Fit(static_cast<int>(m_Completions.size()), kMostCompletionRows);
+        return true;
+    }
+    if (key != Key::Enter && key != Key::Tab)
+        return false;
+    const auto chosen = static_cast<std::size_t>(m_CompletionCursor.Selected());
+    Tell(m_Draft.Take(m_Completions[chosen]));
+    m_Completions.clear();
+    Check();
+    return true;
+}
+
+// Returns false for a key that is no move.
 bool EditorView::HandleMove(const KeyPress& press)
 {
     const int page = static_cast<int>(m_TextHeight);
+    const int before = Session().Cursor();
     switch (press.key) {
     case Key::Left:
-        m_Session.MoveLeft();
-        return true;
+        Session().MoveLeft();
+        break;
     case Key::Right:
-        m_Session.MoveRight();
-        return true;
+        Session().MoveRight();
+        break;
     case Key::WordLeft:
-        m_Session.MoveWordLeft();
-        return true;
+        Session().MoveWordLeft();
+        break;
     case Key::WordRight:
-        m_Session.MoveWordRight();
-        return true;
+        Session().MoveWordRight();
+        break;
     case Key::Up:
     case Key::Down:
         MoveByRows(press.key == Key::Up ? -1 : 1);
-        return true;
+        break;
     case Key::PageUp:
     case Key::PageDown:
         MoveByRows(press.key == Key::PageUp ? -page : page);
-        return true;
+        break;
     case Key::Home:
-        m_Session.TravelTo(0);
-        return true;
+        Session().TravelTo(0);
+        break;
     case Key::End:
-        m_Session.TravelTo(m_Session.Text().GetLength());
-        return true;
+        Session().TravelTo(Session().Text().GetLength());
+        break;
     default:
         return false;
     }
+    // A word that the cursor leaves is finished.
+    if (Session().Cursor() != before)
+        Check();
+    return true;
 }
 
 void EditorView::HandleEdit(const KeyPress& press)
 {
     if (press.key == Key::Character)
-        Tell(m_Session.Type(press.text));
+        Tell(Session().Type(press.text));
     else if (press.key == Key::Backspace)
-        Tell(m_Session.Backspace());
+        Tell(Session().Backspace());
     else if (press.key == Key::Delete)
-        Tell(m_Session.Delete());
-    else if (press.key == Key::References)
+        Tell(Session().Delete());
+    else if (press.key == Key::F2)
         Tell(InsertReference());
-    else if (press.key == Key::Functions)
+    else if (press.key == Key::F3)
         Tell(InsertFunction());
-    else if (press.key == Key::Undo && !m_Session.Undo())
-        m_Notice = u"Nothing to undo";
-    else if (press.key == Key::Redo && !m_Session.Redo())
-        m_Notice = u"Nothing to redo";
+    else if (press.key == Key::Undo && !Session().Undo())
+        m_Notice = {u"Nothing to undo"};
+    else if (press.key == Key::Redo && !Session().Redo())
+        m_Notice = {u"Nothing to redo"};
+    else if (press.key != Key::Undo && press.key != Key::Redo)
+        return;
     Check();
+    if (press.key == Key::Character || press.key == Key::Backspace)
+        OpenCompletions(false);
 }
 
-void EditorView::Tell(Refusal refusal)
+void EditorView::HandleQuestion(Key key)
 {
-    if (refusal == Refusal::None)
+    if (key == Key::F1)
+        m_Commands.ShowKeys(u"Keys of the editor", Help());
+    else if (key == Key::F6)
+        Correct();
+    else if (key == Key::F7)
+        m_Commands.ShowWhy(m_Draft.Object());
+    else if (key == Key::F8)
+        m_Commands.ShowUsers(m_Draft.Object(), m_Notice);
+}
+
+void EditorView::Tell(KeyRefusal refusal)
+{
+    if (refusal == KeyRefusal::None)
         return;
-    if (refusal == Refusal::TextLimit)
-        m_Notice.Format(u"At the text limit of %d characters", kDefaultTextLimit);
-    else if (refusal == Refusal::ReferenceLimit)
-        m_Notice.Format(u"%d references at the most", kMaxReferences);
+    m_Notice.isRefusal = true;
+    if (refusal == KeyRefusal::TextLimit)
+        m_Notice.text.Format(u"At the text limit of %d characters", kDefaultTextLimit);
+    else if (refusal == KeyRefusal::ReferenceLimit)
+        m_Notice.text.Format(u"%d references at the most", kMaxReferences);
     else
-        m_Notice = u"Not inside a reference";
-    m_IsRefusal = true;
+        m_Notice.text = u"Not inside a reference";
     m_Terminal.Beep();
 }
 
 void EditorView::Click(const KeyPress& press)
 {
     // A click on the mark or below the text counts for the row above.
-    const TextLayout layout(m_Session.Text(), Width());
+    const TextLayout layout(Session().Text(), Width());
     const std::vector<Line> lines = Lines(layout);
     const int shown = press.row - 1;
     if (shown < 0 || shown >= static_cast<int>(m_TextHeight))
         return;
     const std::size_t line = std::min(static_cast<std::size_t>(m_Top + shown), lines.size() - 1);
-    m_Session.PlaceAt(layout.PositionAt({lines[line].row, press.column}));
+    Session().PlaceAt(layout.PositionAt({lines[line].row, press.column}));
+    Check();
 }
 
 void EditorView::MoveByRows(int rows)
 {
-    const TextLayout layout(m_Session.Text(), Width());
+    const TextLayout layout(Session().Text(), Width());
     // A move, not a click: out of a name that is longer than a row the nearest edge would lead
     // back.
-    TextLayout::Place place = layout.PlaceOf(m_Session.Cursor());
+    TextLayout::Place place = layout.PlaceOf(Session().Cursor());
     place.row = std::clamp(place.row + rows, 0, static_cast<int>(layout.Rows().size()) - 1);
-    m_Session.TravelTo(layout.PositionAt(place));
+    Session().TravelTo(layout.PositionAt(place));
 }
 
-Refusal EditorView::InsertReference()
+// The formula that is edited is among them. To name itself is a fault, and the status says so.
+KeyRefusal EditorView::InsertReference()
 {
-    const std::vector<Candidate> candidates = CandidatesIn(m_Document.Objects(), m_Manner);
+    const ObjectRows objects(m_Document.Job(), m_Commands.Decimal());
     std::vector<PickEntry> entries;
-    for (const Candidate& candidate : candidates)
-        entries.push_back({KindText(candidate.kind), candidate.name, candidate.detail,
-                           PaintOfReference(candidate.kind)});
-    const auto chosen = Pick(m_Terminal, u"References", entries);
-    if (!chosen)
-        return Refusal::None;
-    return m_Session.InsertReference(candidates[*chosen].name, candidates[*chosen].kind);
+    std::vector<tovo::ObjectName> references;
+    for (std::size_t at = 0; at < objects.Count(); ++at) {
+        const tovo::ObjectName& object = objects.At(at);
+        if (object.kind == tovo::Kind::JobValue)
+            continue;
+        const ObjectFacts facts = FactsOf(m_Document.Job(), object, m_Commands.Decimal());
+        references.push_back(object);
+        entries.push_back({Wide(facts.kind), Wide(facts.name), Wide(facts.value + " " + facts.unit),
+                           PaintOf(object.kind)});
+    }
+    const auto chosen = Pick(m_Terminal, u"References", entries, u"insert");
+    return chosen ? Session().InsertReference(references[*chosen]) : KeyRefusal::None;
 }
 
-Refusal EditorView::InsertFunction()
+KeyRefusal EditorView::InsertFunction()
 {
     // The filter looks at the arguments too: who forgot the name may know what it takes.
     const std::vector<Word> words = WordsOfTheLanguage();
@@ -225,10 +287,51 @@ Refusal EditorView::InsertFunction()
     for (const Word& word : words)
         entries.push_back(
             {word.IsFunction() ? u"function" : u"word", word.name + word.arguments, word.meaning});
-    const auto chosen = Pick(m_Terminal, u"Functions", entries);
+    const auto chosen = Pick(m_Terminal, u"Functions", entries, u"insert");
     if (!chosen)
-        return Refusal::None;
-    return m_Session.InsertWord(words[*chosen].name, words[*chosen].IsFunction());
+        return KeyRefusal::None;
+    return Session().InsertWord(words[*chosen].name, words[*chosen].IsFunction());
+}
+
+void EditorView::Check()
+{
+    m_Draft.Check();
+    m_Problem = m_Draft.WhatIsWrong();
+    m_Corrections.reset();
+}
+
+void EditorView::OpenCompletions(bool all)
+{
+    m_Completions = m_Draft.Completions(all);
+    m_CompletionCursor = {};
+    if (all && m_Completions.empty())
+        m_Notice = {u"Nothing fits here"};
+}
+
+const std::vector<FormulaDraft::Correction>& EditorView::Corrections()
+{
+    if (!m_Corrections)
+        m_Corrections = m_Draft.Corrections();
+    return *m_Corrections;
+}
+
+void EditorView::Correct()
+{
+    if (!m_Problem || Corrections().empty()) {
+        m_Notice = {m_Problem ? u"No correction is known" : u"Nothing is wrong"};
+        return;
+    }
+    std::vector<PickEntry> entries;
+    for (const FormulaDraft::Correction& correction : Corrections()) {
+        CFmlaExprBase corrected;
+        corrected.SetFromEncodedString(correction.expression);
+        entries.push_back({u"correct", Wide(correction.description), corrected.GetTextStr()});
+    }
+    const auto chosen = Pick(m_Terminal, u"Corrections", entries, u"correct");
+    if (!chosen)
+        return;
+    Session().ReplaceAll(Corrections()[*chosen].expression);
+    Check();
 }
 
 // A character of two columns must fit into a row, however narrow the terminal.
@@ -237,11 +340,11 @@ int EditorView::Width() const
     return std::max(m_Terminal.Columns(), 2);
 }
 
-// The mark has a line of its own, so a long text is not hidden by it. A fault without a place, such
-// as a result of the wrong kind, is marked at the start.
+// The mark has a line of its own, so a long text is not hidden by it, and a terminal without
+// colours shows it.
 std::vector<EditorView::Line> EditorView::Lines(const TextLayout& layout) const
 {
-    const int marked = m_Facts.fault ? layout.PlaceOf(std::max(m_Facts.faultPos, 0)).row : -1;
+    const int marked = m_Problem ? layout.PlaceOf(m_Problem->place.begin).row : -1;
     std::vector<Line> lines;
     for (int row = 0; row < static_cast<int>(layout.Rows().size()); ++row) {
         lines.push_back({row, false});
@@ -254,18 +357,47 @@ std::vector<EditorView::Line> EditorView::Lines(const TextLayout& layout) const
 std::vector<EditorView::Message> EditorView::Status() const
 {
     std::vector<Message> messages;
-    const auto add = [&](const CString& text, std::size_t mostLines, Paint paint) {
-        for (const CString& line : WrappedLines(text, Width(), mostLines))
-            messages.push_back({line, paint});
-    };
-    add(ResultText(m_Facts, m_Manner), kMostResultLines,
-        m_Facts.fault ? Paint::Fault : Paint::Plain);
-    add(DependsText(m_Facts, m_Session.Expression(), m_Document.Objects().Set()),
-        static_cast<std::size_t>(std::max(m_Terminal.Rows() / 3, 2)), Paint::Plain);
-    // The stored form has no way to tell typed letters from a reference.
-    if (m_TextReadBack != m_Session.Text())
-        add(u"Stored, this will read: " + m_TextReadBack, 1, Paint::Fault);
+    for (const CString& line : WrappedLines(ResultText(), Width(), kMostResultLines))
+        messages.push_back({line, m_Problem ? Paint::Fault : Paint::Plain});
+    if (m_Problem && m_Corrections && !m_Corrections->empty())
+        messages.push_back({u"F6: " + Wide(m_Corrections->front().description), Paint::Strong});
+    AddSignature(messages);
+    AddUses(messages);
     return messages;
+}
+
+void EditorView::AddSignature(std::vector<Message>& messages) const
+{
+    const auto signature = m_Draft.SignatureHere();
+    if (!signature)
+        return;
+    Message message{Wide(signature->text), Paint::Plain};
+    if (signature->parameter) {
+        const tovo::Span& span = signature->parameters[*signature->parameter];
+        message.strong = {static_cast<int>(span.begin.utf16), static_cast<int>(span.end.utf16)};
+    }
+    message.text += u"  " + Wide(signature->function->sentence);
+    messages.push_back(message);
+}
+
+void EditorView::AddUses(std::vector<Message>& messages) const
+{
+    std::string names;
+    for (const tovo::Dependency& use : m_Draft.Uses())
+        names += (names.empty() ? "" : ", ") + ReferenceText(use.object) +
+                 (use.isDefined ? "" : " (not in the job)");
+    const auto mostLines = static_cast<std::size_t>(std::max(m_Terminal.Rows() / 3, 2));
+    const CString text = Wide("depends on: " + (names.empty() ? "nothing" : names));
+    for (const CString& line : WrappedLines(text, Width(), mostLines))
+        messages.push_back({line, Paint::Plain});
+}
+
+CString EditorView::ResultText() const
+{
+    if (m_Problem)
+        return Wide(m_Problem->text);
+    const ObjectFacts facts = FactsOf(m_Document.Job(), m_Draft.Object(), m_Commands.Decimal());
+    return Wide("= " + facts.value + " " + facts.unit);
 }
 
 // Keeps the cursor's line in sight, and a mark below it.
@@ -281,7 +413,7 @@ void EditorView::ScrollTo(const std::vector<Line>& lines, int row, int height)
 
 void EditorView::Draw()
 {
-    const TextLayout layout(m_Session.Text(), Width());
+    const TextLayout layout(Session().Text(), Width());
     std::vector<Message> status = Status();
     // The text goes before the status, which is why a small terminal cuts that.
     const int room = std::max(m_Terminal.Rows() - 4, 0); // beside title, footer and two of text
@@ -290,23 +422,28 @@ void EditorView::Draw()
     m_TextHeight = static_cast<std::size_t>(std::max(statusRow - 1, 1));
 
     m_Terminal.Clear();
-    const bool isChanged =
-        m_Document.IsChanged() || m_Session.Stored() != m_Document.Expression(m_Formula);
-    m_Terminal.WriteBar(0, u"Formula " + m_Facts.value.name + (isChanged ? u" *" : u""),
-                        Paint::Bar);
-    for (std::size_t line = 0; line < status.size(); ++line)
-        m_Terminal.Write(statusRow + static_cast<int>(line), 0, status[line].text,
-                         status[line].paint);
-    m_Terminal.WriteBar(m_Terminal.Rows() - 1,
-                        m_Notice.IsEmpty() ? FooterOf(Keys(), m_Terminal.Columns()) : m_Notice,
-                        m_IsRefusal ? Paint::Refused : Paint::Bar);
+    const CString star = m_Document.IsModified() ? u" *" : u"";
+    m_Terminal.WriteBar(0, u"Formula " + Wide(m_Draft.Object().name) + star, Paint::Bar);
+    DrawStatus(status, statusRow);
+    DrawFooter(m_Terminal, m_Notice, Keys());
     DrawText(layout, Lines(layout));
+}
+
+void EditorView::DrawStatus(const std::vector<Message>& status, int row)
+{
+    for (const Message& message : status) {
+        m_Terminal.Write(row, 0, message.text, message.paint);
+        const CString strong =
+            message.text.Mid(message.strong.begin, message.strong.end - message.strong.begin);
+        m_Terminal.Write(row++, WidthOf(message.text.Left(message.strong.begin)), strong,
+                         Paint::Strong);
+    }
 }
 
 // Comes last, since what is drawn takes the cursor along.
 void EditorView::DrawText(const TextLayout& layout, const std::vector<Line>& lines)
 {
-    const TextLayout::Place cursor = layout.PlaceOf(m_Session.Cursor());
+    const TextLayout::Place cursor = layout.PlaceOf(Session().Cursor());
     ScrollTo(lines, cursor.row, static_cast<int>(m_TextHeight));
     const std::size_t top = static_cast<std::size_t>(m_Top);
     const std::size_t end = std::min(lines.size(), top + m_TextHeight);
@@ -317,6 +454,7 @@ void EditorView::DrawText(const TextLayout& layout, const std::vector<Line>& lin
         if (lines[index].row == cursor.row && !lines[index].isMark)
             cursorRow = screenRow;
     }
+    DrawCompletions(cursorRow, cursor.column);
     m_Terminal.ShowCursor(cursorRow, cursor.column);
 }
 
@@ -324,15 +462,59 @@ void EditorView::DrawText(const TextLayout& layout, const std::vector<Line>& lin
 void EditorView::DrawLine(const TextLayout& layout, const Line& line, int screenRow)
 {
     if (line.isMark) {
-        const int column = layout.PlaceOf(std::max(m_Facts.faultPos, 0)).column;
-        m_Terminal.Write(screenRow, column, u"^", Paint::Fault);
+        DrawMark(layout, screenRow);
         return;
     }
-    const CString text = m_Session.Text();
+    const CString text = Session().Text();
     int column = 0;
     for (const Glyph& glyph : layout.Rows()[static_cast<std::size_t>(line.row)].glyphs) {
+        const bool isFaulty = m_Problem && glyph.position >= m_Problem->place.begin &&
+                              glyph.position < m_Problem->place.end;
         m_Terminal.Write(screenRow, column, text.Mid(glyph.position, glyph.length),
-                         PaintAt(m_Session.Expression(), glyph.position));
+                         isFaulty ? Paint::FaultPlace
+                                  : PaintAt(Session().Expression(), glyph.position));
         column += glyph.width;
     }
+}
+
+// Below the faulty stretch, up to the end of its first row.
+void EditorView::DrawMark(const TextLayout& layout, int screenRow)
+{
+    const TextLayout::Place begin = layout.PlaceOf(m_Problem->place.begin);
+    const TextLayout::Place end = layout.PlaceOf(m_Problem->place.end);
+    const int endColumn = end.row == begin.row ? end.column : Width();
+    const int width = std::max(endColumn - begin.column, 1);
+    m_Terminal.Write(screenRow, begin.column, CString(u'^', width), Paint::Fault);
+}
+
+// Below the cursor, or above it where there is more room.
+void EditorView::DrawCompletions(int cursorRow, int cursorColumn)
+{
+    const int count = static_cast<int>(m_Completions.size());
+    const int below = m_Terminal.Rows() - 2 - cursorRow;
+    const int above = cursorRow - 1;
+    const int height = std::min({count, kMostCompletionRows, std::max(below, above)});
+    const int firstRow = height <= below ? cursorRow + 1 : cursorRow - height;
+    const int width = std::min(kCompletionWidth, m_Terminal.Columns());
+    const int column = std::clamp(cursorColumn, 0, m_Terminal.Columns() - width);
+    m_CompletionCursor.Fit(count, std::max(height, 1));
+    for (int row = 0; row < height; ++row) {
+        const int index = m_CompletionCursor.Top() + row;
+        const tovo::Completion& completion = m_Completions[static_cast<std::size_t>(index)];
+        const CString line =
+            u"\u2502" + Padded(Wide(completion.label), width / 2) + u" " + DetailOf(completion);
+        m_Terminal.Write(firstRow + row, column, Padded(line, width),
+                         index == m_CompletionCursor.Selected() ? Paint::Selected : Paint::Plain);
+    }
+}
+
+CString EditorView::DetailOf(const tovo::Completion& completion) const
+{
+    CString detail = WordFor(completion.kind);
+    if (completion.kind <= tovo::CompletionKind::Table) {
+        const tovo::ObjectName object{static_cast<tovo::Kind>(completion.kind), completion.label};
+        const ObjectFacts facts = FactsOf(m_Document.Job(), object, m_Commands.Decimal());
+        detail += u" " + Wide(facts.value + " " + facts.unit);
+    }
+    return detail;
 }

@@ -2,26 +2,25 @@
 #define TOVO_EDIT_EDITORVIEW_H
 
 #include <cstddef>
+#include <optional>
+#include <string>
 #include <vector>
 
-#include "Calculation.h"
-#include "EditSession.h"
+#include "Commands.h"
+#include "Dialogs.h"
+#include "FormulaDraft.h"
 #include "Glyphs.h"
-#include "JobDocument.h"
 #include "Terminal.h"
-#include "TextReport.h"
 
-// The screen on which one formula is edited, with what it gives after every change.
+// The screen on which one formula is edited, with what it evaluates to after every change.
 //
-// Does not own: terminal and document, which must outlive it. The document's objects must stay
-// while it lives.
+// Does not own: terminal, document and commands, which must outlive it.
 class EditorView {
 public:
-    EditorView(Terminal& terminal, JobDocument& document, std::size_t formula,
-               const TextManner& manner);
+    EditorView(Terminal& terminal, Document& document, Commands& commands,
+               const std::string& formula);
 
-    // Returns when the user leaves, with the text stored in the document, and gives the key that
-    // they left by: Escape, Quit or HangUp.
+    // Returns when the user leaves, and with which key: Escape, Quit or HangUp.
     Key Run();
 
 private:
@@ -33,38 +32,50 @@ private:
     struct Message {
         CString text;
         Paint paint;
+        Stretch strong = {}; // a part that stands out
     };
 
-    void Check();
-    void Store() { m_Document.StoreExpression(m_Formula, m_Session.Stored()); }
-    void Save();
-
     void Handle(const KeyPress& press);
+    bool HandleCompletions(Key key);
     bool HandleMove(const KeyPress& press);
     void HandleEdit(const KeyPress& press);
-    void Tell(Refusal refusal);
+    void HandleQuestion(Key key);
+    void Tell(KeyRefusal refusal);
     void Click(const KeyPress& press);
     void MoveByRows(int rows);
-    Refusal InsertReference();
-    Refusal InsertFunction();
+    KeyRefusal InsertReference();
+    KeyRefusal InsertFunction();
+    void Check();
+    void OpenCompletions(bool all);
+    const std::vector<FormulaDraft::Correction>& Corrections();
+    void Correct();
 
+    EditSession& Session() { return m_Draft.Session(); }
     int Width() const;
     std::vector<Line> Lines(const TextLayout& layout) const;
     std::vector<Message> Status() const;
+    void AddSignature(std::vector<Message>& messages) const;
+    void AddUses(std::vector<Message>& messages) const;
+    CString ResultText() const;
     void ScrollTo(const std::vector<Line>& lines, int row, int height);
     void Draw();
+    void DrawStatus(const std::vector<Message>& status, int row);
     void DrawText(const TextLayout& layout, const std::vector<Line>& lines);
     void DrawLine(const TextLayout& layout, const Line& line, int screenRow);
+    void DrawMark(const TextLayout& layout, int screenRow);
+    void DrawCompletions(int cursorRow, int cursorColumn);
+    CString DetailOf(const tovo::Completion& completion) const;
 
     Terminal& m_Terminal;
-    JobDocument& m_Document;
-    const std::size_t m_Formula;
-    const TextManner& m_Manner;
-    EditSession m_Session;
-    FormulaFacts m_Facts;
-    CString m_TextReadBack;
-    CString m_Notice;             // in the footer until the next key
-    bool m_IsRefusal = false;     // of the notice
+    Document& m_Document;
+    Commands& m_Commands;
+    FormulaDraft m_Draft;
+    std::optional<FormulaDraft::Problem> m_Problem;
+    // Of the text as it is; absent until someone asks, since they take time.
+    std::optional<std::vector<FormulaDraft::Correction>> m_Corrections;
+    std::vector<tovo::Completion> m_Completions; // the list that is open; empty for none
+    ListCursor m_CompletionCursor;
+    Notice m_Notice;
     int m_Top = 0;                // the first line of the text in sight
     std::size_t m_TextHeight = 1; // lines of the text in sight, as drawn last
 };

@@ -14,11 +14,12 @@
 #define NCURSES_NOMACROS
 #include <curses.h>
 
-#include <TovoFormula/TokenCodes.h>
-
 #include "Glyphs.h"
 
 namespace {
+
+// How long a wait for a key is, in milliseconds.
+constexpr int kMoment = 400;
 
 // Behind the codes that the terminal library gives out itself.
 constexpr int kWordLeftCode = KEY_MAX + 1;
@@ -51,6 +52,7 @@ constexpr Colours kColours[] = {
     {Paint::Formula, COLOR_GREEN, 34, A_UNDERLINE | A_BOLD},
     {Paint::Table, COLOR_MAGENTA, 134, A_UNDERLINE | A_BOLD},
     {Paint::Fault, COLOR_RED, 203, A_BOLD},
+    {Paint::FaultPlace, COLOR_RED, 203, A_UNDERLINE | A_BOLD},
     {Paint::Refused, COLOR_RED, 203, A_BOLD | A_REVERSE},
 };
 
@@ -61,6 +63,8 @@ attr_t AttributesOf(Paint paint)
         if (colours.paint == paint)
             return colours.attributes;
     }
+    if (paint == Paint::Strong)
+        return A_BOLD;
     return paint == Paint::Plain ? A_NORMAL : A_REVERSE;
 }
 
@@ -101,10 +105,15 @@ Key KeyOfCode(int code)
                                              {KEY_NPAGE, Key::PageDown},
                                              {KEY_HOME, Key::Home},
                                              {KEY_END, Key::End},
-                                             {KEY_F(2), Key::References},
-                                             {KEY_F(3), Key::Functions},
-                                             {KEY_F(4), Key::Rename},
-                                             {KEY_F(5), Key::Remove},
+                                             {KEY_F(1), Key::F1},
+                                             {KEY_F(2), Key::F2},
+                                             {KEY_F(3), Key::F3},
+                                             {KEY_F(4), Key::F4},
+                                             {KEY_F(5), Key::F5},
+                                             {KEY_F(6), Key::F6},
+                                             {KEY_F(7), Key::F7},
+                                             {KEY_F(8), Key::F8},
+                                             {KEY_F(9), Key::F9},
                                              {kWordLeftCode, Key::WordLeft},
                                              {KEY_RESIZE, Key::Resize},
                                              {KEY_MOUSE, Key::Click},
@@ -120,13 +129,15 @@ constexpr wint_t Control(char letter)
 }
 
 // Control characters reach us as such, since the terminal is in raw mode. Those that mean nothing
-// here are not typed into a formula, a pasted tab among them.
+// here are not typed into a formula.
 Key KeyOfCharacter(wint_t character)
 {
     switch (character) {
     case L'\r':
     case L'\n':
         return Key::Enter;
+    case L'\t':
+        return Key::Tab;
     case 0x1B:
         return Key::Escape;
     case 0x7F:
@@ -138,6 +149,8 @@ Key KeyOfCharacter(wint_t character)
         return Key::Redo;
     case Control('S'):
         return Key::Save;
+    case Control('W'):
+        return Key::SaveAs;
     case Control('C'):
     case Control('Q'):
         return Key::Quit;
@@ -182,7 +195,7 @@ bool SkipSequence()
         unget_wch(static_cast<wchar_t>(next));
     while (isSequence && (kind = wget_wch(stdscr, &next)) == OK && (next < 0x40 || next > 0x7E)) {
     }
-    wtimeout(stdscr, -1);
+    wtimeout(stdscr, kMoment);
     return isSequence;
 }
 
@@ -202,10 +215,19 @@ void StartLocale()
 
 } // namespace
 
-Paint PaintOfReference(int kind)
+Paint PaintOf(tovo::Kind kind)
 {
-    const Paint other = kind == TOK_FORMTBL ? Paint::Table : Paint::Variable;
-    return kind == TOK_FORMULA ? Paint::Formula : other;
+    switch (kind) {
+    case tovo::Kind::Variable:
+        return Paint::Variable;
+    case tovo::Kind::Formula:
+        return Paint::Formula;
+    case tovo::Kind::Table:
+        return Paint::Table;
+    case tovo::Kind::JobValue:
+        break;
+    }
+    return Paint::Plain;
 }
 
 Terminal::Terminal()
@@ -227,6 +249,7 @@ Terminal::Terminal()
         define_key(sequence.bytes, sequence.code);
     mousemask(BUTTON1_PRESSED | BUTTON4_PRESSED | BUTTON5_PRESSED, nullptr);
     mouseinterval(0); // Else a press waits until it is known to be no double click.
+    wtimeout(stdscr, kMoment);
     StartColours();
 }
 
@@ -290,10 +313,12 @@ void Terminal::Beep()
 
 KeyPress Terminal::Read()
 {
+    if (m_OnWait)
+        m_OnWait();
     wint_t character = 0;
     const int kind = wget_wch(stdscr, &character);
     if (kind == ERR)
-        return {IsHungUp() ? Key::HangUp : Key::Other, {}, 0, 0};
+        return {IsHungUp() ? Key::HangUp : Key::Idle, {}, 0, 0};
     if (kind == KEY_CODE_YES) {
         const Key key = KeyOfCode(static_cast<int>(character));
         return key == Key::Click ? MousePress() : KeyPress{key, {}, 0, 0};

@@ -1,7 +1,12 @@
 #ifndef TOVO_EDIT_TERMINAL_H
 #define TOVO_EDIT_TERMINAL_H
 
+#include <functional>
+#include <utility>
+
 #include <TovoPlatform/WideString.h>
+
+#include <TovoJob/ObjectName.h>
 
 // What a key press or the mouse asks for.
 enum class Key {
@@ -20,16 +25,24 @@ enum class Key {
     PageDown,
     Home,
     End,
-    References,
-    Functions,
-    Rename,
-    Remove,
+    Tab,
+    F1,
+    F2,
+    F3,
+    F4,
+    F5,
+    F6,
+    F7,
+    F8,
+    F9,
     Undo,
     Redo,
     Save,
+    SaveAs,
     Quit,
     Click,
     Resize,
+    Idle,   // nothing was pressed for a moment
     HangUp, // the terminal is gone
     Other,
 };
@@ -49,11 +62,12 @@ enum class Paint {
     Formula,
     Table,
     Fault,
+    FaultPlace, // where in a text it is
     Refused,
+    Strong, // one word among others
 };
 
-// The paint of a reference of that kind.
-Paint PaintOfReference(int kind);
+Paint PaintOf(tovo::Kind kind);
 
 // The terminal as a grid of cells, from construction to destruction; there is one at a time. Rows
 // and columns count from 0, and what lies outside the grid is not drawn.
@@ -76,10 +90,13 @@ public:
     void HideCursor();
     void Beep();
 
-    // Shows what was drawn and waits for a key.
+    // Shows what was drawn and waits for a key, or for a moment in which none comes.
     KeyPress Read();
+    // Called before each wait, whoever waits.
+    void OnWait(std::function<void()> callback) { m_OnWait = std::move(callback); }
 
 private:
+    std::function<void()> m_OnWait;
     void* m_Screen; // of the terminal library; owned
 };
 

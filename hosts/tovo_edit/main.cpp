@@ -8,9 +8,10 @@
 #include <TovoFormula/Module.h>
 
 #include "Columns.h"
-#include "FormulaListView.h"
-#include "JobDocument.h"
+#include "Commands.h"
+#include "Document.h"
 #include "Language.h"
+#include "ObjectListView.h"
 #include "Terminal.h"
 
 namespace {
@@ -20,16 +21,22 @@ constexpr int kNothingEdited = 2;
 struct EditorOptions {
     std::string jobFile;
     LanguageOptions language;
-    bool isStrict = false;
+    tovo::JobOptions judging;
 };
 
 void Describe(CLI::App& app, EditorOptions& options)
 {
-    app.add_option("JOB", options.jobFile, "The job file (JSON) to edit")
+    app.add_option("JOB", options.jobFile,
+                   "The job file (JSON) to edit; a new one if it is not there")
         ->option_text(" ")
         ->required();
-    app.add_flag("--strict", options.isStrict,
-                 "Report what a function or a division cannot do, in place of going on with 0");
+    tovo::JobOptions& judging = options.judging;
+    app.add_flag_callback(
+        "--lenient-domains", [&judging] { judging.domainErrorsAreFaults = false; },
+        "Count a division by zero, the root of a negative number and their like as 0");
+    app.add_flag_callback(
+        "--undefined-as-zero", [&judging] { judging.undefinedVariablesAreFaults = false; },
+        "Count a variable that nobody defines as 0");
     app.add_option("--language", options.language.file, "Names of the words in another language")
         ->type_name("FILE");
     app.add_option("--decimal", options.language.decimal,
@@ -45,11 +52,17 @@ void Run(const EditorOptions& options)
 {
     InitTovoFormulaDLL(0);
     const LanguageInForce language(LanguageOf(options.language));
-    const TextManner manner{language.DecimalSeparator(), false};
     // Opened before the terminal, so that the fault of a file is told on a plain line.
-    JobDocument document(options.jobFile, options.isStrict);
+    Document document(options.jobFile, options.judging);
     Terminal terminal;
-    FormulaListView(terminal, document, manner).Run();
+    terminal.OnWait([&document] { static_cast<void>(document.KeepRecovery()); });
+    Commands commands(terminal, document, language.DecimalSeparator());
+    if (!commands.AskAboutRecovery())
+        return;
+    if (ObjectListView(terminal, document, commands).Run() == Key::HangUp)
+        document.WriteRecovery().Value();
+    else
+        document.RemoveRecovery();
 }
 
 } // namespace
@@ -57,7 +70,8 @@ void Run(const EditorOptions& options)
 int main(int argc, char** argv)
 {
     EditorOptions options;
-    CLI::App app("Edits the formulas of a job in the terminal.", "tovo-edit");
+    CLI::App app("Edits a job in the terminal: variables, formulas, tables and job values.",
+                 "tovo-edit");
     Describe(app, options);
     try {
         app.parse(argc, argv);
