@@ -8,18 +8,6 @@
 
 namespace {
 
-std::vector<CString> Wrapped(std::string_view text, int width)
-{
-    std::vector<CString> lines;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        for (const CString& line : WrappedLines(Wide(text.substr(0, end)), width, SIZE_MAX))
-            lines.push_back(line);
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return lines;
-}
-
 std::string WordsFor(const tovo::Dependency& dependency)
 {
     std::string words = dependency.inCondition ? "in a condition" : "";
@@ -44,6 +32,18 @@ CString Wide(std::string_view text)
     return CString(text);
 }
 
+std::vector<CString> Wrapped(std::string_view text, int width)
+{
+    std::vector<CString> lines;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        for (const CString& line : WrappedLines(Wide(text.substr(0, end)), width, SIZE_MAX))
+            lines.push_back(line);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return lines;
+}
+
 Notice Refused(const tovo::Refusal& refusal)
 {
     return {Wide(tovo::Refused(refusal).what()), true};
@@ -59,14 +59,16 @@ bool Commands::AskAboutRecovery()
     for (const CString& line :
          Wrapped("There is a recovery file with changes that were not saved. It was left by an "
                  "editor that did not end as it should, or belongs to one that is still running. "
-                 "y takes the changes, n works without them.",
+                 "y takes the changes, n discards them, Esc leaves.",
                  m_Terminal.Columns()))
         m_Terminal.Write(++row, 0, line);
     const auto isToTake = AskYesOrNo(m_Terminal, u"Take the changes?");
     if (!isToTake)
         return false;
-    if (!*isToTake)
+    if (!*isToTake) {
+        m_Document.DiscardRecovery();
         return true;
+    }
     if (const auto isDone = m_Document.Recover(); !isDone)
         return Confirm(m_Terminal, Wide(m_Document.Path()),
                        Wrapped(tovo::Refused(isDone.Why()).what(), m_Terminal.Columns()),
@@ -77,7 +79,7 @@ bool Commands::AskAboutRecovery()
 Notice Commands::AskAboutNews()
 {
     if (!m_Document.HasNewsOnDisk())
-        return {};
+        return std::exchange(m_RecoveryFault, {});
     const CString question = m_Document.IsModified()
                                  ? u"The file has changed on disk. Read it and lose your changes?"
                                  : u"The file has changed on disk. Read it again?";
@@ -86,6 +88,15 @@ Notice Commands::AskAboutNews()
         return {u"Kept as it is here; saving will ask again"};
     const auto isDone = m_Document.Reload();
     return isDone ? Notice{u"Read again"} : Refused(isDone.Why());
+}
+
+void Commands::KeepRecovery()
+{
+    const auto isDone = m_Document.KeepRecovery();
+    if (isDone || m_IsFaultKnown)
+        return;
+    m_IsFaultKnown = true;
+    m_RecoveryFault = {u"No recovery file: " + Refused(isDone.Why()).text, true};
 }
 
 Notice Commands::Save()

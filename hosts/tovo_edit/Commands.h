@@ -3,6 +3,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Dialogs.h"
@@ -27,8 +29,10 @@ public:
 
     // Asks what an earlier run has left. False if the user rather leaves.
     bool AskAboutRecovery();
-    // Asks if another program has changed the file.
+    // Asks if another program has changed the file; tells if no recovery file could be written.
     Notice AskAboutNews();
+    // To be called often.
+    void KeepRecovery();
     Notice Save();
     Notice SaveAs();
     // Asks if something is not saved. A save that fails must not lose what it was to keep.
@@ -48,9 +52,13 @@ private:
     Terminal& m_Terminal;
     Document& m_Document;
     std::string m_Decimal;
+    Notice m_RecoveryFault; // until it is told
+    bool m_IsFaultKnown = false;
 };
 
 CString Wide(std::string_view text);
+// The lines of a text, broken at a width.
+std::vector<CString> Wrapped(std::string_view text, int width);
 Notice Refused(const tovo::Refusal& refusal);
 
 #endif

@@ -181,6 +181,12 @@ void Document::RemoveRecovery()
     m_IsRecoveryDue = false;
 }
 
+void Document::DiscardRecovery()
+{
+    m_HasRecovery = true;
+    RemoveRecovery();
+}
+
 Document::FileMark Document::MarkOf(const std::string& path)
 {
     std::error_code fault;
@@ -195,6 +201,7 @@ Document::FileMark Document::MarkOf(const std::string& path)
 
 void Document::NoteChange()
 {
+    ++m_Version;
     m_IsModified.reset();
     m_IsRecoveryDue = true;
 }

@@ -2,6 +2,7 @@
 #define TOVO_EDIT_DOCUMENT_H
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -23,6 +24,8 @@ public:
     const tovo::Job& Job() const { return m_File.Content(); }
     const std::string& Path() const { return m_File.Path(); }
     bool IsModified() const;
+    // Another number after each change of the job.
+    std::size_t Version() const { return m_Version; }
 
     tovo::Result<void> Apply(const tovo::Edit& edit);
     // The same in place of the latest change, which may be the same object's.
@@ -54,7 +57,9 @@ public:
     tovo::Result<void> KeepRecovery(Clock::time_point now = Clock::now());
     // The same at once, for an end that leaves no time to save.
     tovo::Result<void> WriteRecovery();
+    // The one of this run, and one that an earlier start left.
     void RemoveRecovery();
+    void DiscardRecovery();
 
 private:
     // What tells cheaply that a file may be another one.
@@ -73,6 +78,7 @@ private:
     tovo::JobFile m_File;
     FileMark m_Mark;
     mutable std::optional<bool> m_IsModified; // absent if it is not known
+    std::size_t m_Version = 0;
     bool m_IsRecoveryDue = false;
     bool m_HasRecovery = false; // one of this run
     Clock::time_point m_NextRecovery = Clock::now();

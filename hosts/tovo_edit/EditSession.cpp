@@ -72,8 +72,7 @@ void EditSession::MoveWordRight()
 
 KeyRefusal EditSession::Type(const CString& text)
 {
-    LatestStep step{LatestStep::Kind::Typing, !text.IsEmpty() && IsWordCharacter(text[0]),
-                    m_Cursor};
+    EditStep step{EditStep::Kind::Typing, !text.IsEmpty() && IsWordCharacter(text[0]), m_Cursor};
     return Change(
         [&] {
             const bool isDone = m_Expression.InsertString(text, m_Cursor) != 0;
@@ -89,17 +88,17 @@ KeyRefusal EditSession::Backspace()
     if (m_Expression.OnVarRightEdge(m_Cursor, &index)) {
         // As the Delete key on its left edge, which takes a reference whole wherever it ends.
         const int start = m_Expression.VarPos(index);
-        return Erase(start, start, LatestStep::Kind::None);
+        return Erase(start, start, EditStep::Kind::None);
     }
-    return Erase(PreviousPos(), m_Cursor, LatestStep::Kind::Deleting);
+    return Erase(PreviousPos(), m_Cursor, EditStep::Kind::Deleting);
 }
 
 KeyRefusal EditSession::Delete()
 {
     // An empty range is the Delete key to the library, which takes a reference whole.
     if (m_Expression.OnVarLeftEdge(m_Cursor, nullptr))
-        return Erase(m_Cursor, m_Cursor, LatestStep::Kind::None);
-    return Erase(m_Cursor, NextPos(), LatestStep::Kind::Deleting);
+        return Erase(m_Cursor, m_Cursor, EditStep::Kind::None);
+    return Erase(m_Cursor, NextPos(), EditStep::Kind::Deleting);
 }
 
 // Asked for first: beyond the limit the library would refuse without telling which one it is.
@@ -183,7 +182,7 @@ bool EditSession::IsFirst() const
 
 // Carries out what the library may refuse, as one step to undo.
 template <typename Operation>
-KeyRefusal EditSession::Change(Operation operation, LatestStep step)
+KeyRefusal EditSession::Change(Operation operation, EditStep step)
 {
     const State before = Snapshot();
     if (!operation()) {
@@ -209,7 +208,7 @@ KeyRefusal EditSession::Change(Operation operation, LatestStep step)
 }
 
 // Start and end as DeleteChars takes them.
-KeyRefusal EditSession::Erase(int start, int end, LatestStep::Kind kind)
+KeyRefusal EditSession::Erase(int start, int end, EditStep::Kind kind)
 {
     // At either end of the text there is nothing to take, and so no step to undo.
     if (start == end && !m_Expression.OnVarLeftEdge(start, nullptr))
@@ -236,9 +235,9 @@ bool EditSession::MakeRoom(std::optional<Stretch> instead)
 }
 
 // A word is taken back as a whole, and so is a word that was deleted key by key.
-bool EditSession::BelongsToLatest(const LatestStep& step) const
+bool EditSession::BelongsToLatest(const EditStep& step) const
 {
-    return step.kind != LatestStep::Kind::None && step.kind == m_Latest.kind && step.isInWord &&
+    return step.kind != EditStep::Kind::None && step.kind == m_Latest.kind && step.isInWord &&
            m_Latest.isInWord && step.cursor == m_Latest.cursor && !m_Undo.empty();
 }
 

@@ -23,6 +23,18 @@ struct Stretch {
     int end = 0;
 };
 
+// A step to undo, to which the next key may belong.
+struct EditStep {
+    enum class Kind {
+        None,
+        Typing,
+        Deleting,
+    };
+    Kind kind = Kind::None;
+    bool isInWord = false;
+    int cursor = 0; // after it
+};
+
 // The editing of one expression: its text, the cursor, undo and redo.
 //
 // The cursor never stands inside a reference, and a reference comes and goes as a whole. Positions
@@ -75,23 +87,11 @@ private:
         CString pointers;
         int cursor;
     };
-    // What the latest step was, to which the next one may belong.
-    struct LatestStep {
-        enum class Kind {
-            None,
-            Typing,
-            Deleting,
-        };
-        Kind kind = Kind::None;
-        bool isInWord = false;
-        int cursor = 0; // after it
-    };
-
     template <typename Operation>
-    KeyRefusal Change(Operation operation, LatestStep step = {});
-    KeyRefusal Erase(int start, int end, LatestStep::Kind kind);
+    KeyRefusal Change(Operation operation, EditStep step = {});
+    KeyRefusal Erase(int start, int end, EditStep::Kind kind);
     bool MakeRoom(std::optional<Stretch> instead);
-    bool BelongsToLatest(const LatestStep& step) const;
+    bool BelongsToLatest(const EditStep& step) const;
     KeyRefusal ReasonToRefuse() const;
 
     State Snapshot() const;
@@ -106,7 +106,7 @@ private:
     const std::string m_FirstStored;
     int m_Cursor = 0;
     State m_First;
-    LatestStep m_Latest;
+    EditStep m_Latest;
     std::vector<State> m_Undo; // the latest last
     std::vector<State> m_Redo;
 };

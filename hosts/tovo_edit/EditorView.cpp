@@ -297,6 +297,8 @@ void EditorView::Check()
 {
     m_Draft.Check();
     m_Problem = m_Draft.WhatIsWrong();
+    m_Signature = m_Draft.SignatureHere();
+    m_Uses = m_Draft.Uses();
     m_Corrections.reset();
 }
 
@@ -368,22 +370,21 @@ std::vector<EditorView::Message> EditorView::Status() const
 
 void EditorView::AddSignature(std::vector<Message>& messages) const
 {
-    const auto signature = m_Draft.SignatureHere();
-    if (!signature)
+    if (!m_Signature)
         return;
-    Message message{Wide(signature->text), Paint::Plain};
-    if (signature->parameter) {
-        const tovo::Span& span = signature->parameters[*signature->parameter];
+    Message message{Wide(m_Signature->text), Paint::Plain};
+    if (m_Signature->parameter) {
+        const tovo::Span& span = m_Signature->parameters[*m_Signature->parameter];
         message.strong = {static_cast<int>(span.begin.utf16), static_cast<int>(span.end.utf16)};
     }
-    message.text += u"  " + Wide(signature->function->sentence);
+    message.text += u"  " + Wide(m_Signature->function->sentence);
     messages.push_back(message);
 }
 
 void EditorView::AddUses(std::vector<Message>& messages) const
 {
     std::string names;
-    for (const tovo::Dependency& use : m_Draft.Uses())
+    for (const tovo::Dependency& use : m_Uses)
         names += (names.empty() ? "" : ", ") + ReferenceText(use.object) +
                  (use.isDefined ? "" : " (not in the job)");
     const auto mostLines = static_cast<std::size_t>(std::max(m_Terminal.Rows() / 3, 2));

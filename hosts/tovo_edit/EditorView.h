@@ -70,8 +70,11 @@ private:
     Document& m_Document;
     Commands& m_Commands;
     FormulaDraft m_Draft;
+    // These are of the text as it is.
     std::optional<FormulaDraft::Problem> m_Problem;
-    // Of the text as it is; absent until someone asks, since they take time.
+    std::optional<tovo::Signature> m_Signature;
+    std::vector<tovo::Dependency> m_Uses;
+    // Absent until someone asks, since they take time.
     std::optional<std::vector<FormulaDraft::Correction>> m_Corrections;
     std::vector<tovo::Completion> m_Completions; // the list that is open; empty for none
     ListCursor m_CompletionCursor;

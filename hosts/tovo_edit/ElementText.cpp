@@ -6,15 +6,9 @@
 
 #include <TovoFormula/FmlaExprBase.h>
 
-namespace {
+#include "Columns.h"
 
-std::string Trimmed(std::string_view text)
-{
-    const std::size_t begin = text.find_first_not_of(' ');
-    if (begin == std::string_view::npos)
-        return {};
-    return std::string(text.substr(begin, text.find_last_not_of(' ') + 1 - begin));
-}
+namespace {
 
 std::string WordOf(int code)
 {
@@ -74,7 +68,7 @@ std::string ValueToEdit(double value, bool isYesNo, std::string_view decimal)
 tovo::Result<double> ReadValue(std::string_view text, bool isYesNo, const tovo::Job& job,
                                std::string_view decimal)
 {
-    const std::string trimmed = Trimmed(text);
+    const std::string trimmed = Trimmed(std::string(text));
     if (isYesNo) {
         const auto yes = ReadYesNo(trimmed, job);
         if (!yes)
@@ -105,7 +99,7 @@ std::string ElementText(const tovo::Element& element, const tovo::Job& job,
 tovo::Result<tovo::Element> ReadElement(std::string_view text, const tovo::Job& job,
                                         std::string_view decimal)
 {
-    const std::string trimmed = Trimmed(text);
+    const std::string trimmed = Trimmed(std::string(text));
     if (trimmed.empty())
         return tovo::Element();
     if (const auto number = ReadNumber(trimmed, decimal))

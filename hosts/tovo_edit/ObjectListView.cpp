@@ -1,8 +1,9 @@
 #include "ObjectListView.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <utility>
+
+#include <fmt/format.h>
 
 #include <TovoFormula/FmlaExprBase.h>
 
@@ -45,14 +46,6 @@ CString Placed(std::size_t count)
     return text;
 }
 
-std::vector<CString> ToWide(const std::vector<std::string>& texts)
-{
-    std::vector<CString> wide;
-    for (const std::string& text : texts)
-        wide.push_back(Wide(text));
-    return wide;
-}
-
 std::string ShownValue(const tovo::ObjectName& object, const std::optional<double>& value,
                        const std::string& decimal)
 {
@@ -69,41 +62,28 @@ std::string Shown(const tovo::PlaceChange& place, const std::optional<std::strin
     return expression.GetTextStr().ToUtf8();
 }
 
-// What edits do, place by place.
-std::vector<std::string> PreviewLines(const tovo::Preview& preview, const tovo::ObjectName& object,
-                                      const std::string& decimal)
+// What an edit does, place by place, in lines.
+std::string PreviewText(const tovo::Preview& preview, const tovo::ObjectName& object,
+                        const std::string& decimal)
 {
-    std::vector<std::string> lines;
+    std::string text;
     for (const tovo::PlaceChange& place : preview.places) {
         if (place.object == object)
             continue;
-        lines.push_back(std::string(WordFor(place.object.kind)) + " " + place.object.name + ", " +
-                        place.part);
-        lines.push_back("  now:  " + Shown(place, place.before));
-        lines.push_back("  then: " + Shown(place, place.after));
+        text += fmt::format("{} {}, {}\n  now:  {}\n  then: {}\n", WordFor(place.object.kind),
+                            place.object.name, place.part, Shown(place, place.before),
+                            Shown(place, place.after));
     }
     for (const tovo::ValueChange& change : preview.values) {
         if (change.object != object)
-            lines.push_back(change.object.name + ": " +
-                            ShownValue(change.object, change.before, decimal) + " becomes " +
-                            ShownValue(change.object, change.after, decimal));
+            text += fmt::format("{}: {} becomes {}\n", change.object.name,
+                                ShownValue(change.object, change.before, decimal),
+                                ShownValue(change.object, change.after, decimal));
     }
     for (const tovo::Fault& fault : preview.newFaults)
-        lines.push_back("new fault in " + std::string(WordFor(fault.object.kind)) + " " +
-                        fault.object.name + ": " + fault.text);
-    if (lines.empty())
-        lines.push_back("Nothing else refers to it.");
-    return lines;
-}
-
-std::vector<CString> Wrapped(const std::vector<std::string>& texts, int width)
-{
-    std::vector<CString> lines;
-    for (const CString& text : ToWide(texts)) {
-        for (const CString& line : WrappedLines(text, width, SIZE_MAX))
-            lines.push_back(line);
-    }
-    return lines;
+        text += fmt::format("new fault in {} {}: {}\n", WordFor(fault.object.kind),
+                            fault.object.name, fault.text);
+    return text.empty() ? "Nothing else refers to it." : text;
 }
 
 std::size_t PositionOf(const tovo::Job& job, const tovo::ObjectName& object)
@@ -144,7 +124,8 @@ ObjectListView::ObjectListView(Terminal& terminal, Document& document, Commands&
     : m_Terminal(terminal),
       m_Document(document),
       m_Commands(commands),
-      m_Rows(document.Job(), commands.Decimal())
+      m_Rows(document.Job(), commands.Decimal()),
+      m_Version(document.Version())
 {
     // What one comes for, if it is there.
     if (!document.Job().Formulas().empty())
@@ -154,8 +135,7 @@ ObjectListView::ObjectListView(Terminal& terminal, Document& document, Commands&
 Key ObjectListView::Run()
 {
     for (;;) {
-        m_Document.Update();
-        m_Rows.Refresh();
+        Refresh();
         Draw();
         const KeyPress press = m_Terminal.Read();
         if (press.key == Key::Idle) {
@@ -167,6 +147,16 @@ Key ObjectListView::Run()
         if (const auto end = Handle(press))
             return *end;
     }
+}
+
+// A search looks at everything that the job says, so only after a change.
+void ObjectListView::Refresh()
+{
+    if (m_Version == m_Document.Version())
+        return;
+    m_Version = m_Document.Version();
+    m_Document.Update();
+    m_Rows.Refresh();
 }
 
 // Title and footer take a row each.
@@ -185,7 +175,7 @@ std::optional<tovo::ObjectName> ObjectListView::Selected() const
 
 void ObjectListView::Select(const tovo::ObjectName& object)
 {
-    m_Rows.Refresh();
+    Refresh();
     if (!m_Rows.Find(object))
         m_Rows.SetFilter({});
     if (const auto index = m_Rows.Find(object))
@@ -375,7 +365,7 @@ void ObjectListView::Remove(const tovo::ObjectName& object)
         return;
     }
     const auto lines =
-        Wrapped(PreviewLines(preview.Value(), object, m_Commands.Decimal()), m_Terminal.Columns());
+        Wrapped(PreviewText(preview.Value(), object, m_Commands.Decimal()), m_Terminal.Columns());
     if (Confirm(m_Terminal, u"Removing " + Wide(object.name), lines, u"Enter remove  Esc keep"))
         Do(*edit, u"Removed");
 }

@@ -21,6 +21,7 @@ public:
     Key Run();
 
 private:
+    void Refresh();
     int Height() const;
     std::optional<tovo::ObjectName> Selected() const;
     void Select(const tovo::ObjectName& object);
@@ -46,6 +47,7 @@ private:
     Document& m_Document;
     Commands& m_Commands;
     ObjectRows m_Rows;
+    std::size_t m_Version; // of the job that the rows show
     ListCursor m_Cursor;
     Notice m_Notice;
 };

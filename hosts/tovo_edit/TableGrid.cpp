@@ -100,8 +100,10 @@ tovo::Table TableGrid::WithColumnBehind(std::size_t column) const
     InsertLimit(changed.columnLimits, column);
     if (column == 0)
         changed.columnLimits[0] = changed.columnLimits[1] - 1.0;
-    for (std::vector<tovo::Element>& row : changed.cells)
-        row.insert(row.begin() + static_cast<std::ptrdiff_t>(column), tovo::Element());
+    for (std::vector<tovo::Element>& row : changed.cells) {
+        row.emplace_back();
+        std::rotate(row.begin() + static_cast<std::ptrdiff_t>(column), row.end() - 1, row.end());
+    }
     return changed;
 }
 

@@ -162,11 +162,8 @@ void TableView::EditField(CString text)
         if (!m_Notice.isRefusal)
             return;
         text = *typed;
-        m_Terminal.Clear();
-        Draw();
-        if (m_Terminal.Read().key == Key::HangUp)
-            return;
-        m_Notice = {};
+        m_Terminal.WriteBar(m_Terminal.Rows() - 2, std::exchange(m_Notice, {}).text,
+                            Paint::Refused);
     }
 }
 

@@ -55,10 +55,10 @@ void Run(const EditorOptions& options)
     // Opened before the terminal, so that the fault of a file is told on a plain line.
     Document document(options.jobFile, options.judging);
     Terminal terminal;
-    terminal.OnWait([&document] { static_cast<void>(document.KeepRecovery()); });
     Commands commands(terminal, document, language.DecimalSeparator());
     if (!commands.AskAboutRecovery())
         return;
+    terminal.OnWait([&commands] { commands.KeepRecovery(); });
     if (ObjectListView(terminal, document, commands).Run() == Key::HangUp)
         document.WriteRecovery().Value();
     else
