@@ -30,6 +30,15 @@ constexpr int kFormulas = 3;
 constexpr std::size_t kMostRows = 30;
 constexpr std::size_t kMostCompared = 4; // rows of an input that is not examined thoroughly
 
+// More than one thread takes at a time.
+constexpr std::size_t kManyRows = 4200;
+// Threads race for the counters that guide an exploration, which must come out the same each time.
+#if __has_feature(address_sanitizer)
+constexpr bool kHasThreads = true;
+#else
+constexpr bool kHasThreads = false;
+#endif
+
 using Row = std::vector<std::string>;
 
 // What a text is as records: all of them, or those in front of the first fault.
@@ -202,13 +211,11 @@ public:
             return;
         Trickle trickle(text, 1 + text.size() % 7);
         std::istream slow(&trickle);
-        const Answer other = Calculated(slow, 2);
+        const Answer other = Calculated(slow, 1);
         Require(other.text == answer.text && bool(other.report) == bool(answer.report),
-                "the same on two threads", [&] { return answer.text + "--\n" + other.text; });
-        if (answer.report)
-            Require(answer.report.Value().faultyRows == other.report.Value().faultyRows &&
-                        answer.report.Value().causes.size() == other.report.Value().causes.size(),
-                    "the same faults on two threads", [&] { return text; });
+                "the same from a slow stream", [&] { return answer.text + "--\n" + other.text; });
+        if (kHasThreads && answer.report && answer.report.Value().faultyRows == 0)
+            RequireSameOnThreads(records);
     }
 
 private:
@@ -227,6 +234,20 @@ private:
         std::ostringstream results;
         Result<BatchReport> report = RunCsvBatch(m_Job, rows, results, options);
         return {results.str(), std::move(report)};
+    }
+
+    void RequireSameOnThreads(const Rows& records) const
+    {
+        if (records.all.size() < 2)
+            return;
+        std::vector<Row> many = records.all;
+        while (many.size() < kManyRows)
+            many.insert(many.end(), records.all.begin() + 1, records.all.end());
+        const std::string text = Written(many);
+        std::istringstream stream(text);
+        std::istringstream again(text);
+        Require(Calculated(stream, 1).text == Calculated(again, 3).text, "the same on threads",
+                [&] { return Written(records.all); });
     }
 
     // The input of a column; none for the copied one.

@@ -157,9 +157,9 @@ void Run(std::string_view input)
     const std::string written = WriteJob(job);
     Job again = ReadAgain(written, OptionsOf(choice));
     Require(WriteJob(again) == written, "the same bytes", [&] { return written; });
-    RequireSame("the same job", told, Told(again));
     if (!IsThorough())
         return;
+    RequireSame("the same job", told, Told(again));
     for (int other = 0; other < kOptions; ++other) {
         again.SetOptions(OptionsOf(other));
         Job anew = ReadAgain(written, OptionsOf(other));

@@ -168,6 +168,18 @@ std::vector<ObjectName> ReferredBy(std::span<const TextChange> changes)
     return objects;
 }
 
+// Whether the job shows the text once it is stored, but for blanks beside references. It does not
+// where the text comes to have a meaning: "V()" is a reference then.
+bool IsShownAs(const std::string& expression, CString text)
+{
+    CFmlaExprBase stored;
+    stored.SetFromEncodedString(Wide(expression));
+    CString shown = stored.GetTextStr();
+    shown.Remove(u' ');
+    text.Remove(u' ');
+    return shown == text;
+}
+
 class FixFinder {
 public:
     FixFinder(const Fault& fault, const Job& job)
@@ -205,6 +217,8 @@ private:
                 continue;
             if (tried.size() > kMostTried)
                 return;
+            if (!IsShownAs(formula.expression, changed.Text()))
+                continue;
             const CString text = expression->GetTextStr();
             Edited edited = EditsOf(text.View(), candidate.changes);
             Fix fix{std::move(candidate.description), std::move(edited.edits),

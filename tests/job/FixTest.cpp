@@ -144,6 +144,7 @@ TEST(Fixes, CorrectWhatPeopleType)
         {"1/0", ""},
         {"V(Xyzzy)", ""},
         {"2*3", ""},
+        {"V(", ""}, // with a ")" it would be shown as a reference without a name
     };
     for (const Case& row : cases) {
 
