@@ -6,7 +6,9 @@
 // TOVO_STATIC, which the CMake targets and pkg-config do for them.
 
 #if !defined(_WIN32)
+// Marks a declaration in the library that defines it.
 #define TOVO_EXPORT __attribute__((visibility("default")))
+// Marks a declaration in the hosts of the library that defines it.
 #define TOVO_IMPORT __attribute__((visibility("default")))
 #elif defined(TOVO_STATIC)
 #define TOVO_EXPORT
