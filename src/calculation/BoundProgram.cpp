@@ -91,6 +91,16 @@ bool BoundWork::RunAgain(ExpressionState& state, const CString& name)
     return true;
 }
 
+// A part of its caller, as RunAsCheck.
+[[gnu::always_inline]] inline bool BoundWork::RunMarked(Former& former, ExpressionState& state)
+{
+    const UnderWay underWay(state.marks);
+    if (underWay.IsTooDeep())
+        return false;
+    former.TakeTree();
+    return RunAsCheck(state);
+}
+
 // The road of the program, from the mark on the expression to the value. Where it gives up, the
 // expression is as it was.
 bool BoundWork::CheckByProgram(Former& former, const CString& name)
@@ -105,15 +115,6 @@ bool BoundWork::CheckByProgram(Former& former, const CString& name)
     m_Expression.m_Tree.m_Msg = MSG_NONE;
     NoteLoaded();
     return true;
-}
-
-bool BoundWork::RunMarked(Former& former, ExpressionState& state)
-{
-    const UnderWay underWay(state.marks);
-    if (underWay.IsTooDeep())
-        return false;
-    former.TakeTree();
-    return RunAsCheck(state);
 }
 
 // A part of its caller, as RunAsCheck.

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <span>
+#include <string>
 #include <unordered_set>
 #include <utility>
 #include <variant>
 
+#include <TovoFormula/FmlaExprBase.h>
 #include <TovoFormula/MessageIds.h>
 
 #include "Access.h"
@@ -168,16 +170,20 @@ std::vector<ObjectName> ReferredBy(std::span<const TextChange> changes)
     return objects;
 }
 
-// Whether the job shows the text once it is stored, but for blanks beside references. It does not
-// where the text comes to have a meaning: "V()" is a reference then.
-bool IsShownAs(const std::string& expression, CString text)
+std::u16string WithoutBlanks(const CString& text)
+{
+    std::u16string rest(text.View());
+    std::erase(rest, u' ');
+    return rest;
+}
+
+// Whether the job shows the text once it is stored; blanks beside references may differ. It does
+// not where the text takes on a meaning: "V()" becomes a reference.
+bool IsShownAs(const std::string& expression, const CString& text)
 {
     CFmlaExprBase stored;
     stored.SetFromEncodedString(Wide(expression));
-    CString shown = stored.GetTextStr();
-    shown.Remove(u' ');
-    text.Remove(u' ');
-    return shown == text;
+    return WithoutBlanks(stored.GetTextStr()) == WithoutBlanks(text);
 }
 
 class FixFinder {
