@@ -98,18 +98,19 @@ void RegisterReading(ResultTable& table, const std::string& row, std::size_t cou
 
 void RegisterCalculating(ResultTable& table, const std::string& row, std::size_t count)
 {
-    Register(table, kJobFirst, row, Engine::Ours, [file = FileOf(count), count](auto& state) {
-        for (auto _ : state) {
-            state.PauseTiming();
-            auto fresh = std::make_unique<tovo::Job>(tovo::ReadJob(file, "job").Value());
-            state.ResumeTiming();
-            fresh->Update();
-            state.PauseTiming();
-            fresh.reset();
-            state.ResumeTiming();
-        }
-        NoteParts(state, count);
-    });
+    Register(table, kJobFirst, row, Engine::Ours,
+             [file = FileOf(count), count](benchmark::State& state) {
+                 for (auto _ : state) {
+                     state.PauseTiming();
+                     auto fresh = std::make_unique<tovo::Job>(tovo::ReadJob(file, "job").Value());
+                     state.ResumeTiming();
+                     fresh->Update();
+                     state.PauseTiming();
+                     fresh.reset();
+                     state.ResumeTiming();
+                 }
+                 NoteParts(state, count);
+             });
 
     const auto job = std::make_shared<tovo::Job>(tovo::ReadJob(FileOf(count), "job").Value());
     const auto net = std::make_shared<EngineNet>(count);
